@@ -1,0 +1,10 @@
+#include "core/ports.h"
+
+namespace zrn {
+
+SystemClock& SystemClock::Instance() {
+  static SystemClock clock;
+  return clock;
+}
+
+}  // namespace zrn

@@ -1,0 +1,202 @@
+#pragma once
+
+#include <QByteArray>
+#include <QDateTime>
+#include <QString>
+#include <QStringList>
+#include <array>
+#include <vector>
+
+#include "core/ports.h"
+
+namespace zrn {
+
+// "None" for every channel, source, relay, event index and list position.
+constexpr qint16 kNone = 16383;
+
+struct ScheduledEvent {
+  QString Time;
+  bool Active = false;
+  qint16 DisplayOption = 0;
+  qint16 Days = 0;
+  bool Connect = false;
+  QString Label;
+  qint16 Source = kNone;
+};
+
+struct OutputEntry {
+  qint16 Output = kNone;
+  qint16 AlarmState = 0;
+  qint16 DisplayOption = 0;
+  QString CustomLabel = QStringLiteral("None");
+  std::vector<ScheduledEvent> Events = std::vector<ScheduledEvent>(1);
+  qint16 EventCount = 0;
+  bool MonitoringEnabled = false;
+  qint16 NextEvent = kNone;
+  qint16 HoldOffTicks = 0;
+};
+
+struct ShowChannel {
+  qint16 Channel = kNone;
+  qint16 Monitor = kNone;
+  quint8 Status = 0;
+};
+
+struct IgnoreWindow {
+  QString StartTime;
+  QString EndTime;
+};
+
+struct ShowRecord {
+  QString Name;
+  QString StartTime;
+  QString EndTime;
+  QString StartDate;
+  QString EndDate;
+  qint16 Days = 0;
+  qint16 DownlinkSource = kNone;
+  qint16 DownlinkMonitor = kNone;
+  quint8 DownlinkStatus = 0;
+  qint16 OutputCount = 0;
+  std::vector<qint16> OutputLeft;
+  std::vector<qint16> OutputRight;
+  std::vector<qint16> OutputCue;
+  qint16 StudioCount = 0;
+  std::vector<ShowChannel> StudioLeft;
+  std::vector<ShowChannel> StudioRight;
+  std::vector<ShowChannel> StudioCue;
+  qint16 IgnoreCount = 0;
+  std::vector<IgnoreWindow> IgnoreWindows = std::vector<IgnoreWindow>(1);
+  qint16 DetectTime1 = 0;
+  qint16 DetectTime2 = 0;
+  qint16 DetectLevel = 0;
+  quint8 ActivityState = 0;
+  quint8 WasActive = 0;
+  quint8 Alarm = 0;
+  bool AlarmCanceled = false;
+};
+
+struct SilenceOut {
+  qint16 Output = 0;
+  qint16 Source = kNone;
+  quint8 Status = 0;
+  qint16 DetectTime1 = 0;
+  qint16 DetectTime2 = 0;
+  qint16 DetectLevel = 0;
+  qint16 Show = kNone;
+  quint8 Role = 0;
+};
+
+// Routing of one switcher output as the switcher reports it.
+struct CrosspointEntry {
+  std::array<qint16, 64> Sources{};
+  quint8 OutputFlags = 0;
+  quint8 SourceCount = 0;
+  std::array<qint16, 64> Values1{};
+  std::array<qint16, 64> Values2{};
+  std::array<qint16, 32> MarkedSources{};
+  std::array<qint16, 32> MarkedValues1{};
+  std::array<qint16, 32> MarkedValues2{};
+  quint8 MarkedCount = 0;
+};
+
+// Silence detector state and configuration of one switcher output.
+struct SilenceStatusEntry {
+  quint8 Status = 0;
+  qint16 Mode = 0;
+  qint16 SilenceThreshold = 0;
+  qint16 DetectTime = 0;
+  qint16 ReturnTime = 0;
+  qint16 Device = 0;
+  qint16 PeakThreshold = 0;
+  qint16 HoldTime = 0;
+};
+
+// Bookkeeping of the two logs: flood control and the guard against reporting a failed
+// error-log write through the error log again.
+struct LogState {
+  QString lastLocation;
+  QString lastMessage;
+  QDateTime lastWritten;
+  int heldBack = 0;
+  bool reportingWriteFailure = false;
+};
+
+struct State {
+  State();
+
+  // Ports; not owned.
+  Clock* clock = &SystemClock::Instance();
+  Link* link = nullptr;
+  Prompt* prompt = nullptr;
+
+  // Folder of every data and log file, with a trailing separator.
+  QString AppPath;
+
+  // Configuration.
+  QString ServerAddress = QStringLiteral("127.0.0.1");
+  qint32 ServerPort = 1250;
+  qint32 MaxLogFileSize = 5000;
+  qint16 MaxDisplay = 100;
+  qint16 AlarmRelay = kNone;
+  quint8 DefaultViewLarge = 0;
+  qint16 ProgramMode = 0;
+  qint16 OutputCount = 1;
+
+  // Watched outputs, shows and the silence-output table.
+  std::vector<OutputEntry> Outputs;
+  qint16 PanelsLoaded = 1;
+  std::vector<ShowRecord> Shows;
+  qint16 ShowCount = 0;
+  std::vector<ShowRecord> EditShows;
+  std::vector<SilenceOut> SilenceOuts;
+  qint16 SilenceOutCount = 0;
+  std::vector<qint16> ActiveShows;
+  qint16 ActiveShowCount = 0;
+  qint16 ShowPanelsLoaded = 0;
+
+  // Name tables, indexed by channel number - 1.
+  QStringList OutputNames;
+  QStringList InputNames;
+  QStringList OptoNames;
+  QStringList RelayNames;
+
+  // Switcher state.
+  std::vector<CrosspointEntry> CrosspointMap;
+  std::vector<SilenceStatusEntry> SilenceStatus;
+  std::vector<qint16> RelayStates;
+  std::vector<qint16> SilenceOutIndex;
+  qint16 SwitcherInputCount = 256;
+  qint16 SwitcherOutputCount = 256;
+  qint16 SwitcherOptoCount = 0;
+  qint16 SwitcherRelayCount = 0;
+
+  // Window and dialog globals.
+  qint16 SelectedOutput = 0;
+  qint16 SelectedShow = 0;
+  qint16 ChannelSelectMode = 0;
+  bool LargeViewActive = false;
+  quint8 ManyOutputs = 0;
+  bool DialogAccepted = false;
+  bool ShowStatusOpen = false;
+  bool Connected = false;
+  QTime CurrentTime;
+  qint16 Today = 0;
+
+  // Bytes received from the switcher and not yet decoded.
+  QByteArray ReceiveBuffer;
+
+  // Rows of the main window's message list, oldest first; at most MaxDisplay.
+  QStringList MessageRows;
+  QString StatusBarText;
+
+  LogState logs;
+};
+
+// The current wall-clock time from the state's clock.
+QDateTime Now(const State& s);
+
+// Rebuilds SilenceOutIndex from SilenceOuts; a later entry with the same output wins.
+void UpdateSilenceOutTable(State& s);
+
+}  // namespace zrn

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "core/state.h"
+
+namespace zrn {
+
+// Fills the Events arrays and EventCount of Outputs from ZRNEvents.dat; false after an error.
+bool ReadEvents(State& s);
+
+// Writes the events of the first PanelsLoaded outputs; false after an error (the previous
+// file stays whole).
+bool SaveEvents(State& s);
+
+}  // namespace zrn

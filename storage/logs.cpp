@@ -1,0 +1,229 @@
+#include "storage/logs.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QLocale>
+
+#include "storage/file_io.h"
+
+namespace zrn {
+
+namespace {
+
+const QString kActivityLog = QStringLiteral("EventLog");
+const QString kErrorLog = QStringLiteral("Errorlog");
+const QString kHyphens = QString(80, QLatin1Char('-'));
+
+QStringList HeaderTop() {
+  return {QString(13, QLatin1Char(' ')) + QStringLiteral("H A L V O R N"),
+          QString(),
+          QString(19, QLatin1Char(' ')) +
+              QStringLiteral("Halvorn Broadcast Systems, 1420 Kettering Parkway"),
+          QString(19, QLatin1Char(' ')) + QStringLiteral("Dayton, Ohio 45439  USA"),
+          QString(19, QLatin1Char(' ')) +
+              QStringLiteral("Tel. +1 937 555 0148   www.halvorn-broadcast.com"),
+          QString(),
+          QString()};
+}
+
+QByteArray Lines(const QStringList& lines) {
+  QByteArray bytes;
+  for (const QString& line : lines) {
+    bytes += line.toUtf8();
+    bytes += "\r\n";
+  }
+  return bytes;
+}
+
+void CreateLog(const QString& path, const QStringList& lines) {
+  QFile file(path);
+  if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
+    throw Failure::PathFileAccess();
+  }
+  const QByteArray bytes = Lines(lines);
+  if (file.write(bytes) != bytes.size()) {
+    throw Failure::DeviceIo();
+  }
+}
+
+void AppendLine(const QString& path, const QString& line) {
+  QFile file(path);
+  if (!file.open(QIODevice::WriteOnly | QIODevice::Append)) {
+    throw Failure::PathFileAccess();
+  }
+  const QByteArray bytes = Lines({line});
+  if (file.write(bytes) != bytes.size() || !file.flush()) {
+    throw Failure::DeviceIo();
+  }
+}
+
+// Moves a full log to "<base> MMddyy HHmm.txt"; a second rotation in the same minute gets
+// " (2)", " (3)" ... so no rotated log is ever overwritten.
+void RotateIfFull(State& s, const QString& base) {
+  const QString path = DataPath(s, base + QStringLiteral(".txt"));
+  if (s.MaxLogFileSize <= 0) {
+    return;
+  }
+  const QFileInfo info(path);
+  if (!info.exists() || info.size() < static_cast<qint64>(s.MaxLogFileSize) * 1024) {
+    return;
+  }
+  const QString stem = DataPath(s, base + QLatin1Char(' ') + FileStamp(Now(s)));
+  QString target = stem + QStringLiteral(".txt");
+  for (int n = 2; QFileInfo::exists(target); ++n) {
+    if (n > 9999) {
+      throw Failure::PathFileAccess();
+    }
+    target = stem + QStringLiteral(" (%1).txt").arg(n);
+  }
+  if (!QFile::rename(path, target)) {
+    throw Failure::PathFileAccess();
+  }
+}
+
+void WriteErrorLine(State& s, const QString& location, const QString& message) {
+  const QString stamp = GeneralDateTime(Now(s));
+  QString line = stamp.leftJustified(24) + location;
+  if (line.size() < 60) {
+    line = line.leftJustified(60);
+  }
+  line += message;
+
+  RotateIfFull(s, kErrorLog);
+  const QString path = DataPath(s, kErrorLog + QStringLiteral(".txt"));
+  if (!QFileInfo::exists(path)) {
+    CreateErrorLog(s);
+  }
+  AppendLine(path, line);
+}
+
+}  // namespace
+
+QString ActivityStamp(const QDateTime& when) {
+  return QLocale().toString(when, QStringLiteral("ddd, MMM dd, yyyy - HH:mm:ss"));
+}
+
+QString GeneralDateTime(const QDateTime& when) {
+  const QLocale locale;
+  QString dateFormat = locale.dateFormat(QLocale::ShortFormat);
+  if (!dateFormat.contains(QStringLiteral("yyyy"))) {
+    dateFormat.replace(QStringLiteral("yy"), QStringLiteral("yyyy"));
+  }
+  // The long time form carries the seconds; its time-zone part is not wanted.
+  QString timeFormat = locale.timeFormat(QLocale::LongFormat);
+  timeFormat.remove(QLatin1Char('t'));
+  timeFormat = timeFormat.trimmed();
+  return locale.toString(when.date(), dateFormat) + QLatin1Char(' ') +
+         locale.toString(when.time(), timeFormat);
+}
+
+QString FileStamp(const QDateTime& when) {
+  return when.toString(QStringLiteral("MMddyy HHmm"));
+}
+
+QString ErrorText(const Failure& failure) {
+  // A non-negative number is preceded by a blank, as number-to-text conversion does.
+  const QString number = failure.number >= 0 ? QStringLiteral(" %1").arg(failure.number)
+                                             : QString::number(failure.number);
+  return QStringLiteral("Error # ") + number + QStringLiteral(" - ") + failure.description;
+}
+
+bool CreateActivityLog(State& s) {
+  QStringList lines = HeaderTop();
+  lines << QStringLiteral("ZRN Pennaro Logfile")
+        << QStringLiteral("Version: ") + QLatin1String(kVersionText) << QString()
+        << QStringLiteral(" DATE              TIME             MESSAGE DESCRIPTION") << kHyphens;
+  try {
+    CreateLog(DataPath(s, kActivityLog + QStringLiteral(".txt")), lines);
+    return true;
+  } catch (const Failure& failure) {
+    LogError(s, QStringLiteral("Error Creating Activity Log"), QStringLiteral("File Error"),
+             failure);
+    return false;
+  }
+}
+
+void CreateErrorLog(State& s) {
+  QStringList lines = HeaderTop();
+  lines << QStringLiteral("ZRN Pennaro Error Logfile") << QString()
+        << QStringLiteral(
+               " DATE     TIME           LOCATION                      MESSAGE DESCRIPTION")
+        << kHyphens;
+  // A failure here surfaces when the line itself is appended.
+  try {
+    CreateLog(DataPath(s, kErrorLog + QStringLiteral(".txt")), lines);
+  } catch (const Failure&) {
+  }
+}
+
+void WriteActivityLog(State& s, const QString& message, const QString& source) {
+  const QString line =
+      (ActivityStamp(Now(s)).leftJustified(35) + source).leftJustified(55) + message;
+  try {
+    RotateIfFull(s, kActivityLog);
+    const QString path = DataPath(s, kActivityLog + QStringLiteral(".txt"));
+    if (!QFileInfo::exists(path) && !CreateActivityLog(s)) {
+      return;  // reported by the creation; the line is lost
+    }
+    AppendLine(path, line);
+  } catch (const Failure& failure) {
+    LogError(s, QStringLiteral("Error Writing to Activity Log"), QStringLiteral("File Error"),
+             failure);
+  }
+}
+
+void WriteErrorLog(State& s, const QString& message, const QString& location) {
+  LogState& log = s.logs;
+  // A failed write is reported through this very function; that report gets no attempt of
+  // its own, so a read-only folder or a full disk costs one attempt per message.
+  if (log.reportingWriteFailure) {
+    return;
+  }
+  const QDateTime now = Now(s);
+  if (location == log.lastLocation && message == log.lastMessage && log.lastWritten.isValid() &&
+      log.lastWritten.secsTo(now) < 60 && log.lastWritten <= now) {
+    ++log.heldBack;
+    return;
+  }
+  try {
+    if (log.heldBack > 0) {
+      const int held = log.heldBack;
+      log.heldBack = 0;
+      WriteErrorLine(s, log.lastLocation,
+                     log.lastMessage + QStringLiteral(" (repeated %1 times)").arg(held));
+    }
+    log.lastLocation = location;
+    log.lastMessage = message;
+    log.lastWritten = now;
+    WriteErrorLine(s, location, message);
+  } catch (const Failure& failure) {
+    log.reportingWriteFailure = true;
+    LogError(s, QStringLiteral("Error Writing to Error Log"), QStringLiteral("File Error"),
+             failure);
+    log.reportingWriteFailure = false;
+  }
+}
+
+void LogError(State& s, const QString& location, const QString& /*title*/, const Failure& failure) {
+  WriteErrorLog(s, ErrorText(failure), location);
+}
+
+void DisplayMessage(State& s, const QString& message) {
+  if (message.isEmpty()) {
+    return;
+  }
+  try {
+    const QString row = ActivityStamp(Now(s)) + QStringLiteral(" - ") + message;
+    const int limit = std::max<int>(s.MaxDisplay, 1);
+    while (s.MessageRows.size() > limit - 1) {
+      s.MessageRows.removeFirst();
+    }
+    s.MessageRows.append(row);
+  } catch (const std::bad_alloc&) {
+    LogError(s, QStringLiteral("Error Displaying Message "), QStringLiteral("Display Error"),
+             Failure::OutOfMemory());
+  }
+  WriteActivityLog(s, message, QString());
+}
+
+}  // namespace zrn

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+#include <new>
+
+#include "core/failure.h"
+#include "core/state.h"
+
+namespace zrn {
+
+inline constexpr const char* kVersionText = "02.00.0011 - 05/16/2025";
+
+// Activity log: one line per operational event.
+void WriteActivityLog(State& s, const QString& message, const QString& source);
+// Creates the log with its header; reports a failure itself and returns false.
+bool CreateActivityLog(State& s);
+
+// Error log: one line per trapped error.
+void WriteErrorLog(State& s, const QString& message, const QString& location);
+void CreateErrorLog(State& s);
+
+// Reports a trapped failure; the title names its kind and is not shown anywhere.
+void LogError(State& s, const QString& location, const QString& title, const Failure& failure);
+
+// An operational message: a row in the message list and a line in the activity log.
+void DisplayMessage(State& s, const QString& message);
+
+// "Error # " and the number as the error lines show it ("Error #  53 - File not found").
+QString ErrorText(const Failure& failure);
+
+// "ddd, MMM dd, yyyy - HH:mm:ss" in the default locale.
+QString ActivityStamp(const QDateTime& when);
+// The locale's general date-and-time form with a four-digit year and seconds.
+QString GeneralDateTime(const QDateTime& when);
+// "MMddyy HHmm", as in rotated log and export file names.
+QString FileStamp(const QDateTime& when);
+
+// Runs body and reports any failure under location; returns false after a failure.
+template <class Body>
+bool Trap(State& s, const QString& location, const QString& title, Body&& body) {
+  try {
+    body();
+    return true;
+  } catch (const Failure& failure) {
+    LogError(s, location, title, failure);
+  } catch (const std::bad_alloc&) {
+    LogError(s, location, title, Failure::OutOfMemory());
+  }
+  return false;
+}
+
+}  // namespace zrn

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "core/state.h"
+
+namespace zrn {
+
+// A show with the defaults of a new show.
+ShowRecord MakeNewShow();
+
+// Fills EditShows[index] with the defaults of a new show.
+void NewShow(State& s, int index);
+
+// Sets Shows, ShowCount, SilenceOuts and SilenceOutCount from ZRNShows.dat; false after an error.
+bool ReadShows(State& s);
+
+// Writes Shows and SilenceOuts; false after an error (the previous file stays whole).
+bool SaveShows(State& s);
+
+// Writes the show-list export "ZRNShows<MMddyy HHmm>.txt"; false after an error.
+bool PrintShows(State& s);
+
+}  // namespace zrn
