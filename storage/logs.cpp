@@ -192,10 +192,11 @@ void WriteErrorLog(State& s, const QString& message, const QString& location) {
       WriteErrorLine(s, log.lastLocation,
                      log.lastMessage + QStringLiteral(" (repeated %1 times)").arg(held));
     }
+    WriteErrorLine(s, location, message);
+    // Only a line that reached the file holds back its repeats.
     log.lastLocation = location;
     log.lastMessage = message;
     log.lastWritten = now;
-    WriteErrorLine(s, location, message);
   } catch (const Failure& failure) {
     log.reportingWriteFailure = true;
     LogError(s, QStringLiteral("Error Writing to Error Log"), QStringLiteral("File Error"),
