@@ -1,0 +1,321 @@
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <algorithm>
+#include <random>
+
+#include "storage/events_file.h"
+#include "support/temp_state.h"
+
+namespace zrn {
+namespace {
+
+using test::TempStateTest;
+
+const QString kFile = QStringLiteral("ZRNEvents.dat");
+
+ScheduledEvent Event(const QString& time, int days = 31, bool active = true, int display = 0,
+                     bool connect = false, int source = kNone, const QString& label = {}) {
+  ScheduledEvent e;
+  e.Time = time;
+  e.Days = static_cast<qint16>(days);
+  e.Active = active;
+  e.DisplayOption = static_cast<qint16>(display);
+  e.Connect = connect;
+  e.Source = static_cast<qint16>(source);
+  e.Label = label;
+  return e;
+}
+
+class EventsFile : public TempStateTest {
+ protected:
+  void UseOutputs(int count) {
+    s.Outputs.assign(count, OutputEntry{});
+    s.PanelsLoaded = static_cast<qint16>(count);
+  }
+  void SetEvents(int output, std::vector<ScheduledEvent> events) {
+    s.Outputs[output].EventCount = static_cast<qint16>(events.size());
+    events.emplace_back();  // the spare element a schedule keeps
+    s.Outputs[output].Events = std::move(events);
+  }
+  bool HasErrorLine(const QString& location, const QString& text) const {
+    for (const QString& line : ErrorLines()) {
+      if (line.mid(24).startsWith(location) && line.contains(text)) {
+        return true;
+      }
+    }
+    return false;
+  }
+  // A fresh error log and no set-aside copies, so each damaged file is judged on its own.
+  void ForgetErrors() {
+    s.logs = LogState{};
+    for (const QString& name : Files()) {
+      if (name != kFile) {
+        QFile::remove(PathOf(name));
+      }
+    }
+  }
+  QByteArray ThreeEventFile() {
+    UseOutputs(2);
+    SetEvents(0, {Event("06:30:00"), Event("18:00:00", 96, false, 2, true, 7, "Late")});
+    SetEvents(1, {Event("12:00:00")});
+    EXPECT_TRUE(SaveEvents(s));
+    return ReadAll(kFile);
+  }
+};
+
+TEST_F(EventsFile, WorkedExampleIsByteExact) {
+  SetEvents(0, {Event("06:30:00", 31, true, 0, false, kNone, QString())});
+  ASSERT_TRUE(SaveEvents(s));
+  const QByteArray expected = QByteArray::fromHex("01000100") + QByteArray(1, '\0') + "06:30:00" +
+                              QByteArray::fromHex("1FFF0000FF3F") + QByteArray(12, ' ');
+  ASSERT_EQ(expected.size(), 31);
+  EXPECT_EQ(ReadAll(kFile), expected);
+
+  SetEvents(0, {});
+  ASSERT_TRUE(SaveEvents(s));
+  EXPECT_EQ(ReadAll(kFile), QByteArray::fromHex("01000000"));
+}
+
+TEST_F(EventsFile, AnyNonZeroFlagReadsTrueAndIsWrittenBackAs255) {
+  // Days 1, active 1, display 2, connect 7, source 5.
+  WriteAll(kFile, QByteArray::fromHex("01000100") + QByteArray(1, '\0') + "07:00:00" +
+                      QByteArray::fromHex("010102070500") + "Breakfast   ");
+  ASSERT_TRUE(ReadEvents(s));
+  ASSERT_EQ(s.Outputs[0].EventCount, 1);
+  const ScheduledEvent& e = s.Outputs[0].Events[0];
+  EXPECT_TRUE(e.Active);
+  EXPECT_TRUE(e.Connect);
+  EXPECT_EQ(e.Days, 1);
+  EXPECT_EQ(e.DisplayOption, 2);
+  EXPECT_EQ(e.Source, 5);
+  EXPECT_EQ(e.Label, QStringLiteral("Breakfast   ")) << "trailing blanks are kept";
+
+  ASSERT_TRUE(SaveEvents(s));
+  const QByteArray saved = ReadAll(kFile);
+  EXPECT_EQ(static_cast<quint8>(saved[4 + 10]), 255);
+  EXPECT_EQ(static_cast<quint8>(saved[4 + 12]), 255);
+}
+
+TEST_F(EventsFile, ReadingSortsByTimeAndLetsTheFileDecideTheCounts) {
+  UseOutputs(3);
+  const auto labelled = [](const char* time, const char* label) {
+    return Event(time, 31, true, 2, false, kNone, label);
+  };
+  SetEvents(0, {Event("12:00:00"), labelled("08:00:00", "A"), Event("23:59:59"), Event("00:00:00"),
+                labelled("08:00:00", "B")});
+  SetEvents(1, {Event("09:00:00", 31, true, 0, true, 12), Event("10:00:00")});
+  ASSERT_TRUE(SaveEvents(s));
+
+  // The configuration promised other counts; the file wins.
+  s.Outputs[1].EventCount = 3;
+  s.Outputs[2].EventCount = 2;
+  s.Outputs[2].Events = {Event("01:00:00", 1, true, 0, true, 44), Event("02:00:00")};
+  ASSERT_TRUE(ReadEvents(s));
+
+  QStringList times;
+  for (int i = 0; i < s.Outputs[0].EventCount; ++i) {
+    times << s.Outputs[0].Events[i].Time;
+  }
+  EXPECT_EQ(times.join(' '), QStringLiteral("00:00:00 08:00:00 08:00:00 12:00:00 23:59:59"));
+  EXPECT_EQ(s.Outputs[0].Events[1].Label + s.Outputs[0].Events[2].Label,
+            QStringLiteral("A           B           "))
+      << "equal times keep their file order";
+  EXPECT_EQ(s.Outputs[1].EventCount, 2);
+  EXPECT_EQ(s.Outputs[1].Events[0].Source, 12) << "an output with events keeps its first route";
+  EXPECT_EQ(s.Outputs[2].EventCount, 0);
+  EXPECT_EQ(s.Outputs[2].Events[0].Source, kNone) << "an output without events has no route";
+}
+
+TEST_F(EventsFile, AFullFileReadsAndSortsQuickly) {
+  std::vector<ScheduledEvent> events;
+  for (int k = 0; k < 32767; ++k) {
+    events.push_back(Event(QTime(0, 0).addSecs((k * 7919) % 86400).toString("HH:mm:ss")));
+  }
+  SetEvents(0, std::move(events));
+  ASSERT_TRUE(SaveEvents(s));
+  QElapsedTimer timer;
+  timer.start();
+  ASSERT_TRUE(ReadEvents(s));
+  EXPECT_LT(timer.elapsed(), 5000) << "start-up must not stall on a large schedule";
+  ASSERT_EQ(s.Outputs[0].EventCount, 32767);
+  EXPECT_TRUE(std::is_sorted(s.Outputs[0].Events.begin(), s.Outputs[0].Events.begin() + 32767,
+                             [](const auto& a, const auto& b) { return a.Time < b.Time; }));
+}
+
+TEST_F(EventsFile, OutputsBeyondThePanelsStillGetTheirEvents) {
+  UseOutputs(2);
+  SetEvents(1, {Event("05:00:00")});
+  ASSERT_TRUE(SaveEvents(s));
+  s.PanelsLoaded = 1;
+  s.Outputs[1].EventCount = 0;
+  ASSERT_TRUE(ReadEvents(s));
+  EXPECT_EQ(s.Outputs[1].EventCount, 1);
+}
+
+TEST_F(EventsFile, MissingFileLeavesEveryOutputEmptyWithoutAnError) {
+  UseOutputs(2);
+  SetEvents(0, {Event("06:00:00", 31, true, 0, true, 3)});
+  ASSERT_TRUE(ReadEvents(s));
+  EXPECT_EQ(s.Outputs[0].EventCount, 0);
+  EXPECT_EQ(s.Outputs[0].Events[0].Source, kNone);
+  EXPECT_TRUE(Files().isEmpty());
+}
+
+TEST_F(EventsFile, RoundTripKeepsEveryField) {
+  UseOutputs(3);
+  SetEvents(0, {Event("06:00:00", 127, true, 2, true, 256, QStringLiteral("Café Matin")),
+                Event("20:15:30", 0, false, 1, false, 0, QStringLiteral("Exactly12chr"))});
+  SetEvents(2, {Event("23:00:00", 64, false, 0, true, -1)});
+  ASSERT_TRUE(SaveEvents(s));
+  const std::vector<OutputEntry> before = s.Outputs;
+
+  ASSERT_TRUE(ReadEvents(s));
+  for (int o = 0; o < 3; ++o) {
+    ASSERT_EQ(s.Outputs[o].EventCount, before[o].EventCount) << o;
+    for (int i = 0; i < before[o].EventCount; ++i) {
+      const ScheduledEvent& a = before[o].Events[i];
+      const ScheduledEvent& b = s.Outputs[o].Events[i];
+      EXPECT_EQ(b.Time, a.Time);
+      EXPECT_EQ(b.Days, a.Days);
+      EXPECT_EQ(b.Active, a.Active);
+      EXPECT_EQ(b.DisplayOption, a.DisplayOption);
+      EXPECT_EQ(b.Connect, a.Connect);
+      EXPECT_EQ(b.Source, a.Source);
+      EXPECT_EQ(b.Label, a.Label.leftJustified(12)) << "labels come back padded to 12";
+    }
+  }
+}
+
+TEST_F(EventsFile, EveryTruncationIsAnErrorAndNeverACrash) {
+  const QByteArray whole = ThreeEventFile();
+  ASSERT_EQ(whole.size(), 4 + 3 * 27);
+  for (int length = 0; length < whole.size(); ++length) {
+    ForgetErrors();
+    WriteAll(kFile, whole.left(length));
+    EXPECT_FALSE(ReadEvents(s)) << length;
+    EXPECT_TRUE(HasErrorLine(QStringLiteral("Error Reading Events"),
+                             QStringLiteral("Error #  62 - Input past end of file")))
+        << length;
+  }
+}
+
+TEST_F(EventsFile, RandomlyCorruptedFilesNeverCrash) {
+  const QByteArray whole = ThreeEventFile();
+  std::mt19937 random(20250516);
+  for (int round = 0; round < 300; ++round) {
+    QByteArray bytes = whole;
+    const int changes = 1 + static_cast<int>(random() % 4);
+    for (int k = 0; k < changes; ++k) {
+      bytes[static_cast<int>(random() % bytes.size())] = static_cast<char>(random() % 256);
+    }
+    if (random() % 4 == 0) {
+      bytes.truncate(static_cast<int>(random() % bytes.size()));
+    }
+    ForgetErrors();
+    WriteAll(kFile, bytes);
+    UseOutputs(2);
+    if (ReadEvents(s)) {
+      for (const OutputEntry& output : s.Outputs) {
+        ASSERT_LE(output.EventCount, static_cast<int>(output.Events.size()));
+      }
+    } else {
+      EXPECT_FALSE(ErrorLines().isEmpty()) << round;
+    }
+  }
+}
+
+TEST_F(EventsFile, CountsAreNeverTrusted) {
+  // 30000 records announced, none there.
+  WriteAll(kFile, QByteArray::fromHex("0100307500000000000000"));
+  EXPECT_FALSE(ReadEvents(s));
+  EXPECT_TRUE(HasErrorLine(QStringLiteral("Error Reading Events"), QStringLiteral("#  62")));
+
+  ForgetErrors();
+  WriteAll(kFile, QByteArray::fromHex("0100FFFF"));
+  EXPECT_TRUE(ReadEvents(s)) << "a negative count reads no records";
+  EXPECT_EQ(s.Outputs[0].EventCount, 0);
+}
+
+TEST_F(EventsFile, UnknownOutputStopsReadingAndTheFileIsSetAside) {
+  UseOutputs(6);
+  SetEvents(0, {Event("06:00:00")});
+  SetEvents(5, {Event("07:00:00")});
+  ASSERT_TRUE(SaveEvents(s));
+  const QByteArray original = ReadAll(kFile);
+
+  UseOutputs(3);
+  s.Outputs[0].EventCount = 4;
+  EXPECT_FALSE(ReadEvents(s));
+  EXPECT_TRUE(HasErrorLine(QStringLiteral("Error Reading Events"),
+                           QStringLiteral("Error #  9 - Subscript out of range")));
+  EXPECT_EQ(s.Outputs[0].Events[0].Time, QStringLiteral("06:00:00")) << "distributed events stay";
+  EXPECT_EQ(s.Outputs[0].EventCount, 4) << "counts are not corrected";
+
+  EXPECT_EQ(ReadAll(kFile), original);
+  const QStringList copies =
+      QDir(dir.path()).entryList({QStringLiteral("ZRNEvents.dat.bad-*")}, QDir::Files);
+  ASSERT_EQ(copies.size(), 1);
+  EXPECT_EQ(ReadAll(copies[0]), original);
+}
+
+TEST_F(EventsFile, UnstorableEventsAreSkippedAndLogged) {
+  UseOutputs(258);
+  SetEvents(0, {Event("06:00:00"), Event("6:30"),
+                Event("07:00:00", 31, true, 2, false, kNone, QStringLiteral("Thirteen chrs")),
+                Event("08:00:00", 300), Event("09:00:00", 31, true, -1), Event("10:00:00")});
+  SetEvents(256, {Event("11:00:00")});
+  SetEvents(257, {Event("11:00:00")});
+  ASSERT_TRUE(SaveEvents(s));
+
+  const QByteArray saved = ReadAll(kFile);
+  EXPECT_EQ(saved.left(4), QByteArray::fromHex("01000200")) << "the count is what was written";
+  ASSERT_EQ(saved.size(), 4 + 2 * 27);
+  EXPECT_EQ(saved.mid(4 + 27 + 1, 8), QByteArray("10:00:00"));
+
+  const QString where = QStringLiteral("Error Saving Events");
+  EXPECT_TRUE(HasErrorLine(where, QStringLiteral("Event 1 of output 0 not saved: time \"6:30\"")));
+  EXPECT_TRUE(HasErrorLine(where, QStringLiteral("Event 2 of output 0 not saved: label")));
+  EXPECT_TRUE(HasErrorLine(where, QStringLiteral("Event 3 of output 0 not saved: days 300")));
+  EXPECT_TRUE(
+      HasErrorLine(where, QStringLiteral("Event 4 of output 0 not saved: display option -1")));
+  EXPECT_TRUE(
+      HasErrorLine(where, QStringLiteral("Event 0 of output 256 not saved: output index 256")));
+  EXPECT_TRUE(HasErrorLine(where, QStringLiteral("Event 0 of output 257 not saved")));
+}
+
+TEST_F(EventsFile, SavingStaysWithinTheTables) {
+  UseOutputs(2);
+  SetEvents(0, {Event("06:00:00")});
+  s.Outputs[1].Events = {Event("05:00:00"), Event("06:00:00")};
+  s.Outputs[1].EventCount = 9;  // more than the array holds
+  s.PanelsLoaded = 7;           // more than the table holds
+  ASSERT_TRUE(SaveEvents(s));
+  EXPECT_EQ(ReadAll(kFile).left(4), QByteArray::fromHex("01000300"));
+}
+
+TEST_F(EventsFile, FailedSaveKeepsThePreviousFile) {
+  SetEvents(0, {Event("06:00:00")});
+  ASSERT_TRUE(SaveEvents(s));
+  const QByteArray original = ReadAll(kFile);
+
+  QFile folder(dir.path());
+  const auto permissions = folder.permissions();
+  ASSERT_TRUE(folder.setPermissions(QFileDevice::ReadOwner | QFileDevice::ExeOwner |
+                                    QFileDevice::ReadGroup | QFileDevice::ExeGroup |
+                                    QFileDevice::ReadOther | QFileDevice::ExeOther));
+  QFile probe(PathOf(QStringLiteral("probe")));
+  if (probe.open(QIODevice::WriteOnly)) {
+    probe.close();
+    probe.remove();
+    folder.setPermissions(permissions);
+    GTEST_SKIP() << "this user writes into read-only folders (running as root)";
+  }
+  SetEvents(0, {Event("07:00:00"), Event("08:00:00")});
+  EXPECT_FALSE(SaveEvents(s));
+  folder.setPermissions(permissions);
+  EXPECT_EQ(ReadAll(kFile), original);
+}
+
+}  // namespace
+}  // namespace zrn

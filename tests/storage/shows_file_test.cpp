@@ -1,0 +1,327 @@
+#include <QDir>
+#include <QFile>
+#include <random>
+
+#include "storage/shows_file.h"
+#include "support/temp_state.h"
+
+namespace zrn {
+namespace {
+
+using test::TempStateTest;
+
+const QString kFile = QStringLiteral("ZRNShows.dat");
+
+QByteArray Hex(const char* hex) {
+  return QByteArray::fromHex(hex);
+}
+
+// The file a first start writes: one new show and no silence outputs.
+QByteArray NewShowFile() {
+  return Hex("01000100") + Hex("08") + "New Show" + "24:00:0024:00:00" + "01/01/202512/31/2025" +
+         Hex("0000FF3F") + Hex("0100FF3FFF3FFF3F") + Hex("0100FF3FFF3FFF3F") + Hex("0000") +
+         Hex("380308000500") + Hex("0000");
+}
+
+// Two shows, the second with empty and negative group counts, and two silence outputs.
+QByteArray TwoShowFile() {
+  return Hex("01000200") + Hex("0D") + "Morning Drive" + "06:00:0010:00:00" +
+         "03/01/202611/30/2026" + Hex("1F010500") + Hex("020001000200030004000500FF3F") +
+         Hex("01000A000B00FF3F") + Hex("0100") + "07:00:0007:05:00" + Hex("D2020A000300") +
+         Hex("00") + "24:00:0024:00:00" + "01/01/202512/31/2025" + Hex("0000FF3F") +
+         Hex("00000000FFFF") + Hex("380308000500") + Hex("020028002900");
+}
+
+class ShowsFile : public TempStateTest {
+ protected:
+  bool HasErrorLine(const QString& location, const QString& text) const {
+    for (const QString& line : ErrorLines()) {
+      if (line.mid(24).startsWith(location) && line.contains(text)) {
+        return true;
+      }
+    }
+    return false;
+  }
+  void ForgetErrors() {
+    s.logs = LogState{};
+    for (const QString& name : Files()) {
+      if (name != kFile) {
+        QFile::remove(PathOf(name));
+      }
+    }
+  }
+  // A table that a failed read must leave alone.
+  void MarkTables() {
+    s.Shows = {MakeNewShow(), MakeNewShow()};
+    s.Shows[1].Name = QStringLiteral("Kept");
+    s.ShowCount = 2;
+    s.SilenceOuts.assign(1, SilenceOut{});
+    s.SilenceOuts[0].Output = 77;
+    s.SilenceOutCount = 1;
+  }
+  void ExpectTablesKept() {
+    ASSERT_EQ(s.ShowCount, 2);
+    ASSERT_EQ(s.Shows.size(), 2u);
+    EXPECT_EQ(s.Shows[1].Name, QStringLiteral("Kept"));
+    ASSERT_EQ(s.SilenceOuts.size(), 1u);
+    EXPECT_EQ(s.SilenceOuts[0].Output, 77);
+  }
+};
+
+TEST_F(ShowsFile, FirstStartWritesOneNewShow) {
+  ASSERT_TRUE(ReadShows(s));
+  ASSERT_EQ(s.ShowCount, 1);
+  EXPECT_EQ(s.Shows[0].Name, QStringLiteral("New Show"));
+  EXPECT_EQ(ReadAll(kFile), NewShowFile());
+
+  const ShowRecord fresh = MakeNewShow();
+  EXPECT_EQ(fresh.Days, 0) << "a new show never runs";
+  EXPECT_EQ(fresh.IgnoreCount, 0);
+  EXPECT_EQ(fresh.IgnoreWindows.size(), 1u);
+  EXPECT_EQ(fresh.StudioLeft[0].Monitor, kNone);
+  EXPECT_EQ(fresh.DownlinkMonitor, kNone);
+
+  s.EditShows.resize(2);
+  NewShow(s, 1);
+  EXPECT_EQ(s.EditShows[1].DetectLevel, 824);
+  NewShow(s, 5);
+  EXPECT_TRUE(HasErrorLine(QStringLiteral("Error Adding Show"), QStringLiteral("#  9")));
+}
+
+TEST_F(ShowsFile, HandBuiltFileReadsEveryField) {
+  WriteAll(kFile, TwoShowFile());
+  ASSERT_TRUE(ReadShows(s));
+  ASSERT_EQ(s.ShowCount, 2);
+  const ShowRecord& a = s.Shows[0];
+  EXPECT_EQ(a.Name, QStringLiteral("Morning Drive"));
+  EXPECT_EQ(a.StartTime + a.EndTime, QStringLiteral("06:00:0010:00:00"));
+  EXPECT_EQ(a.StartDate + a.EndDate, QStringLiteral("03/01/202611/30/2026"));
+  EXPECT_EQ(a.Days, 31);
+  EXPECT_EQ(a.ActivityState, 0) << "the stored activity is ignored";
+  EXPECT_EQ(a.DownlinkSource, 5);
+  EXPECT_EQ(a.DownlinkMonitor, kNone);
+  ASSERT_EQ(a.OutputCount, 2);
+  EXPECT_EQ(a.OutputLeft, (std::vector<qint16>{1, 4}));
+  EXPECT_EQ(a.OutputRight, (std::vector<qint16>{2, 5}));
+  EXPECT_EQ(a.OutputCue, (std::vector<qint16>{3, kNone}));
+  ASSERT_EQ(a.StudioCount, 1);
+  EXPECT_EQ(a.StudioLeft[0].Channel, 10);
+  EXPECT_EQ(a.StudioRight[0].Channel, 11);
+  EXPECT_EQ(a.StudioCue[0].Channel, kNone);
+  EXPECT_EQ(a.StudioLeft[0].Monitor, kNone);
+  ASSERT_EQ(a.IgnoreCount, 1);
+  EXPECT_EQ(a.IgnoreWindows[0].StartTime, QStringLiteral("07:00:00"));
+  EXPECT_EQ(a.IgnoreWindows[0].EndTime, QStringLiteral("07:05:00"));
+  EXPECT_EQ(a.DetectLevel, 722);
+  EXPECT_EQ(a.DetectTime1, 10);
+  EXPECT_EQ(a.DetectTime2, 3);
+
+  const ShowRecord& b = s.Shows[1];
+  EXPECT_EQ(b.Name, QString());
+  EXPECT_EQ(b.OutputCount, 0);
+  EXPECT_EQ(b.OutputLeft, std::vector<qint16>{0}) << "an empty group holds one element of 0";
+  ASSERT_EQ(b.StudioCue.size(), 1u);
+  EXPECT_EQ(b.StudioCue[0].Channel, 0);
+  EXPECT_EQ(b.IgnoreCount, 0) << "a negative count reads nothing";
+  EXPECT_EQ(b.IgnoreWindows.size(), 1u);
+
+  ASSERT_EQ(s.SilenceOutCount, 2);
+  EXPECT_EQ(s.SilenceOuts[1].Output, 41);
+  EXPECT_EQ(s.SilenceOuts[1].Source, kNone);
+  EXPECT_EQ(s.SilenceOuts[1].Show, kNone);
+}
+
+TEST_F(ShowsFile, SaveThenReadGivesTheSameShows) {
+  ShowRecord a = MakeNewShow();
+  a.Name = QStringLiteral("Früh am Morgen");
+  a.Days = 0x7F;
+  a.ActivityState = 1;
+  a.OutputCount = 2;
+  a.OutputLeft = {0, 2};
+  a.OutputRight = {1, 3};
+  a.OutputCue = {kNone, 9};
+  a.StudioLeft[0].Channel = 100;
+  a.IgnoreCount = 2;
+  a.IgnoreWindows = {{"08:00:00", "08:01:00"}, {"09:00:00", "09:00:30"}};
+  ShowRecord b = MakeNewShow();
+  b.Name = QString(255, QLatin1Char('N'));
+  b.OutputCount = b.StudioCount = 0;
+  s.Shows = {a, b};
+  s.ShowCount = 2;
+  s.SilenceOuts.assign(3, SilenceOut{});
+  s.SilenceOuts[2].Output = 255;
+  s.SilenceOutCount = 3;
+  ASSERT_TRUE(SaveShows(s));
+
+  State back;
+  back.AppPath = s.AppPath;
+  back.clock = &clock;
+  ASSERT_TRUE(ReadShows(back));
+  ASSERT_EQ(back.ShowCount, 2);
+  const ShowRecord& r = back.Shows[0];
+  EXPECT_EQ(r.Name, a.Name);
+  EXPECT_EQ(r.Days, 0x7F);
+  EXPECT_EQ(r.ActivityState, 0);
+  EXPECT_EQ(r.OutputLeft, a.OutputLeft);
+  EXPECT_EQ(r.OutputCue, a.OutputCue);
+  EXPECT_EQ(r.StudioLeft[0].Channel, 100);
+  EXPECT_EQ(r.StudioRight[0].Channel, kNone);
+  ASSERT_EQ(r.IgnoreCount, 2);
+  EXPECT_EQ(r.IgnoreWindows[1].EndTime, QStringLiteral("09:00:30"));
+  EXPECT_EQ(back.Shows[1].Name, b.Name);
+  EXPECT_EQ(back.Shows[1].OutputLeft, std::vector<qint16>{0});
+  ASSERT_EQ(back.SilenceOutCount, 3);
+  EXPECT_EQ(back.SilenceOuts[2].Output, 255);
+
+  // Apart from the activity byte, which is written but never read, the bytes come back.
+  const QByteArray saved = ReadAll(kFile);
+  back.Shows[0].ActivityState = 1;
+  ASSERT_TRUE(SaveShows(back));
+  EXPECT_EQ(ReadAll(kFile), saved);
+}
+
+TEST_F(ShowsFile, EveryTruncationIsAnErrorAndLeavesTheTables) {
+  const QByteArray whole = TwoShowFile();
+  for (int length = 0; length < whole.size(); ++length) {
+    ForgetErrors();
+    MarkTables();
+    WriteAll(kFile, whole.left(length));
+    EXPECT_FALSE(ReadShows(s)) << length;
+    EXPECT_TRUE(HasErrorLine(QStringLiteral("Error Reading shows"),
+                             QStringLiteral("Error #  62 - Input past end of file")))
+        << length;
+    ExpectTablesKept();
+  }
+}
+
+TEST_F(ShowsFile, RandomlyCorruptedFilesNeverCrash) {
+  const QByteArray whole = TwoShowFile();
+  std::mt19937 random(516);
+  for (int round = 0; round < 300; ++round) {
+    QByteArray bytes = whole;
+    const int changes = 1 + static_cast<int>(random() % 4);
+    for (int k = 0; k < changes; ++k) {
+      bytes[static_cast<int>(random() % bytes.size())] = static_cast<char>(random() % 256);
+    }
+    ForgetErrors();
+    MarkTables();
+    WriteAll(kFile, bytes);
+    if (ReadShows(s)) {
+      EXPECT_LE(s.ShowCount, static_cast<int>(s.Shows.size()));
+      EXPECT_EQ(s.SilenceOutCount, static_cast<int>(s.SilenceOuts.size()));
+    } else {
+      ExpectTablesKept();
+    }
+  }
+}
+
+TEST_F(ShowsFile, CountsAreNeverTrusted) {
+  WriteAll(kFile, Hex("01003075000000000000"));
+  EXPECT_FALSE(ReadShows(s));
+
+  // One show announcing 30000 outputs with two bytes left.
+  ForgetErrors();
+  QByteArray file = NewShowFile();
+  file.replace(4 + 1 + 8 + 36 + 4, 2, Hex("3075"));
+  WriteAll(kFile, file.left(4 + 1 + 8 + 36 + 4 + 2 + 2));
+  EXPECT_FALSE(ReadShows(s));
+  EXPECT_TRUE(HasErrorLine(QStringLiteral("Error Reading shows"), QStringLiteral("#  62")));
+
+  // No shows at all: the count says so and one spare record remains.
+  ForgetErrors();
+  WriteAll(kFile, Hex("010000000000"));
+  ASSERT_TRUE(ReadShows(s));
+  EXPECT_EQ(s.ShowCount, 0);
+  EXPECT_EQ(s.Shows.size(), 1u);
+}
+
+TEST_F(ShowsFile, DamagedFileIsCopiedAside) {
+  const QByteArray damaged = TwoShowFile().left(40);
+  WriteAll(kFile, damaged);
+  EXPECT_FALSE(ReadShows(s));
+  EXPECT_EQ(ReadAll(kFile), damaged);
+  const QStringList copies =
+      QDir(dir.path()).entryList({QStringLiteral("ZRNShows.dat.bad-*")}, QDir::Files);
+  ASSERT_EQ(copies.size(), 1);
+  EXPECT_EQ(ReadAll(copies[0]), damaged);
+}
+
+TEST_F(ShowsFile, UnreadableShowsAreNotSaved) {
+  s.Shows = {MakeNewShow()};
+  s.ShowCount = 1;
+  ASSERT_TRUE(SaveShows(s));
+  const QByteArray original = ReadAll(kFile);
+
+  const auto refused = [&](auto edit, const QString& text) {
+    ShowRecord show = MakeNewShow();
+    edit(show);
+    s.Shows = {show};
+    EXPECT_FALSE(SaveShows(s)) << qPrintable(text);
+    EXPECT_TRUE(HasErrorLine(QStringLiteral("Error Saving Shows"), text)) << qPrintable(text);
+    EXPECT_EQ(ReadAll(kFile), original);
+  };
+  refused([](ShowRecord& r) { r.StartTime = "6:00"; },
+          QStringLiteral("Show 0 start time \"6:00\" is not 8 characters"));
+  refused([](ShowRecord& r) { r.EndDate = "1/1/2026"; }, QStringLiteral("end date \"1/1/2026\""));
+  refused([](ShowRecord& r) { r.Name = QString(256, 'x'); },
+          QStringLiteral("longer than 255 characters"));
+  refused([](ShowRecord& r) { r.OutputCount = 3; }, QStringLiteral("#  9"));
+  refused(
+      [](ShowRecord& r) {
+        r.IgnoreCount = 1;
+        r.IgnoreWindows[0] = {"01:00:00", ""};
+      },
+      QStringLiteral("ignore end time"));
+}
+
+TEST_F(ShowsFile, FailedSaveKeepsThePreviousFile) {
+  s.Shows = {MakeNewShow()};
+  s.ShowCount = 1;
+  ASSERT_TRUE(SaveShows(s));
+  const QByteArray original = ReadAll(kFile);
+
+  QFile folder(dir.path());
+  const auto permissions = folder.permissions();
+  ASSERT_TRUE(folder.setPermissions(QFileDevice::ReadOwner | QFileDevice::ExeOwner |
+                                    QFileDevice::ReadGroup | QFileDevice::ExeGroup |
+                                    QFileDevice::ReadOther | QFileDevice::ExeOther));
+  QFile probe(PathOf(QStringLiteral("probe")));
+  if (probe.open(QIODevice::WriteOnly)) {
+    probe.close();
+    probe.remove();
+    folder.setPermissions(permissions);
+    GTEST_SKIP() << "this user writes into read-only folders (running as root)";
+  }
+  s.Shows[0].Name = QStringLiteral("Changed");
+  EXPECT_FALSE(SaveShows(s));
+  folder.setPermissions(permissions);
+  EXPECT_EQ(ReadAll(kFile), original);
+}
+
+TEST_F(ShowsFile, ExportListsNamesAndTimes) {
+  const QString exact = QStringLiteral("Exactly twenty-five chars");
+  const QString longer = QStringLiteral("A show name of thirty letters!");
+  ASSERT_EQ(exact.size(), 25);
+  ASSERT_EQ(longer.size(), 30);
+  s.Shows = {MakeNewShow(), MakeNewShow(), MakeNewShow()};
+  s.Shows[0].Name = QStringLiteral("Café");
+  s.Shows[0].StartTime = QStringLiteral("06:00:00");
+  s.Shows[0].EndTime = QStringLiteral("09:00:00");
+  s.Shows[1].Name = exact;
+  s.Shows[2].Name = longer;
+  s.ShowCount = 3;
+  ASSERT_TRUE(PrintShows(s));
+
+  const QString name = QStringLiteral("ZRNShows111626 1542.txt");
+  const QByteArray first = QByteArray("Caf\xE9") + QByteArray(21, ' ') + "06:00:00 - 09:00:00\r\n";
+  EXPECT_EQ(ReadAll(name), first + "Exactly twenty-five chars24:00:00 - 24:00:00\r\n" +
+                               "A show name of thirty letters!24:00:00 - 24:00:00\r\n");
+
+  // A second export in the same minute replaces the first.
+  s.ShowCount = 1;
+  ASSERT_TRUE(PrintShows(s));
+  EXPECT_EQ(ReadAll(name), first);
+}
+
+}  // namespace
+}  // namespace zrn
