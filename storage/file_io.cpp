@@ -34,7 +34,9 @@ void SaveFileAtomically(const QString& path, const QByteArray& bytes) {
   if (!file.open(QIODevice::WriteOnly)) {
     throw Failure::PathFileAccess();
   }
-  if (file.write(bytes) != bytes.size()) {
+  // The save file buffers everything until commit; flushing first makes a full disk or a
+  // size limit show up here instead of committing a cut-off file.
+  if (file.write(bytes) != bytes.size() || !file.flush()) {
     file.cancelWriting();
     throw Failure::DeviceIo();
   }

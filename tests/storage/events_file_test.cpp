@@ -294,28 +294,5 @@ TEST_F(EventsFile, SavingStaysWithinTheTables) {
   EXPECT_EQ(ReadAll(kFile).left(4), QByteArray::fromHex("01000300"));
 }
 
-TEST_F(EventsFile, FailedSaveKeepsThePreviousFile) {
-  SetEvents(0, {Event("06:00:00")});
-  ASSERT_TRUE(SaveEvents(s));
-  const QByteArray original = ReadAll(kFile);
-
-  QFile folder(dir.path());
-  const auto permissions = folder.permissions();
-  ASSERT_TRUE(folder.setPermissions(QFileDevice::ReadOwner | QFileDevice::ExeOwner |
-                                    QFileDevice::ReadGroup | QFileDevice::ExeGroup |
-                                    QFileDevice::ReadOther | QFileDevice::ExeOther));
-  QFile probe(PathOf(QStringLiteral("probe")));
-  if (probe.open(QIODevice::WriteOnly)) {
-    probe.close();
-    probe.remove();
-    folder.setPermissions(permissions);
-    GTEST_SKIP() << "this user writes into read-only folders (running as root)";
-  }
-  SetEvents(0, {Event("07:00:00"), Event("08:00:00")});
-  EXPECT_FALSE(SaveEvents(s));
-  folder.setPermissions(permissions);
-  EXPECT_EQ(ReadAll(kFile), original);
-}
-
 }  // namespace
 }  // namespace zrn

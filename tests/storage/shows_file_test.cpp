@@ -274,30 +274,6 @@ TEST_F(ShowsFile, UnreadableShowsAreNotSaved) {
       QStringLiteral("ignore end time"));
 }
 
-TEST_F(ShowsFile, FailedSaveKeepsThePreviousFile) {
-  s.Shows = {MakeNewShow()};
-  s.ShowCount = 1;
-  ASSERT_TRUE(SaveShows(s));
-  const QByteArray original = ReadAll(kFile);
-
-  QFile folder(dir.path());
-  const auto permissions = folder.permissions();
-  ASSERT_TRUE(folder.setPermissions(QFileDevice::ReadOwner | QFileDevice::ExeOwner |
-                                    QFileDevice::ReadGroup | QFileDevice::ExeGroup |
-                                    QFileDevice::ReadOther | QFileDevice::ExeOther));
-  QFile probe(PathOf(QStringLiteral("probe")));
-  if (probe.open(QIODevice::WriteOnly)) {
-    probe.close();
-    probe.remove();
-    folder.setPermissions(permissions);
-    GTEST_SKIP() << "this user writes into read-only folders (running as root)";
-  }
-  s.Shows[0].Name = QStringLiteral("Changed");
-  EXPECT_FALSE(SaveShows(s));
-  folder.setPermissions(permissions);
-  EXPECT_EQ(ReadAll(kFile), original);
-}
-
 TEST_F(ShowsFile, ExportListsNamesAndTimes) {
   const QString exact = QStringLiteral("Exactly twenty-five chars");
   const QString longer = QStringLiteral("A show name of thirty letters!");

@@ -51,3 +51,39 @@ class TempStateTest : public ::testing::Test {
 };
 
 }  // namespace zrn::test
+
+namespace zrn::test {
+
+// Makes a folder unwritable for as long as it lives, for root too: permissions first, and the
+// immutable attribute when permissions do not bind the current user.
+class ReadOnlyFolder {
+ public:
+  explicit ReadOnlyFolder(const QString& path);
+  ~ReadOnlyFolder();
+  ReadOnlyFolder(const ReadOnlyFolder&) = delete;
+  ReadOnlyFolder& operator=(const ReadOnlyFolder&) = delete;
+  // False when neither way keeps this user from writing there.
+  bool Active() const { return active_; }
+
+ private:
+  QString path_;
+  QFile::Permissions permissions_;
+  bool immutable_ = false;
+  bool active_ = false;
+};
+
+// Limits the size of any file this process writes, as a full disk would; the signal a write
+// beyond the limit raises is ignored meanwhile, so the write just fails.
+class FileSizeLimit {
+ public:
+  explicit FileSizeLimit(long long bytes);
+  ~FileSizeLimit();
+  FileSizeLimit(const FileSizeLimit&) = delete;
+  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+ private:
+  long long savedCurrent_ = 0;
+  void (*savedHandler_)(int) = nullptr;
+};
+
+}  // namespace zrn::test

@@ -1,0 +1,305 @@
+#include "storage/config_file.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QtGlobal>
+#include <csignal>
+#if defined(Q_OS_UNIX)
+#include <sys/resource.h>
+#endif
+
+#include "support/temp_state.h"
+
+namespace zrn {
+namespace {
+
+const QString kIni = QStringLiteral("zrnconfig.ini");
+
+// The fields the file sets, and what follows from them, as one comparable value.
+struct Read {
+  int output, displayOption;
+  QString label;
+  int eventCount, eventSlots;
+  bool monitored;
+  bool operator==(const Read&) const = default;
+  friend void PrintTo(const Read& r, std::ostream* os) {
+    *os << r.output << ", " << r.displayOption << ", '" << r.label.toStdString() << "', "
+        << r.eventCount << ", " << r.eventSlots << (r.monitored ? ", monitored" : "");
+  }
+};
+Read Fields(const Read& r) {
+  return r;
+}
+Read Fields(const OutputEntry& e) {
+  return {e.Output,
+          e.DisplayOption,
+          e.CustomLabel,
+          e.EventCount,
+          static_cast<int>(e.Events.size()),
+          e.MonitoringEnabled};
+}
+
+class ConfigFileTest : public test::TempStateTest {
+ protected:
+  // A state as start-up prepares it, sharing the fixture's folder and clock.
+  State Fresh() {
+    State t;
+    t.AppPath = s.AppPath;
+    t.clock = &clock;
+    return t;
+  }
+  // Writes the lines (CRLF ends) as the configuration file and reads it into t.
+  bool Load(State& t, const QByteArrayList& lines) {
+    WriteAll(kIni, lines.join("\r\n") + "\r\n");
+    return ReadConfiguration(t);
+  }
+};
+
+TEST_F(ConfigFileTest, AbsentFileGivesTheDefaults) {
+  s.ServerAddress = "10.0.0.9";
+  s.ServerPort = 9;
+  s.MaxLogFileSize = 0;
+  s.MaxDisplay = 3;
+  s.AlarmRelay = 4;
+  s.DefaultViewLarge = 1;
+  s.ProgramMode = 1;
+  s.Outputs.assign(3, OutputEntry{});
+
+  ASSERT_TRUE(ReadConfiguration(s));
+  EXPECT_EQ(s.ServerAddress, "127.0.0.1");
+  EXPECT_EQ(s.ServerPort, 1250);
+  EXPECT_EQ(s.MaxLogFileSize, 5000);
+  EXPECT_EQ(s.MaxDisplay, 100);
+  EXPECT_EQ(s.AlarmRelay, kNone);
+  EXPECT_EQ(s.DefaultViewLarge, 1);  // not part of the defaults
+  EXPECT_EQ(s.ProgramMode, 1);
+  EXPECT_EQ(s.OutputCount, 1);
+  ASSERT_EQ(s.Outputs.size(), 1u);
+  EXPECT_EQ(s.Outputs[0].Output, 1);
+  EXPECT_EQ(s.Outputs[0].CustomLabel, "None");
+  EXPECT_EQ(s.Outputs[0].Events.size(), 1u);
+  EXPECT_TRUE(s.Outputs[0].MonitoringEnabled);
+  EXPECT_TRUE(Files().isEmpty());  // nothing created, nothing logged
+}
+
+TEST_F(ConfigFileTest, ScalarValuesFollowTheirRules) {
+  State a = Fresh();
+  ASSERT_TRUE(Load(a, {"[CONFIGURATION]", "Server IP Address=", "Server IP Port=12 51",
+                       "Maximum Log File Size=0", "Maximum Display=0", "Alarm Relay=0",
+                       "Default View=Large", "Program Mode=Show"}));
+  EXPECT_EQ(a.ServerAddress, "127.0.0.1");
+  EXPECT_EQ(a.ServerPort, 1251);
+  EXPECT_EQ(a.MaxLogFileSize, 0);  // no rotation, as written
+  EXPECT_EQ(a.MaxDisplay, 125);
+  EXPECT_EQ(a.AlarmRelay, kNone);
+  EXPECT_EQ(a.DefaultViewLarge, 1);
+  EXPECT_EQ(a.ProgramMode, 1);
+
+  State b = Fresh();
+  b.MaxLogFileSize = 777;
+  b.DefaultViewLarge = 1;
+  b.ProgramMode = 1;
+  // Blank lines, leading blanks, a quoted entry and a value cut at its width.
+  ASSERT_TRUE(Load(b, {"", "   ", "  Server IP Address=192.168.100.200-abcdefghijklmnop",
+                       "Server IP Port=-80", "\"Alarm Relay=2.5\" ignored", "Default View=large",
+                       "Program Mode=Output", "Maximum Display=33.5"}));
+  EXPECT_EQ(b.ServerAddress, "192.168.100.200-abcdefghi");
+  EXPECT_EQ(b.ServerPort, 1250);
+  EXPECT_EQ(b.MaxLogFileSize, 777);  // absent key keeps what start-up set
+  EXPECT_EQ(b.AlarmRelay, 2);        // halves round to even
+  EXPECT_EQ(b.MaxDisplay, 34);
+  EXPECT_EQ(b.DefaultViewLarge, 0);  // keys and words are case-sensitive
+  EXPECT_EQ(b.ProgramMode, 0);
+
+  State c = Fresh();
+  ASSERT_TRUE(Load(c, {"Maximum Log File Size=-3", "Server IP Port=99999"}));
+  EXPECT_EQ(c.MaxLogFileSize, 5000);
+  EXPECT_EQ(c.ServerPort, 99999);
+  EXPECT_EQ(c.MaxDisplay, 100);
+}
+
+TEST_F(ConfigFileTest, SectionsFillTheOutputsTable) {
+  State zero = Fresh();
+  ASSERT_TRUE(Load(zero, {"Output Count=0"}));
+  ASSERT_EQ(zero.OutputCount, 64);
+  ASSERT_EQ(zero.Outputs.size(), 64u);
+  for (const OutputEntry& entry : zero.Outputs) {
+    EXPECT_EQ(entry.Output, kNone);
+    EXPECT_FALSE(entry.MonitoringEnabled);
+    EXPECT_EQ(entry.Events.size(), 1u);
+    EXPECT_EQ(entry.EventCount, 0);
+    EXPECT_EQ(entry.NextEvent, kNone);
+    EXPECT_EQ(entry.HoldOffTicks, 0);
+  }
+
+  State t = Fresh();
+  ASSERT_TRUE(Load(
+      t, {"Output Count=5",
+          // complete
+          "[OUTPUT1]", "Output=12", "Display Options=2", "Custom Label=  Studio", "Event Count=4",
+          // another order: only the first and last slots match
+          "[OUTPUT2]", "Output=5", "Custom Label=Y", "Display Options=1", "Event Count=1",
+          // a comma cuts the label; the rest takes the Event Count slot
+          "[OUTPUT3]", "Output=0", "Display Options=1", "Custom Label=A,B", "Event Count=3",
+          // missing Display Options: the next section header is used up
+          "[OUTPUT4]", "Output=7", "Custom Label=Lost", "Event Count=2", "[OUTPUT5]", "Output=9",
+          "Display Options=1", "Custom Label=Z", "Event Count=1"}));
+  ASSERT_EQ(t.Outputs.size(), 5u);
+  EXPECT_EQ(Fields(t.Outputs[0]), Fields({12, 2, "  Studio", 4, 4, true}));
+  EXPECT_EQ(Fields(t.Outputs[1]), Fields({5, 0, "None", 1, 1, true}));
+  EXPECT_EQ(Fields(t.Outputs[2]), Fields({kNone, 1, "A", 0, 1, false}));
+  EXPECT_EQ(Fields(t.Outputs[3]), Fields({7, 0, "None", 0, 1, true}));
+  EXPECT_EQ(Fields(t.Outputs[4]), Fields({kNone, 0, "None", 0, 1, false}));
+
+  State later = Fresh();
+  ASSERT_TRUE(Load(later, {"Output Count=1", "[OUTPUT1]", "Output=3", "Display Options=1",
+                           "Custom Label=Gone", "Event Count=2", "Output Count=2"}));
+  ASSERT_EQ(later.Outputs.size(), 2u);
+  EXPECT_EQ(Fields(later.Outputs[0]), Fields({kNone, 0, "None", 0, 1, false}));
+}
+
+TEST_F(ConfigFileTest, WritesTheExactLayout) {
+  s.ServerAddress = "10.1.2.3";
+  s.ServerPort = 1251;
+  s.MaxLogFileSize = 0;
+  s.MaxDisplay = 250;
+  s.DefaultViewLarge = 1;
+  s.ProgramMode = 1;
+  s.OutputCount = 2;
+  s.Outputs.assign(2, OutputEntry{});
+  s.Outputs[0].Output = 12;
+  s.Outputs[0].DisplayOption = 2;
+  s.Outputs[0].CustomLabel = QStringLiteral("Caf\u00e9");
+  s.Outputs[0].EventCount = 3;
+
+  ASSERT_TRUE(WriteConfiguration(s));
+  EXPECT_EQ(ReadAll(kIni), QByteArray("[CONFIGURATION]\r\n"
+                                      "Server IP Address=10.1.2.3\r\n"
+                                      "Server IP Port=1251\r\n"
+                                      "Maximum Log File Size=0\r\n"
+                                      "Maximum Display=250\r\n"
+                                      "Alarm Relay=16383\r\n"
+                                      "Default View=Large\r\n"
+                                      "Program Mode=Show\r\n"
+                                      "Output Count=2\r\n"
+                                      "[OUTPUT1]\r\n"
+                                      "Output=12\r\n"
+                                      "Display Options=2\r\n"
+                                      "Custom Label=Caf\xe9\r\n"
+                                      "Event Count=3\r\n"
+                                      "[OUTPUT2]\r\n"
+                                      "Output=16383\r\n"
+                                      "Display Options=0\r\n"
+                                      "Custom Label=None\r\n"
+                                      "Event Count=0\r\n"));
+}
+
+TEST_F(ConfigFileTest, RoundTripKeepsTheState) {
+  s.ServerAddress = "172.16.254.1";
+  s.ServerPort = 4001;
+  s.MaxLogFileSize = 0;
+  s.MaxDisplay = 500;
+  s.AlarmRelay = 17;
+  s.DefaultViewLarge = 1;
+  s.ProgramMode = 0;
+  s.OutputCount = 3;
+  s.Outputs.assign(3, OutputEntry{});
+  // Trailing blanks as events leave them, and characters beyond ASCII.
+  const Read written[] = {{100, 0, "Morning     ", 0, 1, true},
+                          {kNone, 1, QStringLiteral("Z\u00fcrich \u00bd"), 2, 2, false},
+                          {102, 2, "None", 4, 4, true}};
+  for (int i = 0; i < 3; ++i) {
+    s.Outputs[i].Output = static_cast<qint16>(written[i].output);
+    s.Outputs[i].DisplayOption = static_cast<qint16>(written[i].displayOption);
+    s.Outputs[i].CustomLabel = written[i].label;
+    s.Outputs[i].EventCount = static_cast<qint16>(written[i].eventCount);
+  }
+  ASSERT_TRUE(WriteConfiguration(s));
+  EXPECT_TRUE(ReadAll(kIni).contains("Custom Label=Z\xfcrich \xbd\r\n"));
+
+  State back = Fresh();
+  ASSERT_TRUE(ReadConfiguration(back));
+  EXPECT_EQ(back.ServerAddress, s.ServerAddress);
+  EXPECT_EQ(back.ServerPort, s.ServerPort);
+  EXPECT_EQ(back.MaxLogFileSize, 0);
+  EXPECT_EQ(back.MaxDisplay, s.MaxDisplay);
+  EXPECT_EQ(back.AlarmRelay, s.AlarmRelay);
+  EXPECT_EQ(back.DefaultViewLarge, s.DefaultViewLarge);
+  EXPECT_EQ(back.ProgramMode, s.ProgramMode);
+  ASSERT_EQ(back.OutputCount, 3);
+  ASSERT_EQ(back.Outputs.size(), 3u);
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(Fields(back.Outputs[i]), written[i]);
+  }
+}
+
+TEST_F(ConfigFileTest, ReadErrorsAreLoggedAndTheFileSetAside) {
+  const QByteArray overflow =
+      "[CONFIGURATION]\r\nServer IP Port=2001\r\nAlarm Relay=99999\r\nMaximum Display=7\r\n";
+  WriteAll(kIni, overflow);
+  EXPECT_FALSE(ReadConfiguration(s));
+  EXPECT_EQ(s.ServerPort, 2001);                // read before the error
+  EXPECT_EQ(s.MaxDisplay, 100);                 // after it: never reached
+  EXPECT_TRUE(s.Outputs[0].MonitoringEnabled);  // the table stays consistent all the same
+  const QStringList lines = ErrorLines();
+  ASSERT_EQ(lines.size(), 2);
+  EXPECT_EQ(lines[0].mid(24), "Error Reading ini file              Error #  6 - Overflow");
+  EXPECT_TRUE(lines[1].contains("zrnconfig.ini.bad-20261116-154252")) << lines[1].toStdString();
+  EXPECT_EQ(Files(), QStringList({"Errorlog.txt", "zrnconfig.ini.bad-20261116-154252"}));
+  EXPECT_EQ(ReadAll("zrnconfig.ini.bad-20261116-154252"), overflow);
+
+  State next = Fresh();
+  EXPECT_TRUE(ReadConfiguration(next));
+  EXPECT_EQ(next.ServerPort, 1250);
+  EXPECT_EQ(next.AlarmRelay, kNone);
+
+  const struct {
+    QByteArrayList lines;
+    QString error;
+  } cases[] = {
+      {{"Output Count=2", "[OUTPUT3]", "Output=1", "Display Options=0", "Custom Label=X",
+        "Event Count=0"},
+       "Error #  9 - Subscript out of range"},
+      {{"Output Count=2", "[OUTPUT0]", "Output=1", "Display Options=0", "Custom Label=X",
+        "Event Count=0"},
+       "Error #  9 - Subscript out of range"},
+      {{"Output Count=1", "[OUTPUT1]", "Output=4", "Display Options=0"},
+       "Error #  62 - Input past end of file"},
+      // More events than the events file could ever hold.
+      {{"Output Count=2", "[OUTPUT1]", "Output=1", "Display Options=0", "Custom Label=X",
+        "Event Count=20000", "[OUTPUT2]", "Output=2", "Display Options=0", "Custom Label=Y",
+        "Event Count=20000"},
+       "Error #  6 - Overflow"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.error.toStdString());
+    clock.AdvanceSeconds(61);
+    State t = Fresh();
+    EXPECT_FALSE(Load(t, c.lines));
+    EXPECT_TRUE(ErrorLines().join('\n').contains(c.error));
+    EXPECT_FALSE(QFileInfo::exists(PathOf(kIni)));
+  }
+  EXPECT_EQ(Files().filter(".bad-").size(), 5);
+}
+
+TEST(NormalizeServerAddress, ClampsAndDropsLeadingZeros) {
+  const struct {
+    const char* in;
+    const char* out;
+  } good[] = {{"192.168.001.010", "192.168.1.10"},  {"300.-5.1.2", "255.0.1.2"},
+              {"192.168.001.300", "192.168.1.255"}, {"1.2.3.4.5", "1.2.3.4"},
+              {" 10 .x.2.5.", "10.0.2.5"},          {"1.2.3.99999999999999999999999", "1.2.3.255"}};
+  for (const auto& g : good) {
+    QString normalized = "unchanged";
+    EXPECT_TRUE(NormalizeServerAddress(g.in, &normalized)) << g.in;
+    EXPECT_EQ(normalized, g.out) << g.in;
+  }
+  for (const char* bad : {"1.2.3", "1.2.3.", "", "localhost"}) {
+    QString normalized = "unchanged";
+    EXPECT_FALSE(NormalizeServerAddress(bad, &normalized)) << bad;
+    EXPECT_EQ(normalized, "unchanged") << bad;
+  }
+}
+
+}  // namespace
+}  // namespace zrn
