@@ -2,6 +2,7 @@
 
 #include "core/failure.h"
 #include "storage/logs.h"
+#include "switcher/dispatch.h"
 
 namespace zrn {
 
@@ -20,6 +21,7 @@ State::State() {
   SilenceStatus.resize(SwitcherOutputCount);
   CrosspointMap.resize(SwitcherOutputCount);
   SilenceOutIndex.assign(SwitcherOutputCount, kNone);
+  InstallMessageHandlers(*this);
 }
 
 QDateTime Now(const State& s) {

@@ -5,6 +5,7 @@
 #include <QString>
 #include <QStringList>
 #include <array>
+#include <functional>
 #include <vector>
 
 #include "core/ports.h"
@@ -122,6 +123,24 @@ struct LogState {
   bool reportingWriteFailure = false;
 };
 
+struct State;
+
+// Handles one complete received message, type byte to end byte.
+using MessageHandler = std::function<void(State&, const QByteArray&)>;
+
+// The switcher link's own bookkeeping.
+struct LinkState {
+  // Keep-alive bytes sent without any keep-alive byte or acknowledgement in return.
+  qint16 NoResponseCount = 0;
+  // The start-up exchange of the present connection has completed.
+  bool ExchangeComplete = false;
+  // Leading bytes of the receive buffer already searched for an end byte without finding one,
+  // so a message trickling in byte by byte is not searched again from its start.
+  qsizetype eomSearchedBytes = 0;
+  // Per message type; an empty entry drops the message.
+  std::array<MessageHandler, 256> handlers;
+};
+
 struct State {
   State();
 
@@ -185,6 +204,7 @@ struct State {
 
   // Bytes received from the switcher and not yet decoded.
   QByteArray ReceiveBuffer;
+  LinkState linkState;
 
   // Rows of the main window's message list, oldest first; at most MaxDisplay.
   QStringList MessageRows;

@@ -1,0 +1,231 @@
+#include "switcher/link.h"
+
+#include <QElapsedTimer>
+
+#include "core/failure.h"
+#include "storage/logs.h"
+#include "switcher/byte_utils.h"
+#include "switcher/frame.h"
+
+namespace zrn {
+
+namespace {
+
+const QString kConnectedText = QStringLiteral("Server Module Connected");
+const QString kNotConnectedText = QStringLiteral("Server Module Not Connected");
+
+bool TopBitSet(char byte) {
+  return (static_cast<quint8>(byte) & 0x80) != 0;
+}
+
+void ClearReceiveBuffer(State& s) {
+  s.ReceiveBuffer.clear();
+  s.linkState.eomSearchedBytes = 0;
+}
+
+// Removes n bytes from the front of the receive buffer, keeping the end-byte search in step.
+QByteArray Consume(State& s, qsizetype n) {
+  QByteArray head = TrimBuffer(s, static_cast<int>(n));
+  s.linkState.eomSearchedBytes = std::max<qsizetype>(0, s.linkState.eomSearchedBytes - n);
+  return head;
+}
+
+// 1-based position of the first end byte, searching only bytes not searched before.
+qsizetype FindEnd(State& s) {
+  LinkState& link = s.linkState;
+  const qsizetype at = s.ReceiveBuffer.indexOf(kEndOfMessage, link.eomSearchedBytes);
+  if (at < 0) {
+    link.eomSearchedBytes = s.ReceiveBuffer.size();
+    return 0;
+  }
+  link.eomSearchedBytes = at;
+  return at + 1;
+}
+
+void ProcessFront(State& s) {
+  QByteArray& buffer = s.ReceiveBuffer;
+  for (;;) {
+    qsizetype clear = 0;
+    while (clear < buffer.size() && !TopBitSet(buffer[clear])) {
+      ++clear;
+    }
+    if (clear > 0) {
+      WriteErrorLog(s, QStringLiteral("Invalid Data %1 bytes").arg(clear), QString());
+      Consume(s, clear);
+      if (buffer.isEmpty()) {
+        return;
+      }
+    }
+
+    const auto type = static_cast<quint8>(buffer[0]);
+    if (type == 0xF5) {
+      Consume(s, 1);
+      s.linkState.NoResponseCount = 0;
+      SendToSwitcher(s, QByteArray(1, static_cast<char>(0xF4)));
+      return;
+    }
+    if (type == 0xF4 || type == 0xF1 || type == 0xF3) {
+      Consume(s, 1);
+      s.linkState.NoResponseCount = 0;
+      return;
+    }
+
+    const qsizetype end = FindEnd(s);
+    if (end == 0) {
+      return;  // incomplete: wait for more bytes
+    }
+    if (type != 0x81) {
+      // A type byte inside the message means it was cut short by the start of another one.
+      qsizetype cut = 1;
+      while (cut < end - 1 && !TopBitSet(buffer[cut])) {
+        ++cut;
+      }
+      if (cut < end - 1) {
+        WriteErrorLog(s,
+                      QStringLiteral("Incomplete Message ") + QString::number(type, 16).toUpper(),
+                      QString());
+        Consume(s, cut);
+        continue;
+      }
+    }
+    const QByteArray message = Consume(s, end);
+    const MessageHandler& handler = s.linkState.handlers[type];
+    if (handler) {
+      handler(s, message);
+    }
+    return;
+  }
+}
+
+// Whether a call of ProcessMessages could make progress now.
+bool CanProgress(State& s) {
+  const QByteArray& buffer = s.ReceiveBuffer;
+  if (buffer.isEmpty()) {
+    return false;
+  }
+  // Only an unfinished frame at the front waits for more bytes.
+  const auto front = static_cast<quint8>(buffer[0]);
+  const bool singleByte = front == 0xF1 || front == 0xF3 || front == 0xF4 || front == 0xF5;
+  return !TopBitSet(buffer[0]) || singleByte || buffer.size() > s.linkState.eomSearchedBytes;
+}
+
+}  // namespace
+
+void CloseSwitcherLink(State& s) {
+  if (s.link != nullptr) {
+    s.link->Close();
+  }
+  const bool wasConnected = s.Connected;
+  s.Connected = false;
+  s.linkState.ExchangeComplete = false;
+  ClearReceiveBuffer(s);
+  s.StatusBarText = kNotConnectedText;
+  // Once per change, never once per failed attempt, so an outage shows in the log with its times.
+  if (wasConnected) {
+    DisplayMessage(s, kNotConnectedText);
+  }
+}
+
+void ConnectToSwitcher(State& s) {
+  Trap(s, QStringLiteral("Error Connecting to Switcher"), QStringLiteral("Connection Error"), [&] {
+    if (s.Connected) {
+      CloseSwitcherLink(s);
+    } else if (s.link != nullptr) {
+      s.link->Close();
+    }
+    ClearReceiveBuffer(s);
+    if (s.link == nullptr) {
+      throw Failure{91, QStringLiteral("Object variable or With block variable not set")};
+    }
+    s.link->Open(s.ServerAddress, static_cast<quint16>(s.ServerPort));
+  });
+}
+
+void OnConnected(State& s) {
+  // A new connection starts clean: no stale bytes, no polls counted against it, and its own
+  // start-up exchange still to come.
+  ClearReceiveBuffer(s);
+  s.linkState.NoResponseCount = 0;
+  s.linkState.ExchangeComplete = false;
+  const bool wasConnected = s.Connected;
+  s.Connected = true;
+  s.StatusBarText = kConnectedText;
+  if (!wasConnected) {
+    DisplayMessage(s, kConnectedText);
+  }
+}
+
+void OnClosed(State& s) {
+  CloseSwitcherLink(s);
+}
+
+bool OnDataAvailable(State& s, const QByteArray& bytes) {
+  const bool appended = Trap(s, QStringLiteral("Error Receiving IP Message"),
+                             QStringLiteral("IP Error"), [&] { s.ReceiveBuffer.append(bytes); });
+  if (appended && s.ReceiveBuffer.size() > kMaxReceiveBuffer && FindEnd(s) == 0) {
+    WriteErrorLog(s, QStringLiteral("Receive Buffer Overflow %1").arg(s.ReceiveBuffer.size()),
+                  QString());
+    ClearReceiveBuffer(s);
+  }
+  return DecodeAvailable(s);
+}
+
+bool DecodeTick(State& s) {
+  return DecodeAvailable(s);
+}
+
+bool DecodeAvailable(State& s, std::chrono::milliseconds budget) {
+  QElapsedTimer spent;
+  spent.start();
+  // At least one message per call, so a tick always makes progress.
+  while (ProcessMessages(s)) {
+    if (spent.elapsed() >= budget.count()) {
+      break;
+    }
+  }
+  return CanProgress(s);
+}
+
+bool ProcessMessages(State& s) {
+  if (s.ReceiveBuffer.isEmpty()) {
+    return false;
+  }
+  const qsizetype before = s.ReceiveBuffer.size();
+  const bool ok = Trap(s, QStringLiteral("Error Processing Command"),
+                       QStringLiteral("Connection Error"), [&] { ProcessFront(s); });
+  if (!ok && s.ReceiveBuffer.size() == before) {
+    return false;  // nothing was removed: trying again now would fail the same way
+  }
+  return CanProgress(s);
+}
+
+bool SendToSwitcher(State& s, const QByteArray& message) {
+  bool sent = false;
+  Trap(s, QStringLiteral("Error sending to switcher"), QStringLiteral("Connection Error"), [&] {
+    // Nothing goes out on a dead link: a command dropped here is not reported as done.
+    if (!s.Connected || s.link == nullptr) {
+      return;
+    }
+    QByteArray rest = message;
+    while (!rest.isEmpty()) {
+      QByteArray piece =
+          rest.size() > kMaxWritePiece ? SplitBytes(rest, kMaxWritePiece) : std::exchange(rest, {});
+      // A partial write continues with the bytes not yet written; a bounded number of tries
+      // keeps a stalled socket from holding the program.
+      for (int tries = 0; !piece.isEmpty(); ++tries) {
+        if (tries >= 1000 || !s.link->CanWrite()) {
+          return;
+        }
+        const qint64 written = s.link->Write(piece);
+        if (written < 0) {
+          return;
+        }
+        piece.remove(0, static_cast<qsizetype>(written));
+      }
+    }
+    sent = true;
+  });
+  return sent;
+}
+
+}  // namespace zrn

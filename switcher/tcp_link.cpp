@@ -1,0 +1,69 @@
+#include "switcher/tcp_link.h"
+
+namespace zrn {
+
+TcpLink::TcpLink(QObject* parent) : QObject(parent) {}
+
+TcpLink::~TcpLink() {
+  Abandon();
+}
+
+void TcpLink::Open(const QString& address, quint16 port) {
+  Abandon();
+  auto* socket = new QTcpSocket(this);
+  socket_ = socket;
+  closedSignalled_ = false;
+  connect(socket, &QTcpSocket::connected, this, [this, socket] {
+    if (socket == socket_) {
+      emit connected();
+    }
+  });
+  connect(socket, &QTcpSocket::readyRead, this, [this, socket] {
+    if (socket == socket_) {
+      const QByteArray bytes = socket->readAll();
+      if (!bytes.isEmpty()) {
+        emit received(bytes);
+      }
+    }
+  });
+  connect(socket, &QTcpSocket::disconnected, this, [this, socket] { SignalClosed(socket); });
+  connect(socket, &QTcpSocket::errorOccurred, this, [this, socket](QAbstractSocket::SocketError) {
+    // Errors of a live connection other than its end leave it up; a failed attempt ends it.
+    if (socket->state() != QAbstractSocket::ConnectedState) {
+      SignalClosed(socket);
+    }
+  });
+  socket->connectToHost(address, port);
+}
+
+void TcpLink::SignalClosed(QTcpSocket* socket) {
+  if (socket == socket_ && !closedSignalled_) {
+    closedSignalled_ = true;
+    emit closed();
+  }
+}
+
+void TcpLink::Abandon() {
+  if (socket_ == nullptr) {
+    return;
+  }
+  QTcpSocket* socket = socket_;
+  socket_ = nullptr;
+  socket->disconnect(this);
+  socket->abort();
+  socket->deleteLater();
+}
+
+void TcpLink::Close() {
+  Abandon();
+}
+
+qint64 TcpLink::Write(const QByteArray& bytes) {
+  return CanWrite() ? socket_->write(bytes) : -1;
+}
+
+bool TcpLink::CanWrite() const {
+  return socket_ != nullptr && socket_->state() == QAbstractSocket::ConnectedState;
+}
+
+}  // namespace zrn
