@@ -80,7 +80,7 @@ TEST_F(Commands, SilenceDetectConfigurations) {
   EXPECT_TRUE(Sent([&] { EXPECT_FALSE(SendSilenceDetectConfig(s, 1, 4, 1)); }).isEmpty());
   EXPECT_TRUE(Sent([&] { SendSilenceDetectConfig(s, 0, 300, 1); }).isEmpty());
   EXPECT_TRUE(Sent([&] { SendShowSilenceConfig(s, 9); }).isEmpty());
-  ASSERT_EQ(ErrorLines().size(), 2);
+  ASSERT_EQ(ErrorLines().size(), 1) << "the same error twice within a minute is held back";
   EXPECT_TRUE(
       ErrorLines()[0].contains(QStringLiteral("Error Sending Silence Detect Configuration")));
 }
