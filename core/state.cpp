@@ -28,6 +28,39 @@ QDateTime Now(const State& s) {
   return s.clock != nullptr ? s.clock->Now() : QDateTime::currentDateTime();
 }
 
+void StartSilenceGrace(State& s, int output) {
+  if (output < 0 || output >= std::max<int>(s.SwitcherOutputCount, 0)) {
+    return;
+  }
+  if (static_cast<int>(s.SilenceGraceUntil.size()) <= output) {
+    s.SilenceGraceUntil.resize(output + 1);
+  }
+  int detect = 8;
+  int ret = 5;
+  if (output < static_cast<int>(s.SilenceStatus.size())) {
+    const SilenceStatusEntry& e = s.SilenceStatus[output];
+    if (e.DetectTime > 0 && e.DetectTime <= 500 && e.ReturnTime >= 0 && e.ReturnTime <= 500) {
+      detect = e.DetectTime;
+      ret = e.ReturnTime;
+    }
+  }
+  s.SilenceGraceUntil[output] = Now(s).addSecs(detect + ret);
+}
+
+void EndSilenceGrace(State& s, int output) {
+  if (output >= 0 && output < static_cast<int>(s.SilenceGraceUntil.size())) {
+    s.SilenceGraceUntil[output] = QDateTime();
+  }
+}
+
+bool InSilenceGrace(const State& s, int output) {
+  if (output < 0 || output >= static_cast<int>(s.SilenceGraceUntil.size())) {
+    return false;
+  }
+  const QDateTime& until = s.SilenceGraceUntil[output];
+  return until.isValid() && Now(s) < until;
+}
+
 void UpdateSilenceOutTable(State& s) {
   s.SilenceOutIndex.assign(std::max<int>(s.SwitcherOutputCount, 0), kNone);
   const int count = std::min<int>(s.SilenceOutCount, static_cast<int>(s.SilenceOuts.size()));

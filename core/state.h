@@ -202,6 +202,10 @@ struct State {
   QTime CurrentTime;
   qint16 Today = 0;
 
+  // Per switcher output (0-based): until when its silence state counts as unknown because
+  // the program itself just routed a new source to it. Invalid = no grace.
+  std::vector<QDateTime> SilenceGraceUntil;
+
   // Bytes received from the switcher and not yet decoded.
   QByteArray ReceiveBuffer;
   LinkState linkState;
@@ -215,6 +219,14 @@ struct State {
 
 // The current wall-clock time from the state's clock.
 QDateTime Now(const State& s);
+
+// Starts the grace of a switcher output (0-based) after the program routed a new source to
+// it: its detect time plus return time, or 8 + 5 seconds when those are not known.
+void StartSilenceGrace(State& s, int output);
+// Ends the grace early, when the switcher reports a change of state for the output.
+void EndSilenceGrace(State& s, int output);
+// Whether the silence state of a switcher output (0-based) counts as unknown now.
+bool InSilenceGrace(const State& s, int output);
 
 // Rebuilds SilenceOutIndex from SilenceOuts; a later entry with the same output wins.
 void UpdateSilenceOutTable(State& s);
