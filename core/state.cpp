@@ -58,7 +58,10 @@ bool InSilenceGrace(const State& s, int output) {
     return false;
   }
   const QDateTime& until = s.SilenceGraceUntil[output];
-  return until.isValid() && Now(s) < until;
+  // A grace reaching further ahead than any detector allows was stretched by the clock going
+  // back; it must not hold off alarms for that long.
+  const qint64 left = Now(s).secsTo(until);
+  return until.isValid() && left > 0 && left <= 1000;
 }
 
 void UpdateSilenceOutTable(State& s) {
