@@ -104,17 +104,25 @@ QString ActivityStamp(const QDateTime& when) {
 }
 
 QString GeneralDateTime(const QDateTime& when) {
+  // The formats are worked out once per locale: every error line needs them.
+  struct Formats {
+    QString localeName, date, time;
+  };
+  static Formats cached;
   const QLocale locale;
-  QString dateFormat = locale.dateFormat(QLocale::ShortFormat);
-  if (!dateFormat.contains(QStringLiteral("yyyy"))) {
-    dateFormat.replace(QStringLiteral("yy"), QStringLiteral("yyyy"));
+  if (cached.localeName != locale.name() || cached.date.isEmpty()) {
+    cached.localeName = locale.name();
+    cached.date = locale.dateFormat(QLocale::ShortFormat);
+    if (!cached.date.contains(QStringLiteral("yyyy"))) {
+      cached.date.replace(QStringLiteral("yy"), QStringLiteral("yyyy"));
+    }
+    // The long time form carries the seconds; its time-zone part is not wanted.
+    cached.time = locale.timeFormat(QLocale::LongFormat);
+    cached.time.remove(QLatin1Char('t'));
+    cached.time = cached.time.trimmed();
   }
-  // The long time form carries the seconds; its time-zone part is not wanted.
-  QString timeFormat = locale.timeFormat(QLocale::LongFormat);
-  timeFormat.remove(QLatin1Char('t'));
-  timeFormat = timeFormat.trimmed();
-  return locale.toString(when.date(), dateFormat) + QLatin1Char(' ') +
-         locale.toString(when.time(), timeFormat);
+  return locale.toString(when.date(), cached.date) + QLatin1Char(' ') +
+         locale.toString(when.time(), cached.time);
 }
 
 QString FileStamp(const QDateTime& when) {

@@ -1,0 +1,101 @@
+#include <random>
+
+#include "support/fake_link.h"
+#include "support/temp_state.h"
+#include "switcher/frame.h"
+#include "switcher/link.h"
+
+namespace zrn {
+namespace {
+
+using test::FakeLink;
+using test::TempStateTest;
+
+// Valid frames of every kind the switcher sends, to be cut, mutated and mixed with noise.
+std::vector<QByteArray> SampleFrames() {
+  std::vector<QByteArray> frames;
+  frames.push_back(QByteArray(1, static_cast<char>(0xF5)));
+  frames.push_back(QByteArray(1, static_cast<char>(0xF4)));
+  for (int type : {0x80, 0x81, 0xCB, 0xF2, 0xF6, 0xF7, 0xFC, 0x9A}) {
+    QByteArray payload;
+    for (int i = 0; i < 1 + type % 23; ++i) {
+      payload.append(static_cast<char>((type * 7 + i * 13) % 128));
+    }
+    frames.push_back(BuildFrame(static_cast<quint8>(type), payload));
+  }
+  return frames;
+}
+
+class StreamRobustness : public TempStateTest {};
+
+TEST_F(StreamRobustness, RandomAndMutatedStreamsNeverBreakTheDecoder) {
+  // Garbage costs an error-log line per run; the lines are not what is tested here, so they
+  // go nowhere instead of to disk.
+  s.AppPath = dir.path() + QStringLiteral("/absent/");
+  FakeLink link;
+  s.link = &link;
+  OnConnected(s);
+  std::size_t dispatched = 0;
+  for (int type = 0x80; type <= 0xFF; ++type) {
+    s.linkState.handlers[type] = [&dispatched, type](State&, const QByteArray& m) {
+      ASSERT_EQ(static_cast<quint8>(m.front()), type);
+      ASSERT_EQ(static_cast<quint8>(m.back()), 0xFF);
+      ++dispatched;
+    };
+  }
+  const std::vector<QByteArray> frames = SampleFrames();
+  std::mt19937 random(20261122);
+  auto pick = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
+
+  qsizetype largestBuffer = 0;
+  for (int stream = 0; stream < 100000; ++stream) {
+    QByteArray bytes;
+    const int parts = 1 + pick(6);
+    for (int p = 0; p < parts; ++p) {
+      switch (pick(4)) {
+        case 0:  // noise
+          for (int i = pick(40); i > 0; --i) {
+            bytes.append(static_cast<char>(random()));
+          }
+          break;
+        case 1: {  // a frame with a byte flipped, dropped or doubled
+          QByteArray f = frames[pick(static_cast<int>(frames.size()))];
+          const int at = pick(static_cast<int>(f.size()));
+          switch (pick(3)) {
+            case 0:
+              f[at] = static_cast<char>(random());
+              break;
+            case 1:
+              f.remove(at, 1);
+              break;
+            default:
+              f.insert(at, f[at]);
+              break;
+          }
+          bytes += f;
+          break;
+        }
+        default:
+          bytes += frames[pick(static_cast<int>(frames.size()))];
+      }
+    }
+    // Delivered in random pieces, as a network would.
+    for (qsizetype at = 0; at < bytes.size();) {
+      const qsizetype n = 1 + pick(static_cast<int>(bytes.size() - at));
+      OnDataAvailable(s, bytes.mid(at, n));
+      at += n;
+    }
+    largestBuffer = std::max(largestBuffer, s.ReceiveBuffer.size());
+    if (stream % 1000 == 999) {
+      s.ReceiveBuffer.clear();  // as a reconnection would
+      OnConnected(s);
+    }
+  }
+  EXPECT_GT(dispatched, 100000u);
+  EXPECT_LE(largestBuffer, kMaxReceiveBuffer);
+  EXPECT_FALSE(link.wire.isEmpty());
+  EXPECT_EQ(link.wire.count(static_cast<char>(0xF4)), link.wire.size()) << "only answers go out";
+}
+
+}  // namespace
+}  // namespace zrn

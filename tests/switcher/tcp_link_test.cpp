@@ -1,0 +1,144 @@
+#include <QSignalSpy>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTest>
+
+#include "support/temp_state.h"
+#include "switcher/commands.h"
+#include "switcher/link.h"
+#include "switcher/switcher_connection.h"
+
+namespace zrn {
+namespace {
+
+using test::TempStateTest;
+
+QByteArray Bytes(std::initializer_list<int> values) {
+  QByteArray out;
+  for (int v : values) {
+    out.append(static_cast<char>(v));
+  }
+  return out;
+}
+
+// The program's link against a real server on the loopback interface.
+class Loopback : public TempStateTest {
+ protected:
+  void SetUp() override {
+    TempStateTest::SetUp();
+    ASSERT_TRUE(server.listen(QHostAddress::LocalHost));
+    s.ServerPort = server.serverPort();
+    for (int type : {0xF6, 0xF7, 0xCB}) {
+      s.linkState.handlers[type] = [this](State&, const QByteArray& m) { dispatched << m; };
+    }
+  }
+  QTcpSocket* Accept() {
+    if (!server.hasPendingConnections() && !server.waitForNewConnection(5000)) {
+      return nullptr;
+    }
+    return server.nextPendingConnection();
+  }
+  // What the server has received so far, once at least n bytes are there.
+  QByteArray ServerReads(QTcpSocket* peer, int n) {
+    QByteArray got;
+    (void)QTest::qWaitFor(
+        [&] {
+          got += peer->readAll();
+          return got.size() >= n;
+        },
+        5000);
+    return got;
+  }
+
+  QTcpServer server;
+  SwitcherConnection connection{s};
+  QList<QByteArray> dispatched;
+};
+
+TEST_F(Loopback, ConnectsTalksBothWaysAndNoticesTheClose) {
+  ConnectToSwitcher(s);
+  QTcpSocket* peer = Accept();
+  ASSERT_NE(peer, nullptr);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return s.Connected; }, 5000));
+  EXPECT_EQ(s.StatusBarText, QStringLiteral("Server Module Connected"));
+
+  // The switcher's keep-alive is answered with exactly one byte.
+  peer->write(Bytes({0xF5}));
+  EXPECT_EQ(ServerReads(peer, 1), Bytes({0xF4}));
+
+  // A report split across two writes arrives whole.
+  peer->write(Bytes({0xF7, 0x01}));
+  peer->flush();
+  QTest::qWait(20);
+  peer->write(Bytes({0x00, 0x01, 0xFF}));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return dispatched.size() == 1; }, 5000));
+  EXPECT_EQ(dispatched[0], Bytes({0xF7, 0x01, 0x00, 0x01, 0xFF}));
+
+  EXPECT_TRUE(SendSwitcherCommand(s, 7, 12, kCommandConnect));
+  EXPECT_EQ(ServerReads(peer, 9), Bytes({0xFE, 0x04, 0x00, 0x0B, 0x00, 0x06, 0x00, 0x15, 0xFF}));
+
+  peer->close();
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !s.Connected; }, 5000));
+  EXPECT_EQ(s.StatusBarText, QStringLiteral("Server Module Not Connected"));
+  EXPECT_FALSE(SendSwitcherCommand(s, 7, 12, kCommandConnect)) << "nothing goes out when down";
+  EXPECT_TRUE(ErrorLines().isEmpty());
+}
+
+TEST_F(Loopback, RefusedConnectionLeavesTheLinkQuietlyDown) {
+  const quint16 port = server.serverPort();
+  server.close();
+  s.ServerPort = port;
+  QSignalSpy changes(&connection, &SwitcherConnection::changed);
+  ConnectToSwitcher(s);
+  ASSERT_TRUE(changes.wait(5000));
+  EXPECT_FALSE(s.Connected);
+  EXPECT_EQ(s.StatusBarText, QStringLiteral("Server Module Not Connected"));
+  EXPECT_TRUE(s.MessageRows.isEmpty()) << "a failed attempt is not a change of state";
+  EXPECT_TRUE(ErrorLines().isEmpty());
+}
+
+TEST_F(Loopback, ANewAttemptAbandonsThePendingOne) {
+  // Each attempt replaces the last; only the latest one may report in.
+  for (int i = 0; i < 5; ++i) {
+    ConnectToSwitcher(s);
+  }
+  ASSERT_TRUE(QTest::qWaitFor([&] { return s.Connected; }, 5000));
+  QTest::qWait(100);
+  int open = 0;
+  while (QTcpSocket* peer = Accept()) {
+    QTest::qWait(20);
+    if (peer->state() == QAbstractSocket::ConnectedState) {
+      ++open;
+    }
+    if (!server.hasPendingConnections()) {
+      break;
+    }
+  }
+  EXPECT_EQ(open, 1) << "abandoned attempts are closed";
+  EXPECT_EQ(s.MessageRows.size(), 1);
+}
+
+TEST_F(Loopback, DecodeTimerRunsOnlyWhileBytesWait) {
+  ConnectToSwitcher(s);
+  QTcpSocket* peer = Accept();
+  ASSERT_NE(peer, nullptr);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return s.Connected; }, 5000));
+
+  // Four thousand reports in one burst are all handled promptly.
+  QByteArray burst;
+  for (int i = 0; i < 4000; ++i) {
+    burst += Bytes({0xCB, 0x0A, i % 128, 0x00, 0x01, (0x0A + i % 128 + 1) % 128, 0xFF});
+  }
+  peer->write(burst);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return dispatched.size() == 4000; }, 5000));
+  EXPECT_FALSE(connection.DecodeTimerActive());
+  EXPECT_TRUE(s.ReceiveBuffer.isEmpty());
+
+  peer->write(Bytes({0xF6, 0x01}));
+  QTest::qWait(50);
+  EXPECT_FALSE(connection.DecodeTimerActive()) << "an unfinished frame waits for bytes";
+  EXPECT_EQ(s.ReceiveBuffer, Bytes({0xF6, 0x01}));
+}
+
+}  // namespace
+}  // namespace zrn
