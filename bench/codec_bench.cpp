@@ -1,0 +1,85 @@
+// Throughput of the switcher link: decoding and dispatching a realistic mixed stream, and
+// building command frames.
+#include <benchmark/benchmark.h>
+#include <QDir>
+
+#include "core/state.h"
+#include "switcher/frame.h"
+#include "switcher/link.h"
+
+namespace {
+
+class NullLink final : public zrn::Link {
+ public:
+  void Open(const QString&, quint16) override {}
+  void Close() override {}
+  qint64 Write(const QByteArray& bytes) override { return bytes.size(); }
+  bool CanWrite() const override { return true; }
+};
+
+// Keep-alives, silence change-of-state reports and crosspoint reports, as a busy switcher
+// sends them.
+QByteArray MixedStream(int messages) {
+  QByteArray stream;
+  for (int i = 0; i < messages; ++i) {
+    QByteArray payload;
+    switch (i % 4) {
+      case 0:
+        stream.append(static_cast<char>(0xF5));
+        continue;
+      case 1:
+      case 2:
+        payload.append(static_cast<char>(0x0A));
+        zrn::AppendInt14(payload, i % 256);
+        payload.append(static_cast<char>(i % 2));
+        stream += zrn::BuildFrame(0xCB, payload);
+        break;
+      default:
+        payload.append(static_cast<char>(0x4A));
+        zrn::AppendInt14(payload, i % 256);
+        zrn::AppendInt14(payload, 1);
+        payload.append(static_cast<char>(1));
+        payload.append(static_cast<char>(0));
+        zrn::AppendInt14(payload, (i * 7) % 256);
+        zrn::AppendInt14(payload, 0);
+        stream += zrn::BuildFrame(0xF6, payload);
+    }
+  }
+  return stream;
+}
+
+void BM_DecodeMixedStream(benchmark::State& state) {
+  NullLink link;
+  zrn::State s;
+  s.AppPath = QDir::tempPath() + QStringLiteral("/zrn-bench-absent/");
+  s.link = &link;
+  zrn::OnConnected(s);
+  const int messages = static_cast<int>(state.range(0));
+  const QByteArray stream = MixedStream(messages);
+  for (auto _ : state) {
+    s.ReceiveBuffer = stream;
+    s.linkState.eomSearchedBytes = 0;
+    while (zrn::DecodeAvailable(s, std::chrono::hours(1))) {
+    }
+    benchmark::DoNotOptimize(s.ReceiveBuffer);
+  }
+  state.SetItemsProcessed(state.iterations() * messages);
+  state.SetBytesProcessed(state.iterations() * stream.size());
+}
+BENCHMARK(BM_DecodeMixedStream)->Arg(1000)->Arg(10000);
+
+void BM_BuildFrames(benchmark::State& state) {
+  QByteArray payload;
+  for (int i = 0; i < state.range(0); ++i) {
+    payload.append(static_cast<char>(i % 128));
+  }
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(zrn::BuildFrame(0xCB, payload));
+  }
+  state.SetBytesProcessed(state.iterations() * (payload.size() + 3));
+}
+BENCHMARK(BM_BuildFrames)->Arg(6)->Arg(14 * 256 + 5);
+
+}  // namespace
+
+BENCHMARK_MAIN();
