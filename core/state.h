@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "core/ports.h"
+#include "monitor/panel_models.h"
 
 namespace zrn {
 
@@ -28,6 +29,8 @@ struct ScheduledEvent {
 struct OutputEntry {
   qint16 Output = kNone;
   qint16 AlarmState = 0;
+  // Run-time: Cancel Alarm took this output's alarm off the relay until its silence changes.
+  bool AlarmCanceled = false;
   qint16 DisplayOption = 0;
   QString CustomLabel = QStringLiteral("None");
   std::vector<ScheduledEvent> Events = std::vector<ScheduledEvent>(1);
@@ -35,6 +38,13 @@ struct OutputEntry {
   bool MonitoringEnabled = false;
   qint16 NextEvent = kNone;
   qint16 HoldOffTicks = 0;
+  // The event index HoldOffTicks guards; kNone guards every event of the output.
+  qint16 HoldOffEvent = kNone;
+  // 1-based input of a scheduled route that could not be sent (link down); kNone = none.
+  qint16 PendingRouteSource = kNone;
+  // Per event index: local wall-clock date and time (no zone) it last ran, so a clock set back
+  // does not run the same occurrence twice.
+  std::vector<QDateTime> LastRun;
 };
 
 struct ShowChannel {
@@ -75,6 +85,9 @@ struct ShowRecord {
   quint8 WasActive = 0;
   quint8 Alarm = 0;
   bool AlarmCanceled = false;
+  // Run-time: an ignore window applies or there is no downlink monitor, so the show's alarm
+  // is not counted.
+  bool AlarmSuppressed = false;
 };
 
 struct SilenceOut {
@@ -141,6 +154,38 @@ struct LinkState {
   std::array<MessageHandler, 256> handlers;
 };
 
+// Start-up requests still unanswered, one bit per request code.
+struct RequestState {
+  qint32 Req1 = 0;
+  qint32 Req2 = 0;
+  qint32 Req3 = 0;
+  qint32 Req4 = 0;
+};
+
+// The loss alarm's memory between passes.
+struct LossAlarmState {
+  // Flags of the latest lamp pass.
+  bool NewAlarm = false;
+  bool AlarmChanged = false;
+  // The relay the latest decision wanted latched; kNone when it wanted none.
+  qint16 wantedRelay = kNone;
+  // A relay latched under an earlier AlarmRelay setting, released until reported off.
+  qint16 strayRelay = kNone;
+  // The relay command sent since the last poll tick or relay report, not repeated before
+  // either brings news.
+  qint16 sentRelay = kNone;
+  int sentCommand = -1;
+  bool strayReleaseSent = false;
+};
+
+// The poll timer's counters.
+struct PollState {
+  // Ticks 1..5 of the keep-alive cycle.
+  qint16 PollTick = 0;
+  // Ticks left before unanswered start-up requests are sent again.
+  qint16 RetryCountdown = 0;
+};
+
 struct State {
   State();
 
@@ -201,6 +246,9 @@ struct State {
   bool Connected = false;
   QTime CurrentTime;
   qint16 Today = 0;
+  // Set when the scheduler changed what the output panels show; the poll timer redraws them
+  // (UpdateOutputs) and clears it.
+  bool OutputsDirty = false;
 
   // Per switcher output (0-based): until when its silence state counts as unknown because
   // the program itself just routed a new source to it. Invalid = no grace.
@@ -214,7 +262,13 @@ struct State {
   QStringList MessageRows;
   QString StatusBarText;
 
+  // What the main window draws.
+  PanelModels panels;
+  RequestState requests;
+  LossAlarmState lossAlarm;
+
   LogState logs;
+  PollState poll;
 };
 
 // The current wall-clock time from the state's clock.

@@ -1,0 +1,14 @@
+#include <QApplication>
+
+#include "monitor/main_window.h"
+#include "monitor/monitor.h"
+
+int main(int argc, char** argv) {
+  QApplication app(argc, argv);
+  // Every data and log file lives beside the executable.
+  zrn::Monitor monitor(QCoreApplication::applicationDirPath() + QLatin1Char('/'));
+  zrn::MainWindow window(monitor);
+  monitor.Start();
+  window.show();
+  return app.exec();
+}

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "core/state.h"
+
+namespace zrn {
+
+// Relays the switcher has told us about: the relay table, once its names arrived.
+int RelayTableSize(const State& s);
+// AlarmRelay names a relay of that table; one beyond it counts as none.
+bool AlarmRelayUsable(const State& s);
+
+// Whether the loss alarm wants the relay latched: in output mode a red lamp that was neither
+// acknowledged nor cancelled; in show mode an active show in alarm, not cancelled and not
+// suppressed.
+bool AlarmRelayWanted(const State& s);
+
+// The one decision on the relay: latched while wanted, released while not. Writes "Loss Alarm
+// Report On" / "Off" when the decision changes, and sends a command while the switcher's
+// report disagrees, once until the next poll tick or relay report.
+void DecideAlarmRelay(State& s);
+
+// Poll tick: looks again at lamps whose grace is over, then decides, re-sending a command the
+// switcher has not yet carried out.
+void LossAlarmTick(State& s);
+
+// After each relay-state report: the "Alarm" lamp, then the decision.
+void RelayStatesReported(State& s);
+// When the relay table (the relay names) arrives: one error line when AlarmRelay lies beyond
+// it, then the lamp and the decision.
+void AlarmRelayTableArrived(State& s);
+
+// The "Alarm" lamp: red while the switcher reports the alarm relay on.
+void UpdateAlarmLamp(State& s);
+
+// Cancel Alarm: releases the relay and takes what alarms now off it until its silence ends.
+void cmdCancel_Click(State& s);
+
+// Left click on output panel index: acknowledges a red lamp (it turns yellow). False when
+// nothing was acknowledged.
+bool AcknowledgeLossAlarm(State& s, int index);
+
+}  // namespace zrn

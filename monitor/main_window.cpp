@@ -1,0 +1,122 @@
+#include "monitor/main_window.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QLabel>
+#include <QListWidget>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QStatusBar>
+
+#include "monitor/monitor.h"
+#include "monitor/panel_canvas_widget.h"
+
+namespace zrn {
+
+MainWindow::MainWindow(Monitor& monitor, QWidget* parent) : QMainWindow(parent), monitor_(monitor) {
+  setWindowTitle(QStringLiteral("ZRN Pennaro"));
+
+  QMenu* file = menuBar()->addMenu(QStringLiteral("File"));
+  file->addAction(QStringLiteral("Toggle View"), this, [this] { monitor_.ToggleView(); });
+  file->addSeparator();
+  file->addAction(QStringLiteral("Exit"), this, &QWidget::close);
+
+  canvas_ = new PanelCanvasWidget;
+  scroll_ = new QScrollArea;
+  scroll_->setWidget(canvas_);
+  scroll_->setWidgetResizable(true);
+  scroll_->setFrameShape(QFrame::NoFrame);
+  setCentralWidget(scroll_);
+
+  cancel_ = new QPushButton(QStringLiteral("Cancel"), canvas_);
+  cancel_->setToolTip(QStringLiteral("Cancel Alarm"));
+  connect(cancel_, &QPushButton::clicked, this, [this] { monitor_.CancelAlarm(); });
+
+  history_ = new QListWidget(canvas_);
+  history_->setObjectName(QStringLiteral("lstDisplay"));
+  history_->setUniformItemSizes(true);
+  history_->setSelectionMode(QAbstractItemView::SingleSelection);
+  QFont mono(QStringLiteral("Monospace"));
+  mono.setStyleHint(QFont::TypeWriter);
+  history_->setFont(mono);
+  history_->setStyleSheet(QStringLiteral(
+      "QListWidget { background: #14171a; color: #dfe4e8; border: 1px solid #4b555e; }"));
+
+  status_ = new QLabel;
+  statusBar()->addWidget(status_, 1);
+
+  connect(canvas_, &PanelCanvasWidget::outputPanelClicked, this,
+          [this](int index) { monitor_.PanelClicked(index); });
+  connect(canvas_, &PanelCanvasWidget::outputPanelMenuRequested, this,
+          [this](int index, const QPoint&) { monitor_.PanelMenuRequested(index); });
+  connect(&monitor_, &Monitor::changed, this, &MainWindow::Refresh);
+  Refresh();
+}
+
+void MainWindow::Refresh() {
+  const State& s = monitor_.state();
+  const PanelModels& models = s.panels;
+  canvas_->Refresh(models);
+
+  const WindowModel& w = models.window;
+  const QRect button = PanelCanvasWidget::ToPixels(w.cancelButton);
+  if (cancel_->geometry() != button) {
+    cancel_->setGeometry(button);
+  }
+  const QRect list = PanelCanvasWidget::ToPixels(w.messageList);
+  if (history_->geometry() != list) {
+    history_->setGeometry(list);
+  }
+  history_->setVisible(w.messageListVisible);
+  SyncHistory();
+
+  if (status_->text() != s.StatusBarText) {
+    status_->setText(s.StatusBarText);
+  }
+  // The window follows the view's size when the view changes, not on every refresh, so the
+  // operator's own resizing stays.
+  const QSize size(w.width / 15, w.height / 15);
+  if (size != lastWindowSize_) {
+    lastWindowSize_ = size;
+    resize(size);
+  }
+}
+
+// The rows only grow at the end and drop off the front, so the list follows by editing both
+// ends instead of being rebuilt.
+void MainWindow::SyncHistory() {
+  const QStringList& rows = monitor_.state().MessageRows;
+  const int first = rows.isEmpty() ? -1 : 0;
+  while (history_->count() > 0 && (first < 0 || history_->item(0)->text() != rows[0])) {
+    delete history_->takeItem(0);
+  }
+  bool added = false;
+  for (qsizetype i = history_->count(); i < rows.size(); ++i) {
+    history_->addItem(rows[i]);
+    added = true;
+  }
+  if (history_->count() != rows.size()) {
+    history_->clear();
+    history_->addItems(rows);
+    added = true;
+  }
+  if (added) {
+    history_->scrollToBottom();
+  }
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+  monitor_.Stop();
+  // Every other window of the program goes with the main window, newest first.
+  const QWidgetList windows = QApplication::topLevelWidgets();
+  for (auto it = windows.rbegin(); it != windows.rend(); ++it) {
+    if (*it != this && (*it)->isVisible()) {
+      (*it)->close();
+    }
+  }
+  event->accept();
+}
+
+}  // namespace zrn

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QMainWindow>
+
+class QLabel;
+class QListWidget;
+class QPushButton;
+class QScrollArea;
+
+namespace zrn {
+
+class Monitor;
+class PanelCanvasWidget;
+
+// The main window: draws what the monitor's state says and hands clicks and menu commands
+// back to the monitor. It keeps no state of its own that the program needs.
+class MainWindow final : public QMainWindow {
+  Q_OBJECT
+
+ public:
+  explicit MainWindow(Monitor& monitor, QWidget* parent = nullptr);
+
+  PanelCanvasWidget* Canvas() const { return canvas_; }
+  QListWidget* History() const { return history_; }
+  QPushButton* CancelButton() const { return cancel_; }
+  QLabel* StatusText() const { return status_; }
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  void Refresh();
+  void SyncHistory();
+
+  Monitor& monitor_;
+  QScrollArea* scroll_ = nullptr;
+  PanelCanvasWidget* canvas_ = nullptr;
+  QListWidget* history_ = nullptr;
+  QPushButton* cancel_ = nullptr;
+  QLabel* status_ = nullptr;
+  QSize lastWindowSize_;
+};
+
+}  // namespace zrn

@@ -1,0 +1,257 @@
+#include "monitor/panel_canvas_widget.h"
+
+#include <QHelpEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPainterPath>
+#include <QToolTip>
+
+namespace zrn {
+
+namespace {
+
+constexpr int kTwipsPerPixel = 15;
+
+const QColor kBackground(0x1d, 0x21, 0x25);
+const QColor kPanelFill(0x2b, 0x31, 0x37);
+const QColor kPanelBorder(0x4b, 0x55, 0x5e);
+const QColor kText(0xec, 0xef, 0xf1);
+const QColor kDimText(0xa9, 0xb3, 0xbb);
+
+QColor ToColor(const Rgb& rgb) {
+  return QColor(rgb.red, rgb.green, rgb.blue);
+}
+
+QRectF Inner(const Rect& frame, const Rect& part) {
+  return QRectF(frame.left + part.left, frame.top + part.top, part.width, part.height);
+}
+
+QRectF Twips(const Rect& r) {
+  return QRectF(r.left, r.top, r.width, r.height);
+}
+
+void DrawFrame(QPainter& p, const Rect& frame) {
+  p.setPen(QPen(kPanelBorder, 15));
+  p.setBrush(kPanelFill);
+  p.drawRoundedRect(Twips(frame), 60, 60);
+}
+
+void DrawLamp(QPainter& p, const QRectF& rect, const Rgb& colour, bool round) {
+  p.setPen(QPen(QColor(0x0b, 0x0d, 0x0f), 20));
+  p.setBrush(ToColor(colour));
+  if (round) {
+    p.drawEllipse(rect);
+  } else {
+    p.drawRoundedRect(rect, 25, 25);
+  }
+}
+
+QFont PanelFont(int twipsHigh, bool bold, bool narrow = false) {
+  QFont font;
+  font.setPixelSize(twipsHigh);
+  font.setBold(bold);
+  if (narrow) {
+    font.setStretch(QFont::SemiCondensed);
+  }
+  return font;
+}
+
+void DrawText(QPainter& p, const QRectF& rect, const QString& text, const QFont& font,
+              const QColor& colour, int flags = Qt::AlignLeft | Qt::AlignVCenter) {
+  p.setFont(font);
+  p.setPen(colour);
+  const QString shown = QFontMetricsF(font).elidedText(text, Qt::ElideRight, rect.width());
+  p.drawText(rect, flags | Qt::TextSingleLine, shown);
+}
+
+QRect Grown(const QRect& r) {
+  return r.adjusted(-2, -2, 2, 2);
+}
+
+}  // namespace
+
+PanelCanvasWidget::PanelCanvasWidget(QWidget* parent) : QWidget(parent) {
+  setAutoFillBackground(true);
+  QPalette pal = palette();
+  pal.setColor(QPalette::Window, kBackground);
+  setPalette(pal);
+  setMouseTracking(false);
+  setMinimumSize(ContentSize());
+}
+
+QRect PanelCanvasWidget::ToPixels(const Rect& twips) {
+  return QRect(twips.left / kTwipsPerPixel, twips.top / kTwipsPerPixel,
+               (twips.width + kTwipsPerPixel - 1) / kTwipsPerPixel,
+               (twips.height + kTwipsPerPixel - 1) / kTwipsPerPixel);
+}
+
+QRect PanelCanvasWidget::OutputPanelPixels(int index) const {
+  const OutputPanelModel& panel = models_.outputs[index];
+  return ToPixels(panel.normal.frame) | ToPixels(panel.large.frame);
+}
+
+QSize PanelCanvasWidget::ContentSize() const {
+  QRect extent = ToPixels(models_.window.alarmLamp) | ToPixels(models_.window.cancelButton);
+  for (const OutputPanelModel& panel : models_.outputs) {
+    if (panel.normal.visible) {
+      extent |= ToPixels(panel.normal.frame);
+    }
+    if (panel.large.visible) {
+      extent |= ToPixels(panel.large.frame);
+    }
+  }
+  for (const ShowPanelModel& show : models_.shows) {
+    if (show.visible) {
+      extent |= ToPixels(show.frame);
+    }
+  }
+  if (models_.window.messageListVisible) {
+    extent |= ToPixels(models_.window.messageList);
+  }
+  return QSize(extent.right() + 16, extent.bottom() + 16);
+}
+
+void PanelCanvasWidget::Refresh(const PanelModels& models) {
+  const bool sameShape = models.outputs.size() == models_.outputs.size() &&
+                         models.shows.size() == models_.shows.size() &&
+                         models.headings == models_.headings && models.window == models_.window;
+  if (!sameShape) {
+    models_ = models;
+    setMinimumSize(ContentSize());
+    update();
+    return;
+  }
+  // Only panels whose model changed are repainted, so a quiet switcher costs nothing.
+  for (std::size_t i = 0; i < models.outputs.size(); ++i) {
+    if (!(models.outputs[i] == models_.outputs[i])) {
+      const QRect before = OutputPanelPixels(static_cast<int>(i));
+      models_.outputs[i] = models.outputs[i];
+      update(Grown(before | OutputPanelPixels(static_cast<int>(i))));
+    }
+  }
+  for (std::size_t i = 0; i < models.shows.size(); ++i) {
+    if (!(models.shows[i] == models_.shows[i])) {
+      const QRect before = ToPixels(models_.shows[i].frame);
+      models_.shows[i] = models.shows[i];
+      update(Grown(before | ToPixels(models.shows[i].frame)));
+    }
+  }
+  setMinimumSize(ContentSize());
+}
+
+void PanelCanvasWidget::paintEvent(QPaintEvent* event) {
+  QPainter p(this);
+  p.setClipRegion(event->region());
+  p.setRenderHint(QPainter::Antialiasing);
+  p.scale(1.0 / kTwipsPerPixel, 1.0 / kTwipsPerPixel);
+  const QRectF dirty = QRectF(event->rect()).adjusted(-4, -4, 4, 4);
+  auto needed = [&](const Rect& twips) { return QRectF(ToPixels(twips)).intersects(dirty); };
+
+  for (const LabelModel& heading : models_.headings) {
+    if (heading.visible && needed(heading.rect)) {
+      DrawText(p, Twips(heading.rect), heading.text, PanelFont(165, true), kDimText);
+    }
+  }
+
+  for (const OutputPanelModel& panel : models_.outputs) {
+    if (panel.normal.visible && needed(panel.normal.frame)) {
+      const NormalPanelView& v = panel.normal;
+      DrawFrame(p, v.frame);
+      DrawText(p, Inner(v.frame, v.number), panel.position, PanelFont(180, true), kText);
+      DrawLamp(p, Inner(v.frame, v.lamp), panel.lamp, false);
+    }
+    if (panel.large.visible && needed(panel.large.frame)) {
+      const LargePanelView& v = panel.large;
+      DrawFrame(p, v.frame);
+      DrawText(p, Inner(v.frame, v.number), panel.position, PanelFont(200, true), kText);
+      DrawLamp(p, Inner(v.frame, v.lamp), panel.lamp, false);
+      DrawText(p, Inner(v.frame, v.nameLine), panel.nameLine, PanelFont(180, true, true), kText);
+      DrawText(p, Inner(v.frame, v.channelLine), panel.channelLine, PanelFont(170, false, true),
+               kDimText);
+    }
+  }
+
+  for (const ShowPanelModel& show : models_.shows) {
+    if (!show.visible || !needed(show.frame)) {
+      continue;
+    }
+    DrawFrame(p, show.frame);
+    DrawText(p, Inner(show.frame, show.name), show.nameText, PanelFont(190, true), kText);
+    DrawText(p, Inner(show.frame, show.outputs), show.outputsText, PanelFont(170, false), kDimText,
+             Qt::AlignLeft | Qt::AlignTop);
+    DrawText(p, Inner(show.frame, show.source), show.sourceText, PanelFont(170, false), kDimText);
+    DrawLamp(p, Inner(show.frame, show.indicator), show.indicatorColour, true);
+  }
+
+  const WindowModel& w = models_.window;
+  if (needed(w.alarmCaption) || needed(w.alarmLamp)) {
+    DrawText(p, Twips(w.alarmCaption), QStringLiteral("Alarm"), PanelFont(180, true), kText,
+             Qt::AlignHCenter | Qt::AlignVCenter);
+    DrawLamp(p, Twips(w.alarmLamp), w.alarmLampColour, false);
+  }
+}
+
+int PanelCanvasWidget::OutputPanelAt(const QPoint& point) const {
+  for (std::size_t i = 0; i < models_.outputs.size(); ++i) {
+    const OutputPanelModel& panel = models_.outputs[i];
+    if ((panel.normal.visible && ToPixels(panel.normal.frame).contains(point)) ||
+        (panel.large.visible && ToPixels(panel.large.frame).contains(point))) {
+      return static_cast<int>(i);
+    }
+  }
+  return -1;
+}
+
+int PanelCanvasWidget::ShowPanelAt(const QPoint& point) const {
+  for (std::size_t i = 0; i < models_.shows.size(); ++i) {
+    if (models_.shows[i].visible && ToPixels(models_.shows[i].frame).contains(point)) {
+      return static_cast<int>(i);
+    }
+  }
+  return -1;
+}
+
+void PanelCanvasWidget::mousePressEvent(QMouseEvent* event) {
+  const QPoint at = event->position().toPoint();
+  if (const int output = OutputPanelAt(at); output >= 0) {
+    if (event->button() == Qt::LeftButton) {
+      emit outputPanelClicked(output);
+    } else if (event->button() == Qt::RightButton) {
+      emit outputPanelMenuRequested(output, event->globalPosition().toPoint());
+    }
+    return;
+  }
+  if (const int show = ShowPanelAt(at); show >= 0 && event->button() == Qt::LeftButton) {
+    emit showPanelClicked(show);
+    return;
+  }
+  QWidget::mousePressEvent(event);
+}
+
+bool PanelCanvasWidget::event(QEvent* event) {
+  if (event->type() != QEvent::ToolTip) {
+    return QWidget::event(event);
+  }
+  auto* help = static_cast<QHelpEvent*>(event);
+  QString tip;
+  if (const int output = OutputPanelAt(help->pos());
+      output >= 0 && models_.outputs[output].normal.visible) {
+    tip = models_.outputs[output].toolTip;
+  } else if (const int show = ShowPanelAt(help->pos()); show >= 0) {
+    const ShowPanelModel& panel = models_.shows[show];
+    if (ToPixels(Rect{panel.frame.left + panel.outputs.left, panel.frame.top + panel.outputs.top,
+                      panel.outputs.width, panel.outputs.height})
+            .contains(help->pos())) {
+      tip = panel.outputsText;
+    }
+  }
+  if (tip.isEmpty()) {
+    QToolTip::hideText();
+    event->ignore();
+  } else {
+    QToolTip::showText(help->globalPos(), tip, this);
+  }
+  return true;
+}
+
+}  // namespace zrn

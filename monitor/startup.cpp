@@ -1,0 +1,45 @@
+#include "monitor/startup.h"
+
+#include <QDir>
+
+#include "monitor/output_panels.h"
+#include "monitor/panel_update.h"
+#include "monitor/poll_tick.h"
+#include "schedule/due_events.h"
+#include "schedule/event_scheduler.h"
+#include "storage/config_file.h"
+#include "storage/events_file.h"
+#include "storage/shows_file.h"
+#include "switcher/link.h"
+
+namespace zrn {
+
+void Form_Load(State& s, const QString& appPath) {
+  s.AppPath = QDir::toNativeSeparators(appPath);
+  if (!s.AppPath.endsWith(QDir::separator())) {
+    s.AppPath += QDir::separator();
+  }
+  s.OutputCount = 1;
+  s.PanelsLoaded = 1;
+  s.MaxDisplay = 100;
+  s.LargeViewActive = false;
+
+  if (ReadConfiguration(s)) {
+    UpdateOutputs(s);
+  }
+  ConnectToSwitcher(s);
+  ReadEvents(s);
+  ReadShows(s);
+  RefreshClock(s);
+  GetNextEvent(s, kNone);
+  // A restart inside a scheduled "off" period stays off.
+  ApplyMostRecentPastEvents(s);
+  UpdateOutputs(s);
+  ShowConfiguredView(s);
+}
+
+void Form_Unload(State& s) {
+  CloseSwitcherLink(s);
+}
+
+}  // namespace zrn

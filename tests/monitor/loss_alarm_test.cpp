@@ -1,0 +1,303 @@
+#include "monitor/loss_alarm.h"
+#include "monitor/panel_update.h"
+#include "support/fake_link.h"
+#include "support/temp_state.h"
+#include "switcher/link.h"
+
+namespace zrn {
+namespace {
+
+using test::FakeLink;
+using test::TempStateTest;
+
+QByteArray Bytes(std::initializer_list<int> values) {
+  QByteArray out;
+  for (int v : values) {
+    out.append(static_cast<char>(v));
+  }
+  return out;
+}
+
+const QByteArray kLatch3 = Bytes({0xFE, 0x44, 0x00, 0x00, 0x00, 0x02, 0x00, 0x46, 0xFF});
+const QByteArray kRelease3 = Bytes({0xFE, 0x40, 0x00, 0x00, 0x00, 0x02, 0x00, 0x42, 0xFF});
+const QByteArray kLatch2 = Bytes({0xFE, 0x44, 0x00, 0x00, 0x00, 0x01, 0x00, 0x45, 0xFF});
+
+const QString kOn = QStringLiteral("Loss Alarm Report On");
+const QString kOff = QStringLiteral("Loss Alarm Report Off");
+const QString kCanceled = QStringLiteral("Loss Alarm Report Canceled");
+
+// Three watched outputs with audio, relay 3 of four as the alarm relay, on a live link.
+class LossAlarm : public TempStateTest {
+ protected:
+  void SetUp() override {
+    TempStateTest::SetUp();
+    s.link = &link;
+    OnConnected(s);
+    s.SwitcherRelayCount = 4;
+    s.RelayStates.assign(4, 0);
+    s.AlarmRelay = 3;
+    s.Outputs.assign(3, OutputEntry());
+    s.OutputCount = 3;
+    for (int i = 0; i < 3; ++i) {
+      s.Outputs[i].Output = static_cast<qint16>(i + 1);
+      s.Outputs[i].MonitoringEnabled = true;
+      s.SilenceStatus[i].Mode = 0x100;
+    }
+    UpdateOutputs(s);
+    link.wire.clear();
+  }
+  void Silence(int output, quint8 status) {
+    s.SilenceStatus[output].Status = status;
+    UpdateStatus(s);
+  }
+  void Report(int relay, qint16 state) {
+    s.RelayStates[relay - 1] = state;
+    RelayStatesReported(s);
+  }
+  QByteArray Wire() { return std::exchange(link.wire, QByteArray()); }
+  Rgb Lamp(int output) const { return s.panels.outputs[output].lamp; }
+  // Messages of the activity log file about the alarm, in order.
+  QStringList Activity() const {
+    QStringList out;
+    const QStringList lines =
+        QString::fromUtf8(ReadAll(QStringLiteral("EventLog.txt"))).split(QStringLiteral("\r\n"));
+    for (const QString& line : lines.mid(lines.indexOf(QString(80, QLatin1Char('-'))) + 1)) {
+      if (line.contains(QStringLiteral("Loss Alarm"))) {
+        out << line.mid(55);
+      }
+    }
+    return out;
+  }
+
+  FakeLink link;
+};
+
+TEST_F(LossAlarm, TwoSilentInOnePassLatchOnce) {
+  s.SilenceStatus[0].Status = 1;
+  s.SilenceStatus[1].Status = 1;
+  UpdateStatus(s);
+  EXPECT_EQ(Wire(), kLatch3);
+  EXPECT_EQ(Activity(), QStringList{kOn});
+  EXPECT_TRUE(s.MessageRows.last().endsWith(QStringLiteral(" - Loss Alarm Report On")));
+
+  Report(3, 1);
+  Silence(2, 1);
+  EXPECT_TRUE(Wire().isEmpty()) << "already reported on";
+  EXPECT_EQ(Activity(), QStringList{kOn});
+}
+
+TEST_F(LossAlarm, LatchIsRepeatedEachTickUntilTheSwitcherReportsIt) {
+  Silence(0, 1);
+  EXPECT_EQ(Wire(), kLatch3);
+  Silence(1, 1);
+  EXPECT_TRUE(Wire().isEmpty()) << "not again before the next tick";
+  for (int tick = 0; tick < 3; ++tick) {
+    LossAlarmTick(s);
+    EXPECT_EQ(Wire(), kLatch3) << tick;
+  }
+  EXPECT_EQ(s.panels.window.alarmLampColour, kLampGrey) << "the lamp shows the report";
+  Report(3, 1);
+  EXPECT_EQ(s.panels.window.alarmLampColour, kLampRed);
+  for (int tick = 0; tick < 20; ++tick) {
+    LossAlarmTick(s);
+  }
+  EXPECT_TRUE(Wire().isEmpty());
+  EXPECT_EQ(Lamp(0), kLampRed);
+  EXPECT_EQ(Activity(), QStringList{kOn});
+}
+
+TEST_F(LossAlarm, ReleasedOnlyWhenTheLastSilentOutputRecovers) {
+  Silence(0, 1);
+  Silence(1, 1);
+  Report(3, 1);
+  Wire();
+  Silence(0, 0);
+  EXPECT_TRUE(Wire().isEmpty());
+  Silence(1, 0);
+  EXPECT_EQ(Wire(), kRelease3);
+  EXPECT_EQ(Activity(), (QStringList{kOn, kOff}));
+  Report(3, 0);
+  EXPECT_EQ(s.panels.window.alarmLampColour, kLampGrey);
+  LossAlarmTick(s);
+  EXPECT_TRUE(Wire().isEmpty());
+}
+
+TEST_F(LossAlarm, AcknowledgingTheOnlySilentOutputReleases) {
+  Silence(0, 1);
+  Report(3, 1);
+  Wire();
+  EXPECT_FALSE(AcknowledgeLossAlarm(s, 1)) << "a green lamp has nothing to acknowledge";
+  EXPECT_EQ(s.Outputs[1].AlarmState, 0);
+
+  EXPECT_TRUE(AcknowledgeLossAlarm(s, 0));
+  EXPECT_EQ(Lamp(0), kLampYellow);
+  EXPECT_EQ(Wire(), kRelease3);
+  EXPECT_EQ(Activity(),
+            (QStringList{kOn, QStringLiteral("Out 0001 [0001] Loss Alarm Canceled - User"), kOff}));
+  EXPECT_FALSE(AcknowledgeLossAlarm(s, 0)) << "already acknowledged";
+  EXPECT_FALSE(AcknowledgeLossAlarm(s, 3));
+  EXPECT_FALSE(AcknowledgeLossAlarm(s, -1));
+
+  Silence(1, 1);
+  s.Outputs[1].MonitoringEnabled = false;
+  EXPECT_FALSE(AcknowledgeLossAlarm(s, 1)) << "red until the next pass, but not monitored";
+  EXPECT_EQ(Activity().size(), 4);
+}
+
+TEST_F(LossAlarm, CancelWithoutAUsableRelayDoesNothing) {
+  Silence(0, 1);
+  Wire();
+  for (qint16 relay : {kNone, qint16(5), qint16(0)}) {
+    s.AlarmRelay = relay;
+    cmdCancel_Click(s);
+    EXPECT_TRUE(Wire().isEmpty()) << relay;
+    EXPECT_FALSE(s.Outputs[0].AlarmCanceled);
+  }
+  EXPECT_FALSE(Activity().contains(kCanceled));
+}
+
+TEST_F(LossAlarm, CancelWithNoAlarmStillReleases) {
+  cmdCancel_Click(s);
+  EXPECT_EQ(Wire(), kRelease3);
+  EXPECT_EQ(Activity(), QStringList{kCanceled});
+}
+
+TEST_F(LossAlarm, CancelTakesWhatAlarmsNowOffTheRelayUntilItsSilenceChanges) {
+  Silence(0, 1);
+  Report(3, 1);
+  Wire();
+  cmdCancel_Click(s);
+  EXPECT_EQ(Wire(), kRelease3);
+  EXPECT_TRUE(s.Outputs[0].AlarmCanceled);
+  EXPECT_EQ(Lamp(0), kLampRed) << "still silent, still shown";
+  EXPECT_EQ(s.Outputs[0].AlarmState, 0) << "cancel is no acknowledgement";
+
+  // Released each tick until the switcher agrees, and never latched again for this silence.
+  LossAlarmTick(s);
+  EXPECT_EQ(Wire(), kRelease3);
+  Report(3, 0);
+  Silence(0, 1);
+  LossAlarmTick(s);
+  EXPECT_TRUE(Wire().isEmpty());
+  EXPECT_EQ(Activity(), (QStringList{kOn, kCanceled}));
+
+  // Another output's silence alarms as usual; so does this one's next silence.
+  Silence(1, 1);
+  EXPECT_EQ(Wire(), kLatch3);
+  Report(3, 1);
+  Silence(1, 0);
+  EXPECT_EQ(Wire(), kRelease3);
+  Report(3, 0);
+  Silence(0, 0);
+  Silence(0, 1);
+  EXPECT_EQ(Wire(), kLatch3);
+  EXPECT_EQ(Activity(), (QStringList{kOn, kCanceled, kOn, kOff, kOn}));
+}
+
+TEST_F(LossAlarm, InShowModeOnlyShowsAlarm) {
+  s.ProgramMode = 1;
+  s.Shows.assign(2, ShowRecord());
+  s.ShowCount = 2;
+  s.ActiveShows = {0, 1};
+  s.ActiveShowCount = 2;
+  Silence(0, 1);
+  EXPECT_TRUE(Wire().isEmpty());
+  EXPECT_FALSE(AcknowledgeLossAlarm(s, 0));
+
+  s.Shows[1].Alarm = 1;
+  s.Shows[1].DownlinkMonitor = 5;
+  LossAlarmTick(s);
+  EXPECT_EQ(Wire(), kLatch3);
+  Report(3, 1);
+  s.Shows[1].AlarmSuppressed = true;
+  LossAlarmTick(s);
+  EXPECT_EQ(Wire(), kRelease3);
+  Report(3, 0);
+  s.Shows[1].AlarmSuppressed = false;
+  LossAlarmTick(s);
+  EXPECT_EQ(Wire(), kLatch3);
+  Report(3, 1);
+
+  cmdCancel_Click(s);
+  EXPECT_EQ(Wire(), kRelease3);
+  EXPECT_TRUE(s.Shows[1].AlarmCanceled);
+  EXPECT_FALSE(s.Shows[0].AlarmCanceled);
+  EXPECT_EQ(Activity(), (QStringList{kOn, kOff, kOn, kCanceled}));
+
+  // A show out of the table is skipped, not read.
+  s.ActiveShows = {7};
+  s.ActiveShowCount = 3;
+  LossAlarmTick(s);
+  EXPECT_EQ(Wire(), kRelease3);
+}
+
+TEST_F(LossAlarm, ARelayFoundOnWithoutAnAlarmIsReleased) {
+  Report(3, 1);
+  EXPECT_EQ(Wire(), kRelease3);
+  EXPECT_TRUE(Activity().isEmpty()) << "the decision did not change";
+  LossAlarmTick(s);
+  EXPECT_EQ(Wire(), kRelease3);
+}
+
+TEST_F(LossAlarm, ARelayBeyondTheTableCountsAsNone) {
+  s.SwitcherRelayCount = 2;
+  s.RelayStates.assign(2, 1);
+  AlarmRelayTableArrived(s);
+  ASSERT_EQ(ErrorLines().size(), 1);
+  EXPECT_TRUE(ErrorLines()[0].contains(QStringLiteral("Alarm Relay 0003")));
+  Silence(0, 1);
+  LossAlarmTick(s);
+  EXPECT_TRUE(Wire().isEmpty());
+  EXPECT_TRUE(Activity().isEmpty());
+  EXPECT_EQ(s.panels.window.alarmLampColour, kLampGrey);
+
+  // Until the relay names arrive no relay is known at all.
+  State fresh;
+  fresh.AlarmRelay = 3;
+  EXPECT_FALSE(AlarmRelayUsable(fresh));
+}
+
+TEST_F(LossAlarm, AChangedAlarmRelayLeavesNothingLatched) {
+  Silence(0, 1);
+  Report(3, 1);
+  Wire();
+  s.AlarmRelay = 2;
+  LossAlarmTick(s);
+  EXPECT_EQ(Wire(), kRelease3 + kLatch2);
+  s.RelayStates = {0, 1, 0, 0};
+  RelayStatesReported(s);
+  LossAlarmTick(s);
+  EXPECT_TRUE(Wire().isEmpty());
+  EXPECT_EQ(Activity(), QStringList{kOn}) << "still one alarm";
+
+  s.AlarmRelay = kNone;
+  LossAlarmTick(s);
+  EXPECT_EQ(Wire(), Bytes({0xFE, 0x40, 0x00, 0x00, 0x00, 0x01, 0x00, 0x41, 0xFF}));
+  EXPECT_EQ(Activity(), (QStringList{kOn, kOff}));
+}
+
+TEST_F(LossAlarm, ADeadLinkDefersTheCommandNotTheDecision) {
+  OnClosed(s);
+  Silence(0, 1);
+  LossAlarmTick(s);
+  EXPECT_TRUE(Wire().isEmpty());
+  EXPECT_EQ(Activity(), QStringList{kOn});
+  OnConnected(s);
+  LossAlarmTick(s);
+  EXPECT_EQ(Wire(), kLatch3);
+}
+
+TEST_F(LossAlarm, TheTickLooksAgainWhenTheGraceEnds) {
+  StartSilenceGrace(s, 0);
+  Silence(0, 1);
+  EXPECT_EQ(Lamp(0), kLampGrey);
+  LossAlarmTick(s);
+  EXPECT_TRUE(Wire().isEmpty());
+  clock.AdvanceSeconds(13);
+  LossAlarmTick(s);
+  EXPECT_EQ(Lamp(0), kLampRed);
+  EXPECT_EQ(Wire(), kLatch3);
+}
+
+}  // namespace
+}  // namespace zrn

@@ -1,0 +1,248 @@
+#include "schedule_fixture.h"
+
+#include "storage/logs.h"
+
+namespace zrn::test {
+namespace {
+
+QByteArray Bytes(std::initializer_list<int> values) {
+  QByteArray out;
+  for (int v : values) {
+    out.append(static_cast<char>(v));
+  }
+  return out;
+}
+
+using DueEvents = ScheduleTest;
+
+TEST_F(DueEvents, RunAtTheirSecondOnceAndOnToTheNextMorning) {
+  SetEvents({Event("06:00:00", kEveryDay, true), Event("18:00:00", kEveryDay, false)});
+  StartAt(2, "17:59:58");
+  Ticks(3);
+  EXPECT_TRUE(Reports().isEmpty());
+  Ticks(1);
+  ASSERT_EQ(Reports(), QStringList{QStringLiteral("Studio A [0012] Monitoring disabled.")});
+  EXPECT_TRUE(s.MessageRows[0].endsWith(QStringLiteral("18:00:00 - ") + Reports()[0]));
+  EXPECT_EQ(s.Outputs[0].NextEvent, 0);
+  EXPECT_EQ(s.Outputs[0].HoldOffTicks, 360);
+  EXPECT_EQ(s.Outputs[0].HoldOffEvent, 1);
+  EXPECT_TRUE(s.OutputsDirty);
+  Ticks(360);
+  EXPECT_EQ(s.Outputs[0].HoldOffTicks, 0);
+  EXPECT_EQ(s.Outputs[0].HoldOffEvent, kNone);
+  EXPECT_EQ(Reports().size(), 1);
+
+  // Sunday evening: Monday's 06:00 comes next.
+  TickAt(At(6, "23:59:59"));
+  Ticks(4);
+  TickAt(At(7, "05:59:59"));
+  Ticks(2);
+  EXPECT_EQ(Reports().size(), 2);
+  EXPECT_TRUE(s.Outputs[0].MonitoringEnabled);
+}
+
+TEST_F(DueEvents, MissedByLessThanThreeMinutesStillRuns) {
+  SetEvents({Event("10:00:00", kEveryDay)});
+  StartAt(2, "09:59:59");
+  TickAt(At(2, "10:00:02"));
+  EXPECT_EQ(Reports().size(), 1) << "index 0, three seconds late";
+
+  // Restarted after the event: late by 2 minutes 58.5 seconds runs, by 3 minutes does not.
+  auto restartAt = [&](int day, const char* time) {
+    s.Outputs[0].HoldOffTicks = 0;
+    StartAt(day, time);
+    Ticks(1);
+  };
+  restartAt(3, "10:02:58");
+  EXPECT_EQ(Reports().size(), 2);
+  restartAt(4, "10:03:00");
+  EXPECT_EQ(Reports().size(), 2);
+}
+
+TEST_F(DueEvents, TwoEventsAMinuteApartBothRunOnTime) {
+  SetEvents({Event("10:00:00", kEveryDay, true), Event("10:01:00", kEveryDay, false)});
+  StartAt(2, "09:59:58");
+  Ticks(6 * 120);
+  EXPECT_EQ(Reports(), (QStringList{QStringLiteral("Studio A [0012] Monitoring enabled."),
+                                    QStringLiteral("Studio A [0012] Monitoring disabled.")}));
+  EXPECT_TRUE(s.MessageRows[1].contains(QStringLiteral("10:01:00 - ")));
+  EXPECT_FALSE(s.Outputs[0].MonitoringEnabled);
+}
+
+TEST_F(DueEvents, AWeekOfWeekdayAndWeekendEvents) {
+  SetEvents({Event("07:00:00", kWeekdays, true), Event("09:00:00", kWeekend, false)});
+  StartAt(0, "00:00:00");
+  QStringList ran;
+  for (int day = 0; day <= 7; ++day) {
+    for (const char* time : {"07:00:00", "09:00:00"}) {
+      const qsizetype before = s.MessageRows.size();
+      TickAt(At(day, time).addSecs(-2));
+      Ticks(8 + 360);
+      if (s.MessageRows.size() > before) {
+        ran << QStringLiteral("%1 %2").arg(day).arg(QString::fromLatin1(time));
+      }
+    }
+  }
+  EXPECT_EQ(ran.join(','), QStringLiteral("0 07:00:00,1 07:00:00,2 07:00:00,3 07:00:00,"
+                                          "4 07:00:00,5 09:00:00,6 09:00:00,7 07:00:00"));
+}
+
+TEST_F(DueEvents, ShowModeLeavesEverythingAlone) {
+  ScheduledEvent e = Event("10:00:00", kEveryDay, true);
+  e.DisplayOption = 2;
+  e.Label = QStringLiteral("Late Show   ");
+  e.Connect = true;
+  e.Source = 5;
+  SetEvents({e});
+  s.ProgramMode = 1;
+  StartAt(2, "09:59:59");
+  Ticks(10);
+  const OutputEntry& o = s.Outputs[0];
+  EXPECT_EQ(o.NextEvent, 0);
+  EXPECT_EQ(o.HoldOffTicks, 0);
+  EXPECT_FALSE(o.MonitoringEnabled);
+  EXPECT_EQ(o.CustomLabel, QStringLiteral("None"));
+  EXPECT_TRUE(link.wire.isEmpty());
+  EXPECT_TRUE(s.MessageRows.isEmpty());
+  EXPECT_FALSE(s.OutputsDirty);
+}
+
+TEST_F(DueEvents, ReportLineNamesTheLabelAndTheNewSource) {
+  ScheduledEvent e = Event("10:00:00", kEveryDay, true);
+  e.DisplayOption = 2;
+  e.Label = QStringLiteral("Late Show   ");
+  e.Connect = true;
+  e.Source = 5;
+  SetEvents({e});
+  StartAt(2, "09:59:59");
+  link.wire.clear();
+  Ticks(2);
+  const QString line =
+      QStringLiteral("Late Show    [0012] Monitoring enabled. Source: Sat 1 [0005]");
+  EXPECT_EQ(Reports(), QStringList{line});
+  EXPECT_EQ(s.Outputs[0].CustomLabel, QStringLiteral("Late Show   "));
+  const QStringList log =
+      QString::fromUtf8(ReadAll(QStringLiteral("EventLog.txt"))).split(QStringLiteral("\r\n"));
+  EXPECT_TRUE(log.contains(ActivityStamp(At(2, "10:00:00")).leftJustified(55) + line));
+  // Input 5 to output 12, and the new source's silence counts as unknown for a while.
+  EXPECT_EQ(link.wire, Bytes({0xFE, 0x04, 0x00, 0x04, 0x00, 0x0B, 0x00, 0x13, 0xFF}));
+  EXPECT_TRUE(InSilenceGrace(s, 11));
+
+  // The other display options; names outside their tables read "Uknown".
+  OutputEntry o = s.Outputs[0];
+  o.DisplayOption = 1;
+  s.CrosspointMap[11].Sources[0] = 4;
+  EXPECT_EQ(EventReportLine(s, o), QStringLiteral("Sat 1 [0012] Monitoring enabled."));
+  s.CrosspointMap[11].Sources[0] = 999;
+  EXPECT_EQ(EventReportLine(s, o), QStringLiteral("Uknown [0012] Monitoring enabled."));
+  o.DisplayOption = 0;
+  o.Output = 300;
+  o.MonitoringEnabled = false;
+  EXPECT_EQ(EventReportLine(s, o), QStringLiteral("Uknown [0300] Monitoring disabled."));
+  o.DisplayOption = 7;
+  EXPECT_EQ(EventReportLine(s, o), QStringLiteral(" [0300] Monitoring disabled."));
+}
+
+TEST_F(DueEvents, RoutesNeedASourceAndALiveLink) {
+  s.Outputs[0].Output = 7;
+  s.InputNames[11] = QStringLiteral("Line 12");
+  ScheduledEvent route = Event("10:00:00", kEveryDay);
+  route.Connect = true;
+  route.Source = kNone;
+  ScheduledEvent zero = route;
+  zero.Time = QStringLiteral("10:10:00");
+  zero.Source = 0;
+  ScheduledEvent twelve = route;
+  twelve.Time = QStringLiteral("10:20:00");
+  twelve.Source = 12;
+  SetEvents({route, zero, twelve});
+  StartAt(2, "09:59:59");
+  link.wire.clear();
+  Ticks(2);
+  TickAt(At(2, "10:09:59"));
+  Ticks(2);
+  EXPECT_TRUE(link.wire.isEmpty());
+  EXPECT_EQ(Reports().size(), 2);
+  EXPECT_FALSE(Reports().join('\n').contains(QStringLiteral("Source")));
+
+  // Link down: the route waits for the next exchange.
+  OnClosed(s);
+  s.MessageRows.clear();
+  TickAt(At(2, "10:19:59"));
+  Ticks(2);
+  EXPECT_EQ(Reports().last(), QStringLiteral("Out 0007 [0007] Monitoring enabled. Source: Line 12 "
+                                             "[0012] (held until the switcher is connected)"));
+  EXPECT_EQ(s.Outputs[0].PendingRouteSource, 12);
+  SendPendingRoutes(s);
+  EXPECT_EQ(s.Outputs[0].PendingRouteSource, 12);
+  EXPECT_FALSE(InSilenceGrace(s, 6));
+
+  OnConnected(s);
+  s.MessageRows.clear();
+  SendPendingRoutes(s);
+  SendPendingRoutes(s);
+  EXPECT_EQ(link.wire, Bytes({0xFE, 0x04, 0x00, 0x0B, 0x00, 0x06, 0x00, 0x15, 0xFF}));
+  EXPECT_EQ(
+      Reports(),
+      QStringList{QStringLiteral("Out 0007 [0007] Monitoring enabled. Source: Line 12 [0012]")});
+  EXPECT_EQ(s.Outputs[0].PendingRouteSource, kNone);
+  EXPECT_TRUE(InSilenceGrace(s, 6));
+}
+
+TEST_F(DueEvents, ClockJumps) {
+  SetEvents({Event("10:00:00", kEveryDay, true), Event("10:30:00", kEveryDay, false)});
+  StartAt(2, "09:00:00");
+  auto jumpRecomputes = [&](int before, int now) {
+    s.Outputs[0].NextEvent = 1;
+    FollowClockJump(s, before, now);
+    return s.Outputs[0].NextEvent == 0;
+  };
+  const int nine = 2 * 1440 + 9 * 60;
+  EXPECT_TRUE(jumpRecomputes(nine - 3, nine));
+  EXPECT_FALSE(jumpRecomputes(nine - 2, nine));
+  EXPECT_TRUE(jumpRecomputes(nine + 1, nine));
+  EXPECT_FALSE(jumpRecomputes(10079, 0));
+
+  // Set back by an hour after both ran: neither runs again, and tomorrow both do.
+  TickAt(At(2, "09:59:59"));
+  Ticks(2);
+  TickAt(At(2, "10:29:59"));
+  Ticks(2);
+  ASSERT_EQ(Reports().size(), 2);
+  TickAt(At(2, "09:35:00"));
+  EXPECT_EQ(s.Outputs[0].NextEvent, 0);
+  TickAt(At(2, "09:59:59"));
+  Ticks(8);
+  TickAt(At(2, "10:29:59"));
+  Ticks(8);
+  EXPECT_EQ(Reports().size(), 2);
+  EXPECT_FALSE(s.Outputs[0].MonitoringEnabled);
+  TickAt(At(3, "09:59:59"));
+  Ticks(2);
+  EXPECT_EQ(Reports().size(), 3);
+}
+
+TEST_F(DueEvents, OneBadEntryDoesNotStopTheOthers) {
+  s.Outputs.resize(3);
+  s.OutputCount = 3;
+  s.PanelsLoaded = 3;
+  for (int o = 0; o < 3; ++o) {
+    s.Outputs[static_cast<size_t>(o)].Output = static_cast<qint16>(o + 1);
+    SetEvents({Event("10:00:00", kEveryDay)}, o);
+  }
+  StartAt(2, "09:59:59");
+  s.Outputs[0].NextEvent = 4;
+  s.Outputs[1].Events[0].Time = QStringLiteral("ten");
+  Ticks(2);
+  EXPECT_EQ(Reports(), (QStringList{QStringLiteral("Out 0001 [0001] Monitoring enabled."),
+                                    QStringLiteral("Out 0003 [0003] Monitoring enabled.")}))
+      << "the first is looked up afresh in time";
+  EXPECT_EQ(s.Outputs[1].NextEvent, kNone) << "its only event cannot be read";
+  EXPECT_FALSE(ErrorLines().isEmpty());
+  for (const QString& line : ErrorLines()) {
+    EXPECT_TRUE(line.contains(QStringLiteral("Error determining next event"))) << qPrintable(line);
+  }
+}
+
+}  // namespace
+}  // namespace zrn::test

@@ -1,0 +1,97 @@
+#pragma once
+
+#include <QDate>
+#include <QDateTime>
+#include <ostream>
+
+#include "core/state.h"
+#include "schedule/due_events.h"
+#include "schedule/event_scheduler.h"
+#include "support/fake_link.h"
+#include "support/temp_state.h"
+#include "switcher/link.h"
+
+// Readable failure messages for texts and lists of texts.
+inline void PrintTo(const QString& text, std::ostream* os) {
+  *os << '"' << text.toStdString() << '"';
+}
+
+namespace zrn::test {
+
+inline constexpr qint16 kTuesday = 2, kWednesday = 4, kFriday = 16;
+inline constexpr qint16 kWeekdays = 0x1F, kWeekend = 0x60, kEveryDay = 0x7F;
+
+inline ScheduledEvent Event(const char* time, qint16 days, bool active = true) {
+  ScheduledEvent e;
+  e.Time = QString::fromLatin1(time);
+  e.Days = days;
+  e.Active = active;
+  return e;
+}
+
+// One watched output (switcher output 12, "Studio A") on a live fake link; the clock is driven
+// the way the poll timer drives it, one 500 ms tick at a time.
+class ScheduleTest : public TempStateTest {
+ protected:
+  void SetUp() override {
+    TempStateTest::SetUp();
+    s.link = &link;
+    OnConnected(s);
+    s.MessageRows.clear();
+    s.OutputNames[11] = QStringLiteral("Studio A");
+    s.InputNames[4] = QStringLiteral("Sat 1");
+    s.Outputs[0].Output = 12;
+  }
+
+  void SetEvents(std::vector<ScheduledEvent> events, int output = 0) {
+    OutputEntry& o = s.Outputs[static_cast<size_t>(output)];
+    o.EventCount = static_cast<qint16>(events.size());
+    o.Events = std::move(events);
+  }
+
+  // Day 0 is Monday 16 November 2026; 7 is the Monday after.
+  static QDateTime At(int day, const char* time) {
+    return QDateTime(QDate(2026, 11, 16).addDays(day), QTime::fromString(time, "HH:mm:ss"));
+  }
+  int MinuteOfWeek() const {
+    return s.Today * 1440 + s.CurrentTime.hour() * 60 + s.CurrentTime.minute();
+  }
+  void ReadClock() {
+    const QDateTime now = clock.Now();
+    s.CurrentTime = QTime(now.time().hour(), now.time().minute(), now.time().second());
+    s.Today = static_cast<qint16>(now.date().dayOfWeek() - 1);
+  }
+  // Start-up at a time: the clock is read and every next event computed.
+  void StartAt(int day, const char* time) {
+    clock.Set(At(day, time));
+    ReadClock();
+    GetNextEvent(s, kNone);
+  }
+  // One poll tick at the given moment: clock, clock jump, scheduled events.
+  void TickAt(const QDateTime& when) {
+    const int before = MinuteOfWeek();
+    clock.Set(when);
+    ReadClock();
+    if (MinuteOfWeek() != before) {
+      FollowClockJump(s, before, MinuteOfWeek());
+    }
+    RunDueEvents(s, MinuteOfWeek());
+  }
+  void Ticks(int n) {
+    for (int k = 0; k < n; ++k) {
+      TickAt(clock.Now().addMSecs(500));
+    }
+  }
+  // The message list without its stamps.
+  QStringList Reports() const {
+    QStringList out;
+    for (const QString& row : s.MessageRows) {
+      out << row.section(QStringLiteral(" - "), 2);
+    }
+    return out;
+  }
+
+  FakeLink link;
+};
+
+}  // namespace zrn::test
