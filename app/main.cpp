@@ -2,9 +2,11 @@
 
 #include "monitor/main_window.h"
 #include "monitor/monitor.h"
+#include "ui/broadcast_style.h"
 
 int main(int argc, char** argv) {
   QApplication app(argc, argv);
+  zrn::ApplyBroadcastStyle(app);
   // Every data and log file lives beside the executable.
   zrn::Monitor monitor(QCoreApplication::applicationDirPath() + QLatin1Char('/'));
   zrn::MainWindow window(monitor);

@@ -41,8 +41,6 @@ MainWindow::MainWindow(Monitor& monitor, QWidget* parent) : QMainWindow(parent),
   QFont mono(QStringLiteral("Monospace"));
   mono.setStyleHint(QFont::TypeWriter);
   history_->setFont(mono);
-  history_->setStyleSheet(QStringLiteral(
-      "QListWidget { background: #14171a; color: #dfe4e8; border: 1px solid #4b555e; }"));
 
   status_ = new QLabel;
   statusBar()->addWidget(status_, 1);
