@@ -1,0 +1,103 @@
+#include <QFile>
+
+#include "monitor/startup.h"
+#include "storage/events_file.h"
+#include "support/fake_link.h"
+#include "support/temp_state.h"
+
+namespace zrn {
+namespace {
+
+using test::FakeLink;
+using test::TempStateTest;
+
+class Startup : public TempStateTest {
+ protected:
+  void SetUp() override {
+    TempStateTest::SetUp();
+    s.link = &link;
+    clock.Set(QDateTime(QDate(2026, 11, 18), QTime(12, 0, 0)));  // a Wednesday
+  }
+  void WriteConfig(const QString& view, const QString& mode) {
+    WriteAll(QStringLiteral("zrnconfig.ini"),
+             QStringLiteral("[CONFIGURATION]\r\nDefault View=%1\r\nProgram Mode=%2\r\n"
+                            "Output Count=2\r\n[OUTPUT1]\r\nOutput=5\r\nDisplay Options=0\r\n"
+                            "Custom Label=None\r\nEvent Count=1\r\n[OUTPUT2]\r\nOutput=6\r\n"
+                            "Display Options=0\r\nCustom Label=None\r\nEvent Count=0\r\n")
+                 .arg(view, mode)
+                 .toLatin1());
+  }
+  FakeLink link;
+};
+
+TEST_F(Startup, FirstStartWithoutAnyFile) {
+  Form_Load(s, dir.path());
+  EXPECT_EQ(s.AppPath, dir.path() + QLatin1Char('/'));
+  ASSERT_EQ(s.OutputCount, 1);
+  EXPECT_EQ(s.Outputs[0].Output, 1);
+  EXPECT_TRUE(s.Outputs[0].MonitoringEnabled);
+  EXPECT_EQ(s.panels.outputs[0].toolTip, QStringLiteral("Out 0001    [0001]"));
+  EXPECT_FALSE(s.LargeViewActive);
+  EXPECT_EQ(link.opens, 1);
+  EXPECT_EQ(link.lastAddress, QStringLiteral("127.0.0.1"));
+  EXPECT_EQ(link.lastPort, 1250);
+  EXPECT_EQ(s.CurrentTime, QTime(12, 0, 0));
+  EXPECT_EQ(s.Today, 2);
+  // The shows file is created with the one new show, which never runs.
+  EXPECT_EQ(ReadAll(QStringLiteral("ZRNShows.dat")).mid(4, 9), QByteArray("\x08New Show"));
+  EXPECT_TRUE(ErrorLines().isEmpty());
+}
+
+TEST_F(Startup, TheViewIsTheOneTheConfigurationNames) {
+  const struct {
+    const char* view;
+    const char* mode;
+    bool large;
+    bool shows;
+  } cases[] = {{"Normal", "Output", false, false},
+               {"Large", "Output", true, false},
+               {"Large", "Show", false, true},
+               {"Normal", "Show", false, true}};
+  for (const auto& c : cases) {
+    State fresh;
+    fresh.clock = &clock;
+    fresh.link = &link;
+    WriteConfig(QLatin1String(c.view), QLatin1String(c.mode));
+    Form_Load(fresh, dir.path());
+    EXPECT_EQ(fresh.LargeViewActive, c.large) << c.view << " " << c.mode;
+    EXPECT_EQ(fresh.panels.window.messageListVisible, !c.large && !c.shows) << c.view << c.mode;
+    EXPECT_EQ(fresh.panels.outputs[0].normal.visible, !c.large && !c.shows) << c.view;
+    EXPECT_EQ(fresh.panels.outputs[1].large.visible, c.large) << c.view;
+    EXPECT_EQ(fresh.DefaultViewLarge, QLatin1String(c.view) == QLatin1String("Large") ? 1 : 0)
+        << "show mode leaves the stored view alone";
+  }
+}
+
+TEST_F(Startup, RestartInsideAnOffPeriodStaysOff) {
+  WriteConfig(QStringLiteral("Normal"), QStringLiteral("Output"));
+  // Monitoring of output 5 is switched off every day at 06:00 and on again at 20:00.
+  State writer;
+  writer.AppPath = s.AppPath;
+  writer.clock = &clock;
+  writer.Outputs.resize(2);
+  writer.PanelsLoaded = 2;
+  auto& events = writer.Outputs[0].Events;
+  events.resize(2);
+  events[0].Time = QStringLiteral("06:00:00");
+  events[0].Days = 127;
+  events[0].Active = false;
+  events[1].Time = QStringLiteral("20:00:00");
+  events[1].Days = 127;
+  events[1].Active = true;
+  writer.Outputs[0].EventCount = 2;
+  ASSERT_TRUE(SaveEvents(writer));
+
+  Form_Load(s, dir.path());
+  EXPECT_FALSE(s.Outputs[0].MonitoringEnabled);
+  EXPECT_TRUE(s.Outputs[1].MonitoringEnabled);
+  EXPECT_EQ(s.Outputs[0].NextEvent, 1) << "20:00 is next";
+  EXPECT_EQ(s.panels.outputs[0].lamp, kLampGrey);
+}
+
+}  // namespace
+}  // namespace zrn
