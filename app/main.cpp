@@ -3,6 +3,7 @@
 #include "monitor/main_window.h"
 #include "monitor/monitor.h"
 #include "ui/broadcast_style.h"
+#include "ui/message_box_prompt.h"
 
 int main(int argc, char** argv) {
   QApplication app(argc, argv);
@@ -10,6 +11,8 @@ int main(int argc, char** argv) {
   // Every data and log file lives beside the executable.
   zrn::Monitor monitor(QCoreApplication::applicationDirPath() + QLatin1Char('/'));
   zrn::MainWindow window(monitor);
+  zrn::MessageBoxPrompt prompt(&window);
+  monitor.state().prompt = &prompt;
   monitor.Start();
   window.show();
   return app.exec();

@@ -154,12 +154,26 @@ struct LinkState {
   std::array<MessageHandler, 256> handlers;
 };
 
+// One entry of an advanced information request.
+struct InfoRequest {
+  qint16 Code = 0;
+  qint16 Param1 = kNone;
+  qint16 Param2 = kNone;
+};
+
 // Start-up requests still unanswered, one bit per request code.
 struct RequestState {
   qint32 Req1 = 0;
   qint32 Req2 = 0;
   qint32 Req3 = 0;
   qint32 Req4 = 0;
+  // Filled by BuildRequestList.
+  std::vector<InfoRequest> RequestList;
+  // The present connection's type request still waits for all its answers.
+  bool exchangeOpen = false;
+  // Repeats sent since that type request; the still unanswered requests are named once.
+  int repeats = 0;
+  bool unansweredReported = false;
 };
 
 // The loss alarm's memory between passes.
@@ -218,6 +232,8 @@ struct State {
   std::vector<qint16> ActiveShows;
   qint16 ActiveShowCount = 0;
   qint16 ShowPanelsLoaded = 0;
+  // Most silence-detect outputs the shows on air at one time have needed since start-up.
+  qint16 RequiredSilenceOutputs = 0;
 
   // Name tables, indexed by channel number - 1.
   QStringList OutputNames;
@@ -234,6 +250,20 @@ struct State {
   qint16 SwitcherOutputCount = 256;
   qint16 SwitcherOptoCount = 0;
   qint16 SwitcherRelayCount = 0;
+
+  // Sorted copies of the output and opto names (the tables stay in switcher order): the names
+  // ascending, the number each sorted entry carries, and per output entry its sorted position.
+  QStringList SortedOutputNames;
+  std::vector<qint16> SortedOutputIndex;
+  std::vector<qint16> OutputSortRank;
+  QStringList SortedOptoNames;
+  std::vector<qint16> SortedOptoIndex;
+  // The numbers the switcher gave its output and opto entries, kept for sorting again after a
+  // table that updates only some entries.
+  std::vector<qint16> OutputNumbers;
+  std::vector<qint16> OptoNumbers;
+  // The output count changed while a name table was applied.
+  bool OutputTableResized = false;
 
   // Window and dialog globals.
   qint16 SelectedOutput = 0;

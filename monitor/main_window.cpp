@@ -10,18 +10,22 @@
 #include <QScrollBar>
 #include <QStatusBar>
 
+#include "monitor/menu_commands.h"
 #include "monitor/monitor.h"
 #include "monitor/panel_canvas_widget.h"
+#include "monitor/setup_commands.h"
+#include "storage/shows_file.h"
+#include "ui/about_dialog.h"
+#include "ui/schedule_dialog.h"
+#include "ui/setup_dialog.h"
+#include "ui/silence_detect_dialog.h"
 
 namespace zrn {
 
 MainWindow::MainWindow(Monitor& monitor, QWidget* parent) : QMainWindow(parent), monitor_(monitor) {
   setWindowTitle(QStringLiteral("ZRN Pennaro"));
 
-  QMenu* file = menuBar()->addMenu(QStringLiteral("File"));
-  file->addAction(QStringLiteral("Toggle View"), this, [this] { monitor_.ToggleView(); });
-  file->addSeparator();
-  file->addAction(QStringLiteral("Exit"), this, &QWidget::close);
+  BuildMenus();
 
   canvas_ = new PanelCanvasWidget;
   scroll_ = new QScrollArea;
@@ -48,9 +52,71 @@ MainWindow::MainWindow(Monitor& monitor, QWidget* parent) : QMainWindow(parent),
   connect(canvas_, &PanelCanvasWidget::outputPanelClicked, this,
           [this](int index) { monitor_.PanelClicked(index); });
   connect(canvas_, &PanelCanvasWidget::outputPanelMenuRequested, this,
-          [this](int index, const QPoint&) { monitor_.PanelMenuRequested(index); });
+          [this](int index, const QPoint& at) { ShowPanelMenu(index, at); });
   connect(&monitor_, &Monitor::changed, this, &MainWindow::Refresh);
   Refresh();
+}
+
+void MainWindow::BuildMenus() {
+  QMenu* file = menuBar()->addMenu(QStringLiteral("&File"));
+  file->addAction(QStringLiteral("Set&up"), this, [this] {
+    monitor_.Run("Error in Setup", [this] {
+      State& s = monitor_.state();
+      s.DialogAccepted = false;
+      SetupDialog dialog(s, DefaultSetupEditors(), this);
+      dialog.exec();
+      if (s.DialogAccepted) {
+        SetupAccepted(s);
+      }
+    });
+  });
+  showSetupAction_ = file->addAction(QStringLiteral("Sho&w Setup"));
+  file->addAction(QStringLiteral("&Print Show List to Text File"), this, [this] {
+    monitor_.Run("Error Saving Shows to text file", [this] { PrintShows(monitor_.state()); });
+  });
+  file->addAction(QStringLiteral("Toggle &View"), this, [this] { monitor_.ToggleView(); });
+  file->addSeparator();
+  file->addAction(QStringLiteral("E&xit"), this, &QWidget::close);
+
+  QMenu* help = menuBar()->addMenu(QStringLiteral("&Help"));
+  help->addAction(QStringLiteral("A&bout"), this, [this] {
+    AboutDialog dialog(monitor_.state(), this);
+    dialog.exec();
+  });
+
+  panelMenu_ = new QMenu(QStringLiteral("Configure"), this);
+  enableAction_ = panelMenu_->addAction(QStringLiteral("Disable"), this, [this] {
+    monitor_.Run("Error Changing Monitoring", [this] { mnuEnable_Click(monitor_.state()); });
+  });
+  panelMenu_->addAction(QStringLiteral("Configure Schedule"), this, [this] {
+    monitor_.Run("Error Configuring Schedule", [this] {
+      State& s = monitor_.state();
+      if (SelectedChannel(s) == kNone) {
+        return;
+      }
+      s.DialogAccepted = false;
+      ScheduleDialog dialog(s, this);
+      dialog.exec();
+      ScheduleAccepted(s);
+    });
+  });
+  panelMenu_->addAction(QStringLiteral("Configure Silence Detect"), this, [this] {
+    monitor_.Run("Error Configuring Silence Detect", [this] {
+      State& s = monitor_.state();
+      const int channel = SelectedChannel(s);
+      if (channel == kNone) {
+        return;
+      }
+      SilenceDetectDialog dialog(s, channel - 1, this);
+      dialog.exec();
+    });
+  });
+}
+
+void MainWindow::ShowPanelMenu(int index, const QPoint& globalPos) {
+  monitor_.PanelMenuRequested(index);
+  enableAction_->setText(EnableMenuCaption(monitor_.state()));
+  panelMenu_->popup(globalPos);
 }
 
 void MainWindow::Refresh() {

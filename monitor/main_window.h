@@ -2,7 +2,9 @@
 
 #include <QMainWindow>
 
+class QAction;
 class QLabel;
+class QMenu;
 class QListWidget;
 class QPushButton;
 class QScrollArea;
@@ -31,6 +33,8 @@ class MainWindow final : public QMainWindow {
  private:
   void Refresh();
   void SyncHistory();
+  void BuildMenus();
+  void ShowPanelMenu(int index, const QPoint& globalPos);
 
   Monitor& monitor_;
   QScrollArea* scroll_ = nullptr;
@@ -38,6 +42,9 @@ class MainWindow final : public QMainWindow {
   QListWidget* history_ = nullptr;
   QPushButton* cancel_ = nullptr;
   QLabel* status_ = nullptr;
+  QMenu* panelMenu_ = nullptr;
+  QAction* enableAction_ = nullptr;
+  QAction* showSetupAction_ = nullptr;
   QSize lastWindowSize_;
 };
 

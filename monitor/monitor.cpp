@@ -45,6 +45,10 @@ void Monitor::Poll() {
   Handle("Error in Poll Timer", [&] { PollTick(s_); });
 }
 
+void Monitor::Run(const char* where, const std::function<void()>& command) {
+  Handle(where, command);
+}
+
 void Monitor::ToggleView() {
   Handle("Error Toggling View", [&] { mnuToggle_Click(s_); });
 }

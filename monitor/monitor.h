@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QTimer>
+#include <functional>
 #include <memory>
 
 #include "core/state.h"
@@ -35,6 +36,9 @@ class Monitor final : public QObject {
   void PanelMenuRequested(int index);
   // One pass of the poll timer (the timer calls it; tests may too).
   void Poll();
+  // Runs a window command (a dialog and what follows it) under the same guard as every
+  // handler, then tells the window.
+  void Run(const char* where, const std::function<void()>& command);
 
  signals:
   void changed();

@@ -5,6 +5,7 @@
 #include "schedule/due_events.h"
 #include "storage/logs.h"
 #include "switcher/link.h"
+#include "switcher/startup_exchange.h"
 
 namespace zrn {
 
@@ -57,6 +58,12 @@ void PollTick(State& s) {
   }
 
   LossAlarmTick(s);
+
+  // Until the switcher has answered every start-up request, nothing builds on its state.
+  if (RepeatOutstandingRequests(s)) {
+    return;
+  }
+  // The shows are evaluated here once the exchange is complete.
 }
 
 }  // namespace zrn

@@ -16,7 +16,8 @@ int MinuteOfWeek(const QTime& time, int day);
 void RefreshClock(State& s);
 
 // One pass of the poll timer: clock and clock jumps, due scheduled events, reconnect, the
-// keep-alive poll with its watchdog, and the loss alarm's tick.
+// keep-alive poll with its watchdog, the loss alarm's tick, and the repeat of start-up requests
+// the switcher has not answered (every 61 ticks).
 void PollTick(State& s);
 
 }  // namespace zrn

@@ -147,6 +147,9 @@ void OnConnected(State& s) {
   ClearReceiveBuffer(s);
   s.linkState.NoResponseCount = 0;
   s.linkState.ExchangeComplete = false;
+  s.requests.exchangeOpen = false;
+  s.requests.repeats = 0;
+  s.requests.unansweredReported = false;
   const bool wasConnected = s.Connected;
   s.Connected = true;
   s.StatusBarText = kConnectedText;

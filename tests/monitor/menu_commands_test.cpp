@@ -1,0 +1,118 @@
+#include "monitor/menu_commands.h"
+
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTest>
+
+#include "support/scripted_prompt.h"
+#include "support/temp_state.h"
+#include "ui/schedule_dialog.h"
+
+namespace zrn {
+namespace {
+
+QByteArray Bytes(std::initializer_list<int> values) {
+  QByteArray out;
+  for (int v : values) {
+    out.append(static_cast<char>(v));
+  }
+  return out;
+}
+
+class MenuCommands : public test::TempStateTest {
+ protected:
+  void SetUp() override {
+    TempStateTest::SetUp();
+    s.prompt = &prompt;
+    s.OutputNames[5] = QStringLiteral("Studio");
+    s.Outputs[0].Output = 6;
+    s.SelectedOutput = 0;
+    s.Today = 2;
+    s.CurrentTime = QTime(12, 0, 0);
+  }
+  // The Configure Schedule command: the editor, then the saves when it was confirmed.
+  void ConfigureSchedule(const std::function<void(ScheduleDialog&)>& operatorDoes) {
+    s.DialogAccepted = false;
+    ScheduleDialog dialog(s);
+    dialog.show();
+    operatorDoes(dialog);
+    ScheduleAccepted(s);
+  }
+  test::ScriptedPrompt prompt;
+};
+
+TEST_F(MenuCommands, EnableTogglesMonitoringWithAUserLine) {
+  s.Outputs[0].MonitoringEnabled = false;
+  EXPECT_EQ(EnableMenuCaption(s), QStringLiteral("Enable"));
+  mnuEnable_Click(s);
+  EXPECT_TRUE(s.Outputs[0].MonitoringEnabled);
+  ASSERT_FALSE(s.MessageRows.isEmpty());
+  EXPECT_TRUE(
+      s.MessageRows.last().endsWith(QStringLiteral(" - Studio [0006] Monitoring enabled - User")));
+  EXPECT_EQ(EnableMenuCaption(s), QStringLiteral("Disable"));
+  mnuEnable_Click(s);
+  EXPECT_FALSE(s.Outputs[0].MonitoringEnabled);
+  EXPECT_TRUE(
+      s.MessageRows.last().endsWith(QStringLiteral(" - Studio [0006] Monitoring disabled - User")));
+  EXPECT_TRUE(QString::fromLatin1(ReadAll(QStringLiteral("EventLog.txt")))
+                  .contains(QStringLiteral("Studio [0006] Monitoring disabled - User")));
+
+  // No channel, or no such panel: nothing happens.
+  const qsizetype rows = s.MessageRows.size();
+  s.Outputs[0].Output = kNone;
+  mnuEnable_Click(s);
+  s.SelectedOutput = 3;
+  mnuEnable_Click(s);
+  EXPECT_EQ(s.MessageRows.size(), rows);
+  EXPECT_FALSE(s.Outputs[0].MonitoringEnabled);
+  EXPECT_EQ(SelectedChannel(s), kNone);
+}
+
+TEST_F(MenuCommands, ConfigureScheduleSavesOnlyWhatWasConfirmed) {
+  ConfigureSchedule([](ScheduleDialog& dialog) {
+    QTest::mouseClick(dialog.AutoButton(0), Qt::LeftButton);
+    dialog.reject();  // closed with the change pending, answered No
+  });
+  EXPECT_FALSE(QFile::exists(PathOf(QStringLiteral("ZRNEvents.dat"))));
+  EXPECT_EQ(s.Outputs[0].NextEvent, kNone);
+
+  ConfigureSchedule([](ScheduleDialog& dialog) {
+    QTest::mouseClick(dialog.AutoButton(0), Qt::LeftButton);
+    dialog.findChild<QLineEdit*>(QStringLiteral("txtAutoTime"))
+        ->setText(QStringLiteral("06:30:00"));
+    dialog.findChild<QPushButton*>(QStringLiteral("cmdAuto7"))->click();
+    for (int d = 5; d < 7; ++d) {
+      dialog.findChild<QWidget*>(QStringLiteral("chkAutoDay%1").arg(d))
+          ->setProperty("checked", false);
+    }
+    dialog.findChild<QWidget*>(QStringLiteral("optAutoActive1"))->setProperty("checked", true);
+    QTest::mouseClick(dialog.AutoButton(4), Qt::LeftButton);
+    dialog.reject();
+  });
+  EXPECT_FALSE(s.DialogAccepted);
+  EXPECT_EQ(ReadAll(QStringLiteral("ZRNEvents.dat")),
+            Bytes({0x01, 0x00, 0x01, 0x00, 0x00, '0', '6', ':', '3', '0', ':', '0', '0', 0x1F, 0xFF,
+                   0x00, 0x00, 0xFF, 0x3F}) +
+                QByteArray(12, ' '));
+  EXPECT_EQ(s.Outputs[0].NextEvent, 0);
+
+  // A later look that changes nothing writes nothing.
+  QFile::remove(PathOf(QStringLiteral("ZRNEvents.dat")));
+  ConfigureSchedule([](ScheduleDialog& dialog) { dialog.reject(); });
+  EXPECT_FALSE(QFile::exists(PathOf(QStringLiteral("ZRNEvents.dat"))));
+}
+
+TEST_F(MenuCommands, AboutBoxLines) {
+  s.ServerAddress = QStringLiteral("10.0.0.7");
+  s.ServerPort = 1251;
+  s.requests.Req1 = 0;
+  s.requests.Req2 = 130;
+  s.requests.Req3 = 1;
+  s.requests.Req4 = 192;
+  EXPECT_EQ(AboutLines(s),
+            (QStringList{"ZRN Pennaro", "Version: 02.00.0011 - 05/16/2025",
+                         "Server:10.0.0.7 Port:1251", "Req1:0, Req2:130, Req3:1, Req4:192"}));
+}
+
+}  // namespace
+}  // namespace zrn

@@ -1,0 +1,199 @@
+#include "monitor/poll_tick.h"
+
+#include "schedule/event_scheduler.h"
+#include "support/fake_link.h"
+#include "support/switcher_bytes.h"
+#include "support/temp_state.h"
+#include "switcher/link.h"
+#include "switcher/startup_exchange.h"
+
+namespace zrn {
+namespace {
+
+using test::Bytes;
+using test::FakeLink;
+using test::TempStateTest;
+
+constexpr qint16 kEveryDay = 0x7F;
+
+ScheduledEvent Event(const char* time, qint16 days, bool active = true) {
+  ScheduledEvent e;
+  e.Time = QString::fromLatin1(time);
+  e.Days = days;
+  e.Active = active;
+  return e;
+}
+
+// The poll timer on a fake clock and a connected fake link; watched output 7.
+class PollTimer : public TempStateTest {
+ protected:
+  void SetUp() override {
+    TempStateTest::SetUp();
+    s.link = &link;
+    OnConnected(s);
+    s.MessageRows.clear();
+    s.Outputs[0].Output = 7;
+  }
+  // Day 0 is Monday 16 November 2026.
+  static QDateTime At(int day, const char* time) {
+    return QDateTime(QDate(2026, 11, 16).addDays(day), QTime::fromString(time, "HH:mm:ss"));
+  }
+  void SetEvents(std::vector<ScheduledEvent> events) {
+    s.Outputs[0].EventCount = static_cast<qint16>(events.size());
+    s.Outputs[0].Events = std::move(events);
+  }
+  void TickAt(const QDateTime& when) {
+    clock.Set(when);
+    PollTick(s);
+  }
+  void Tick() { TickAt(clock.Now().addMSecs(500)); }
+  QStringList Reports() const {
+    QStringList out;
+    for (const QString& row : s.MessageRows) {
+      out << row.section(QStringLiteral(" - "), 2);
+    }
+    return out;
+  }
+
+  FakeLink link;
+};
+
+TEST_F(PollTimer, ClockJumpsRecomputeTheNextEvents) {
+  SetEvents({Event("10:00:00", kEveryDay), Event("10:30:00", kEveryDay)});
+  const struct {
+    QDateTime from;
+    QDateTime to;
+    bool recomputes;
+  } jumps[] = {
+      {At(2, "09:00:00"), At(2, "09:10:00"), true},   // ten minutes forward
+      {At(2, "09:00:00"), At(2, "09:04:00"), true},   // three minutes or more forward
+      {At(2, "09:00:00"), At(2, "09:02:00"), false},  // ordinary progress
+      {At(2, "09:00:00"), At(2, "08:59:00"), true},   // one minute back on a Wednesday
+      {At(6, "23:59:30"), At(7, "00:00:00"), false},  // Sunday night into Monday
+  };
+  for (const auto& jump : jumps) {
+    TickAt(jump.from);
+    s.Outputs[0].NextEvent = 1;  // stale on purpose: a recomputation makes it 0
+    TickAt(jump.to);
+    EXPECT_EQ(s.Outputs[0].NextEvent, jump.recomputes ? 0 : 1)
+        << jump.from.toString().toStdString() << " -> " << jump.to.toString().toStdString();
+  }
+}
+
+TEST_F(PollTimer, EventsRunOnTimeOrUpToThreeMinutesLate) {
+  const struct {
+    qint16 days;
+    const char* before;
+    const char* after;
+    bool runs;
+  } cases[] = {
+      {kEveryDay, "09:59:59", "10:00:00", true},
+      {kEveryDay, "09:59:59", "10:00:02", true},   // a tick late
+      {kEveryDay, "09:59:59", "10:03:00", false},  // three minutes late: next occurrence
+      {0x7B, "09:59:59", "10:00:00", false},       // not on Wednesdays
+  };
+  for (const auto& c : cases) {
+    SetEvents({Event("10:00:00", c.days)});
+    s.Outputs[0].MonitoringEnabled = false;
+    s.Outputs[0].LastRun.clear();
+    TickAt(At(2, c.before));
+    GetNextEvent(s, kNone);
+    TickAt(At(2, c.after));
+    EXPECT_EQ(s.Outputs[0].MonitoringEnabled, c.runs) << c.after << " days " << c.days;
+    s.Outputs[0].HoldOffTicks = 0;
+  }
+}
+
+TEST_F(PollTimer, ASilentSwitcherIsDroppedAfter201UnansweredPolls) {
+  int ticks = 0;
+  while (s.Connected && ticks < 1000) {
+    Tick();
+    ++ticks;
+  }
+  EXPECT_EQ(link.wire, QByteArray(201, static_cast<char>(0xF5)));
+  EXPECT_EQ(ticks, 338) << "three polls in every five ticks, dropped at the next poll";
+  for (int k = 0; k < 20; ++k) {
+    Tick();
+  }
+  EXPECT_EQ(link.opens, 20) << "a new attempt on every tick";
+  const QStringList errors = ErrorLines();
+  ASSERT_EQ(errors.size(), 1);
+  EXPECT_TRUE(errors[0].endsWith(QStringLiteral("Disconnecting - No Response from Server")));
+}
+
+TEST_F(PollTimer, UnansweredRequestsAreRepeatedEvery61TicksAndNamedAfterFive) {
+  OnDataAvailable(s, test::kTypeRequest);
+  const QByteArray requests = test::kStartupMessages.mid(5);  // the info and advanced requests
+  std::vector<int> repeatedAt;
+  auto run = [&](int from, int to) {
+    for (int tick = from; tick <= to; ++tick) {
+      link.wire.clear();
+      Tick();
+      OnDataAvailable(s, Bytes({0xF4}));  // the switcher answers polls, not requests
+      if (link.wire.contains(static_cast<char>(0xF2))) {
+        repeatedAt.push_back(tick);
+      }
+    }
+  };
+  run(1, 62);
+  EXPECT_EQ(repeatedAt, (std::vector<int>{1, 62}));
+  EXPECT_TRUE(link.wire.endsWith(requests));
+
+  // Only what is still outstanding is asked again.
+  OnDataAvailable(s, test::StartupAnswers()[0]);
+  run(63, 123);
+  EXPECT_TRUE(link.wire.endsWith(Bytes({0xF2, 0x00, 0x06, 0x04, 0x18, 0x00, 0x00, 0x00, 0x00, 0x00,
+                                        0x00, 0x00, 0x00, 0x00, 0x00, 0x22, 0xFF}) +
+                                 requests.mid(17)));
+  EXPECT_TRUE(Reports().isEmpty());
+
+  run(124, 400);
+  EXPECT_EQ(repeatedAt, (std::vector<int>{1, 62, 123, 184, 245, 306, 367}));
+  const QString unanswered = QStringLiteral(
+      "No answer from switcher: Input Names, Output Names, Relay States, Opto Names, Relay Names, "
+      "Silence Detect Configuration, Silence Detect Status");
+  EXPECT_EQ(Reports(), QStringList{unanswered}) << "named once, after the fifth repeat";
+  EXPECT_EQ(s.StatusBarText, unanswered);
+  EXPECT_FALSE(s.linkState.ExchangeComplete);
+
+  for (const QByteArray& answer : test::StartupAnswers().mid(1)) {
+    OnDataAvailable(s, answer);
+  }
+  EXPECT_TRUE(s.linkState.ExchangeComplete);
+  EXPECT_EQ(s.StatusBarText, QStringLiteral("Server Module Connected"));
+  run(401, 500);
+  EXPECT_EQ(repeatedAt.size(), 7u) << "nothing is repeated once all is answered";
+}
+
+TEST_F(PollTimer, ACompletedExchangeSendsTheRouteHeldBackWhileTheLinkWasDown) {
+  ScheduledEvent route = Event("10:00:00", kEveryDay);
+  route.Connect = true;
+  route.Source = 12;
+  SetEvents({route});
+  OnClosed(s);
+  TickAt(At(2, "09:59:59"));
+  GetNextEvent(s, kNone);
+  TickAt(At(2, "10:00:00"));
+  EXPECT_EQ(s.Outputs[0].PendingRouteSource, 12);
+  EXPECT_TRUE(link.wire.isEmpty());
+
+  OnConnected(s);
+  OnDataAvailable(s, test::kTypeRequest);
+  EXPECT_EQ(link.wire, test::kStartupMessages) << "nothing is sent before the exchange completes";
+  for (const QByteArray& answer : test::StartupAnswers()) {
+    OnDataAvailable(s, answer);
+  }
+  const QByteArray routed = Bytes({0xFE, 0x04, 0x00, 0x0B, 0x00, 0x06, 0x00, 0x15, 0xFF});
+  EXPECT_EQ(link.wire, test::kStartupMessages + test::kRelayStatesRequest + routed);
+  EXPECT_EQ(s.Outputs[0].PendingRouteSource, kNone);
+  // The switcher reported no inputs, and output 7 as "Studio 7".
+  EXPECT_EQ(Reports().last().toStdString(),
+            "Studio 7 [0007] Monitoring enabled. Source: Uknown [0012]");
+
+  link.wire.clear();
+  TickAt(At(2, "10:00:01"));
+  EXPECT_FALSE(link.wire.contains(static_cast<char>(0xFE))) << "sent once";
+}
+
+}  // namespace
+}  // namespace zrn

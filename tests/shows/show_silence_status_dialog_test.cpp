@@ -1,0 +1,207 @@
+#include <QCheckBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+
+#include "show_fixture.h"
+#include "shows/show_status.h"
+#include "support/scripted_prompt.h"
+#include "ui/show_silence_status_dialog.h"
+
+namespace zrn {
+namespace {
+
+using test::Bytes;
+
+// "Morning" on air: downlink input 5 watched on output 10; studio A (inputs 20/21) watched on
+// output 11; studio B (30/31) without a monitor, none being left; a studio row with no left
+// channel. Its outputs: 40/41 and 50/51, no cue.
+class ShowStatusWindow : public test::ShowsTest {
+ protected:
+  void SetUp() override {
+    ShowsTest::SetUp();
+    s.prompt = &prompt;
+    SetSilenceOuts({10, 11});
+    const int show = AddShow(QStringLiteral("Morning"), 5, {20, 30, kNone});
+    ShowRecord& rec = s.Shows[show];
+    rec.StudioRight = {ShowChannel{21}, ShowChannel{31}, ShowChannel{22}};
+    rec.OutputCount = 2;
+    rec.OutputLeft = {40, 50};
+    rec.OutputRight = {41, 51};
+    rec.OutputCue = {kNone, kNone};
+    s.InputNames[20] = QStringLiteral("Studio A");
+    s.InputNames[30] = QStringLiteral("Studio B");
+    s.InputNames[31] = QStringLiteral("Studio B R");
+    ShowsPass(s);
+    Report(10, 0);
+    Report(11, 0);
+    Wire();
+  }
+  void Open() {
+    dialog = std::make_unique<ShowSilenceStatusDialog>(s, 0);
+    dialog->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(dialog.get()));
+  }
+  QCheckBox* Box(int k) const {
+    return dialog->findChild<QCheckBox*>(QStringLiteral("chkSource%1").arg(k));
+  }
+  void Click(const char* name) {
+    QTest::mouseClick(dialog->findChild<QPushButton*>(QLatin1String(name)), Qt::LeftButton);
+  }
+  static Rgb TextColour(const QWidget* widget) {
+    const QColor c = widget->palette().color(QPalette::WindowText);
+    return {c.red(), c.green(), c.blue()};
+  }
+  QStringList TakeLines() const { return Activity().filter(QStringLiteral("Show Source Change")); }
+
+  test::ScriptedPrompt prompt;
+  std::unique_ptr<ShowSilenceStatusDialog> dialog;
+};
+
+TEST_F(ShowStatusWindow, TakeSendsTheChosenSourceInOutputOrder) {
+  Open();
+  EXPECT_TRUE(s.ShowStatusOpen);
+  EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Show Silence Status"));
+  QTest::mouseClick(Box(1), Qt::LeftButton, {}, QPoint(8, Box(1)->height() / 2));
+  ASSERT_TRUE(Box(1)->isChecked());
+  Click("cmdTake");
+  EXPECT_EQ(Wire(), Bytes({0xFE, 0x04, 0x00, 0x1E, 0x00, 0x28, 0x00, 0x4A, 0xFF,     // 31 to 41
+                           0xFE, 0x04, 0x00, 0x1F, 0x00, 0x29, 0x00, 0x4C, 0xFF,     // 32 to 42
+                           0xFE, 0x04, 0x00, 0x1E, 0x00, 0x32, 0x00, 0x54, 0xFF,     // 31 to 51
+                           0xFE, 0x04, 0x00, 0x1F, 0x00, 0x33, 0x00, 0x56, 0xFF}));  // 32 to 52
+  EXPECT_EQ(
+      TakeLines(),
+      (QStringList{
+          QStringLiteral("Show Source Change - Morning: Studio B [0031] to Out 0041 [0041]"),
+          QStringLiteral("Show Source Change - Morning: Studio B R [0032] to Out 0042 [0042]"),
+          QStringLiteral("Show Source Change - Morning: Studio B [0031] to Out 0051 [0051]"),
+          QStringLiteral("Show Source Change - Morning: Studio B R [0032] to Out 0052 [0052]"),
+      }));
+  EXPECT_TRUE(dialog->isVisible()) << "the window stays open";
+  EXPECT_EQ(s.Shows[0].DownlinkSource, 5);
+  EXPECT_TRUE(prompt.informed.isEmpty());
+}
+
+TEST_F(ShowStatusWindow, UndefinedChannelsAreNeverSent) {
+  ShowRecord& rec = s.Shows[0];
+  rec.StudioRight[0].Channel = kNone;
+  rec.OutputLeft[1] = kNone;
+  // Left 20 to output 40 only: studio right 21 is undefined (never input 16384), and output
+  // 50's left is undefined.
+  EXPECT_EQ(TakeCommands(s, 0, 0), (std::vector<TakeCommand>{{41, 21}}));
+  rec.OutputCue = {60, kNone};
+  rec.StudioCue[0].Channel = 23;
+  EXPECT_EQ(TakeCommands(s, 0, 0), (std::vector<TakeCommand>{{41, 21}, {61, 24}}));
+  EXPECT_TRUE(TakeCommands(s, 0, 2).empty());
+  EXPECT_FALSE(CanTakeStudioSource(s, 0, 2));
+  EXPECT_FALSE(CanTakeStudioSource(s, 0, 3));
+  EXPECT_FALSE(CanTakeStudioSource(s, 4, 0));
+
+  Open();
+  EXPECT_FALSE(Box(2)->isEnabled());
+  EXPECT_EQ(Box(2)->text(), QStringLiteral("Not specified"));
+  QTest::mouseClick(Box(2), Qt::LeftButton, {}, QPoint(8, Box(2)->height() / 2));
+  EXPECT_FALSE(Box(2)->isChecked());
+  Click("cmdTake");
+  EXPECT_EQ(prompt.informed, QStringList{QStringLiteral("No Studio Source Selected")});
+  EXPECT_EQ(prompt.titles, QStringList{QStringLiteral("Selection Error")});
+  EXPECT_TRUE(Wire().isEmpty());
+  QTest::mouseClick(Box(0), Qt::LeftButton, {}, QPoint(8, Box(0)->height() / 2));
+  Click("cmdTake");
+  EXPECT_EQ(Wire(), Bytes({0xFE, 0x04, 0x00, 0x14, 0x00, 0x28, 0x00, 0x40, 0xFF,     // 21 to 41
+                           0xFE, 0x04, 0x00, 0x17, 0x00, 0x3C, 0x00, 0x57, 0xFF}));  // 24 to 61
+  EXPECT_EQ(TakeLines().size(), 2);
+
+  // On a dead link nothing is sent and nothing is logged as done.
+  CloseSwitcherLink(s);
+  EXPECT_EQ(TakeStudioSource(s, 0, 0), 0);
+  EXPECT_EQ(TakeLines().size(), 2);
+  ASSERT_FALSE(ErrorLines().isEmpty());
+  EXPECT_TRUE(ErrorLines().last().contains(QStringLiteral("Error sending show source change")));
+}
+
+TEST_F(ShowStatusWindow, OneBoxAtATimeEachPitchedBelowTheLast) {
+  Open();
+  ASSERT_NE(Box(2), nullptr);
+  EXPECT_EQ(Box(3), nullptr);
+  EXPECT_EQ(Box(0)->text(), QStringLiteral("Studio A"));
+  EXPECT_EQ(Box(1)->y() - Box(0)->y(), 21) << "320 twips";
+  EXPECT_EQ(Box(2)->y() - Box(0)->y(), 43) << "640 twips";
+  QTest::mouseClick(Box(0), Qt::LeftButton, {}, QPoint(8, Box(0)->height() / 2));
+  QTest::mouseClick(Box(1), Qt::LeftButton, {}, QPoint(8, Box(1)->height() / 2));
+  EXPECT_FALSE(Box(0)->isChecked());
+  EXPECT_TRUE(Box(1)->isChecked());
+  QTest::mouseClick(Box(0), Qt::LeftButton, {}, QPoint(8, Box(0)->height() / 2));
+  EXPECT_TRUE(Box(0)->isChecked());
+  EXPECT_FALSE(Box(1)->isChecked());
+}
+
+TEST_F(ShowStatusWindow, ColoursFollowTheMonitors) {
+  Open();
+  const QLabel* title = dialog->findChild<QLabel*>(QStringLiteral("lblShow"));
+  ASSERT_NE(title, nullptr);
+  EXPECT_EQ(title->text(), QStringLiteral("Morning"));
+  struct Case {
+    quint8 downlink, studioA;
+    Rgb title, boxA;
+  } cases[] = {{0, 0, kLampGreen, kLampGreen},
+               {1, 0, kLampRed, kLampGreen},
+               {0, 1, kLampGreen, kLampRed},
+               {2, 3, kLampGrey, kLampGrey}};
+  for (const Case& c : cases) {
+    Report(10, c.downlink);
+    Report(11, c.studioA);
+    dialog->Refresh();
+    EXPECT_EQ(TextColour(title), c.title) << int(c.downlink);
+    EXPECT_EQ(TextColour(Box(0)), c.boxA) << int(c.studioA);
+    EXPECT_EQ(TextColour(Box(1)), kLampGrey) << "no monitor";
+  }
+  EXPECT_EQ(s.Shows[0].StudioLeft[0].Status, 3);
+
+  // Re-routed monitors are grey until their detectors report again.
+  ResendShowMonitors(s);
+  Report(10, 1);
+  dialog->Refresh();
+  EXPECT_EQ(TextColour(title), kLampRed);
+  EXPECT_EQ(TextColour(Box(0)), kLampGrey);
+}
+
+TEST_F(ShowStatusWindow, TheWindowClosesWithItsShowOrItsButton) {
+  Open();
+  Click("CmdClose");
+  EXPECT_FALSE(dialog->isVisible());
+  EXPECT_FALSE(s.ShowStatusOpen);
+
+  ShowSilenceStatusDialog modal(s, 0);
+  bool openDuring = false;
+  QTimer::singleShot(0, &modal, [&] {
+    openDuring = s.ShowStatusOpen;
+    At(QTime(14, 0, 1));
+    ShowsPass(s);
+    modal.Refresh();
+  });
+  EXPECT_EQ(modal.exec(), QDialog::Rejected);
+  EXPECT_TRUE(openDuring);
+  EXPECT_FALSE(s.ShowStatusOpen);
+  EXPECT_EQ(s.ActiveShowCount, 0);
+
+  // Opened for a show that is no longer on air, it closes at once.
+  ShowSilenceStatusDialog late(s, 0);
+  EXPECT_EQ(late.exec(), QDialog::Rejected);
+  EXPECT_FALSE(s.ShowStatusOpen);
+}
+
+TEST_F(ShowStatusWindow, APanelClickSelectsTheShowStandingThere) {
+  AddShow(QStringLiteral("Evening"), 6);
+  ShowsPass(s);
+  ASSERT_EQ(s.ActiveShows, (std::vector<qint16>{0, 1}));
+  EXPECT_TRUE(SelectShowPanel(s, 1));
+  EXPECT_EQ(s.SelectedShow, 1);
+  EXPECT_FALSE(SelectShowPanel(s, 2));
+  EXPECT_FALSE(SelectShowPanel(s, -1));
+  EXPECT_EQ(s.SelectedShow, 1);
+}
+
+}  // namespace
+}  // namespace zrn

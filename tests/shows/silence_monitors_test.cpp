@@ -1,0 +1,167 @@
+#include "shows/silence_monitors.h"
+#include "show_fixture.h"
+#include "shows/show_activity.h"
+
+namespace zrn {
+namespace {
+
+using test::Bytes;
+using test::kConfig10;
+using test::kLatch3;
+using test::kPark10;
+using test::kRoute5To10;
+
+class SilenceMonitors : public test::ShowsTest {};
+
+TEST_F(SilenceMonitors, AShowBorrowsTheFirstFreeOutputsAndGivesThemBack) {
+  AddShow(QStringLiteral("Morning"), 5, {7});
+  GetActiveShows(s);
+  EXPECT_EQ(Wire(), kRoute5To10 + kConfig10 +
+                        Bytes({0xFE, 0x04, 0x00, 0x07, 0x00, 0x0B, 0x00, 0x16, 0xFF}) +
+                        Bytes({0xCB, 0x00, 0x01, 0x00, 0x0B, 0x00, 0x09, 0x02, 0x7F, 0x7F, 0x38,
+                               0x06, 0x08, 0x00, 0x05, 0x00, 0x00, 0x08, 0x00, 0x00, 0x68, 0xFF}));
+  EXPECT_EQ(s.Shows[0].DownlinkMonitor, 10);
+  EXPECT_EQ(s.Shows[0].StudioLeft[0].Monitor, 11);
+  EXPECT_EQ(s.SilenceOuts[0].Source, 5);
+  EXPECT_EQ(s.SilenceOuts[0].Role, 1);
+  EXPECT_EQ(s.SilenceOuts[1].Source, 7);
+  EXPECT_EQ(s.SilenceOuts[1].Role, 2);
+  EXPECT_EQ(s.SilenceOuts[1].Show, 0);
+  EXPECT_EQ(s.SilenceOuts[2].Show, kNone);
+
+  At(QTime(14, 0, 1));
+  GetActiveShows(s);
+  EXPECT_EQ(Wire(), kPark10 + Bytes({0xFE, 0x00, 0x00, 0x7F, 0x7F, 0x0B, 0x00, 0x09, 0xFF}));
+  EXPECT_EQ(s.Shows[0].DownlinkMonitor, kNone);
+  EXPECT_EQ(s.Shows[0].StudioLeft[0].Monitor, kNone);
+  for (const SilenceOut& entry : s.SilenceOuts) {
+    EXPECT_EQ(entry.Source, kNone);
+    EXPECT_EQ(entry.Show, kNone);
+    EXPECT_EQ(entry.Role, 0);
+  }
+}
+
+TEST_F(SilenceMonitors, ShowsSharingADownlinkKeepItWatchedUntilTheLastEnds) {
+  AddShow(QStringLiteral("Short"), 5, {}, QStringLiteral("12:00:00"), QStringLiteral("12:30:00"));
+  AddShow(QStringLiteral("Long"), 5, {}, QStringLiteral("12:00:00"), QStringLiteral("13:00:00"));
+  GetActiveShows(s);
+  // The second show joins the monitor the first set up; its detector is not restarted.
+  EXPECT_EQ(Wire(), kRoute5To10 + kConfig10);
+  EXPECT_EQ(s.Shows[1].DownlinkMonitor, 10);
+  EXPECT_EQ(FindSilenceDetectMonitorOutput(s, 5), 0);
+  EXPECT_EQ(FindSilenceDetectMonitorOutput(s, 6), 1);
+
+  At(QTime(12, 30, 1));
+  GetActiveShows(s);
+  EXPECT_TRUE(Wire().isEmpty()) << "an output another show watches is not parked";
+  EXPECT_EQ(s.SilenceOuts[0].Show, 1);
+  Report(10, 1);
+  ShowsPass(s);
+  EXPECT_EQ(Indicator(0), kLampRed);
+  EXPECT_EQ(Wire(), kLatch3);
+
+  At(QTime(13, 0, 1));
+  GetActiveShows(s);
+  EXPECT_EQ(Wire(), kPark10);
+  EXPECT_EQ(s.SilenceOuts[0].Show, kNone);
+}
+
+TEST_F(SilenceMonitors, MissingAndUndefinedMonitorsAreSkipped) {
+  SetSilenceOuts({10, 11});
+  EXPECT_EQ(FindSilenceDetectMonitorOutput(s, kNone), kNone);
+  AddShow(QStringLiteral("Morning"), 5, {kNone, 7, 8});
+  GetActiveShows(s);
+  // The undefined studio source borrows nothing; the third finds no output left.
+  EXPECT_EQ(s.Shows[0].StudioLeft[0].Monitor, kNone);
+  EXPECT_EQ(s.Shows[0].StudioLeft[1].Monitor, 11);
+  EXPECT_EQ(s.SilenceOuts[1].Role, 3);
+  EXPECT_EQ(s.Shows[0].StudioLeft[2].Monitor, kNone);
+  ASSERT_EQ(ErrorLines().size(), 1);
+  EXPECT_TRUE(ErrorLines()[0].endsWith(
+      QStringLiteral("Unable to locate output to monitor studio source for show: Morning")));
+
+  AddShow(QStringLiteral("Evening"), 6, {5});
+  GetActiveShows(s);
+  EXPECT_EQ(s.Shows[1].DownlinkMonitor, kNone);
+  EXPECT_EQ(s.Shows[1].StudioLeft[0].Monitor, kNone) << "no studio source after a downlink failed";
+  ASSERT_EQ(ErrorLines().size(), 2);
+  EXPECT_TRUE(ErrorLines()[1].endsWith(
+      QStringLiteral("Unable to locate output to monitor downlink source for show: Evening")));
+  Wire();
+
+  // Without a monitor the indicator is grey and the show stays out of the alarm.
+  s.Shows[1].DownlinkStatus = 1;
+  s.Shows[1].Alarm = 1;
+  ShowsPass(s);
+  EXPECT_EQ(Indicator(1), kLampGrey);
+  EXPECT_TRUE(Wire().isEmpty());
+  // Its release parks nothing, least of all the output the other show holds.
+  FreeSilenceOuts(s, 1);
+  EXPECT_TRUE(Wire().isEmpty());
+  EXPECT_EQ(s.SilenceOuts[0].Show, 0);
+}
+
+TEST_F(SilenceMonitors, IndicatorsFollowTheWholeStatusByteOutsideIgnoreWindows) {
+  const int show = AddShow(QStringLiteral("Morning"), 5);
+  s.Shows[show].IgnoreCount = 1;
+  s.Shows[show].IgnoreWindows = {{QStringLiteral("12:00:00"), QStringLiteral("12:30:00")}};
+  ShowsPass(s);
+  Wire();
+  struct Case {
+    QTime at;
+    quint8 status;
+    Rgb indicator;
+    bool alarms;
+  } cases[] = {{QTime(12, 15, 0), 1, kLampGrey, false}, {QTime(12, 0, 0), 1, kLampRed, true},
+               {QTime(12, 30, 0), 1, kLampRed, true},   {QTime(12, 40, 0), 0, kLampGreen, false},
+               {QTime(12, 40, 0), 2, kLampGrey, false}, {QTime(12, 40, 0), 3, kLampGrey, false}};
+  for (const Case& c : cases) {
+    Report(10, c.status);
+    At(c.at);
+    ShowsPass(s);
+    EXPECT_EQ(Indicator(0), c.indicator) << qPrintable(c.at.toString()) << " " << int(c.status);
+    EXPECT_EQ(AlarmRelayWanted(s), c.alarms) << qPrintable(c.at.toString()) << " " << int(c.status);
+  }
+  // A window that cannot be read is reported and does not apply.
+  Report(10, 1);
+  s.Shows[show].IgnoreWindows[0].EndTime = QStringLiteral("twelve");
+  At(QTime(12, 15, 0));
+  ShowsPass(s);
+  EXPECT_EQ(Indicator(0), kLampRed);
+  ASSERT_FALSE(ErrorLines().isEmpty());
+  EXPECT_TRUE(ErrorLines().last().contains(
+      QStringLiteral("Error updating show display (silence) Show:Morning")));
+  // Not connected: the indicator keeps its colour.
+  Report(10, 0);
+  CloseSwitcherLink(s);
+  UpdateShowSilenceDisplay(s, show);
+  EXPECT_EQ(Indicator(0), kLampRed);
+}
+
+TEST_F(SilenceMonitors, TheOldSourcesSilenceRaisesNoAlarmAtTheStart) {
+  // The borrowed output was parked, so its detector still reports silence.
+  s.SilenceStatus[10].Status = 1;
+  AddShow(QStringLiteral("Morning"), 5);
+  Tick();
+  EXPECT_EQ(Wire(), kRoute5To10 + kConfig10);
+  for (int second = 0; second < 13; ++second) {
+    EXPECT_EQ(Indicator(0), kLampGrey) << second;
+    clock.AdvanceSeconds(1);
+    RefreshClock(s);
+    Tick();
+  }
+  EXPECT_EQ(Indicator(0), kLampRed) << "silence outlasting the detect and return times is real";
+  EXPECT_EQ(Wire(), kLatch3);
+
+  // The detector reports on the new source: that ends the wait at once.
+  ReportRelay(1);
+  AddShow(QStringLiteral("Second"), 6);
+  s.SilenceStatus[11].Status = 1;
+  Tick();
+  Report(11, 0);
+  Tick();
+  EXPECT_EQ(Indicator(1), kLampGreen);
+}
+
+}  // namespace
+}  // namespace zrn

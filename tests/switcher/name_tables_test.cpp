@@ -1,0 +1,152 @@
+#include "switcher/name_tables.h"
+#include "monitor/panel_update.h"
+#include "support/fake_link.h"
+#include "support/switcher_bytes.h"
+#include "support/temp_state.h"
+#include "switcher/link.h"
+#include "switcher/startup_exchange.h"
+
+namespace zrn {
+namespace {
+
+using test::Bytes;
+using test::FakeLink;
+using test::TempStateTest;
+
+// Two outputs, w = 8: entry 0 "OUT 2", entry 1 "OUT 1", numbered 0 and 1.
+const QByteArray kTwoOutputs =
+    Bytes({0xFC, 0x14, 0x08, 0x02, 0x00, 0x00, 0x00, 'O', 'U', 'T', ' ',  '2',  ' ',  ' ', ' ',
+           0x00, 0x00, 'O',  'U',  'T',  ' ',  '1',  ' ', ' ', ' ', 0x01, 0x00, 0x72, 0xFF});
+
+class NameTables : public TempStateTest {
+ protected:
+  void SetUp() override {
+    TempStateTest::SetUp();
+    s.link = &link;
+    OnConnected(s);
+    s.requests.Req1 = kStartupMask1;
+  }
+  void Receive(const QByteArray& bytes) { OnDataAvailable(s, bytes); }
+  // Error-log lines without their date column.
+  QStringList Errors() const {
+    QStringList out;
+    for (const QString& line : ErrorLines()) {
+      out << line.mid(24).simplified();
+    }
+    return out;
+  }
+
+  FakeLink link;
+};
+
+TEST_F(NameTables, OutputTableReplacesTheNamesAndResizesTheSwitcherTables) {
+  ASSERT_EQ(kTwoOutputs.size(), 29);
+  s.SilenceStatus[1].Mode = 0x109;
+  s.CrosspointMap[0].Sources[0] = 4;
+  s.SilenceOuts = {SilenceOut{}, SilenceOut{}};
+  s.SilenceOuts[0].Output = 1;
+  s.SilenceOuts[1].Output = 200;  // beyond the new size
+  s.SilenceOutCount = 2;
+
+  // One byte off, or a wrong checksum: nothing changes and the names stay outstanding.
+  QByteArray longer = kTwoOutputs;
+  longer.insert(27, '\0');
+  QByteArray badSum = kTwoOutputs;
+  badSum[27] = 0x71;
+  for (const QByteArray& bad : {longer, badSum, kTwoOutputs.left(26) + Bytes({0x72, 0xFF})}) {
+    Receive(bad);
+    EXPECT_EQ(s.OutputNames.size(), 256);
+    EXPECT_TRUE(RequestOutstanding(s, kRequestOutputNames));
+  }
+
+  Receive(kTwoOutputs);
+  EXPECT_EQ(s.OutputNames, (QStringList{"OUT 2   ", "OUT 1   "}));
+  EXPECT_EQ(s.SortedOutputNames, (QStringList{"OUT 1   ", "OUT 2   "}));
+  EXPECT_EQ(s.SortedOutputIndex, (std::vector<qint16>{1, 0}));
+  EXPECT_EQ(s.OutputSortRank, (std::vector<qint16>{1, 0}));
+  EXPECT_EQ(s.SwitcherOutputCount, 2);
+  EXPECT_FALSE(RequestOutstanding(s, kRequestOutputNames));
+  EXPECT_EQ(s.SilenceStatus.size(), 2u);
+  EXPECT_EQ(s.CrosspointMap.size(), 2u);
+  EXPECT_EQ(s.SilenceStatus[1].Mode, 0x109) << "the first entries are kept";
+  EXPECT_EQ(s.CrosspointMap[0].Sources[0], 4);
+  EXPECT_EQ(s.SilenceOutIndex, (std::vector<qint16>{kNone, 0})) << "rebuilt for the new size";
+  EXPECT_EQ(s.panels.outputs[0].nameLine, QStringLiteral("OUT 2   ")) << "panels refreshed";
+
+  // A table of no entries is a table too.
+  Receive(Bytes({0xFC, 0x0A, 0x04, 0x00, 0x00, 0x00, 0x00, 0x0E, 0xFF}));
+  EXPECT_TRUE(s.InputNames.isEmpty());
+  EXPECT_EQ(s.SwitcherInputCount, 0);
+  EXPECT_FALSE(RequestOutstanding(s, kRequestInputNames));
+}
+
+TEST_F(NameTables, TablesStartingFurtherOnUpdateTheirEntriesInPlace) {
+  Receive(test::StartupAnswers()[2]);  // output entry 6 only
+  EXPECT_EQ(s.OutputNames.size(), 256);
+  EXPECT_EQ(s.SwitcherOutputCount, 256);
+  EXPECT_EQ(s.OutputNames[5], QStringLiteral("Out 0006"));
+  EXPECT_EQ(s.OutputNames[6], QStringLiteral("Studio 7"));
+  EXPECT_EQ(s.SortedOutputNames.last(), QStringLiteral("Studio 7"));
+  EXPECT_EQ(s.SortedOutputIndex.back(), 6);
+  EXPECT_EQ(s.OutputSortRank[6], 255);
+  EXPECT_EQ(s.OutputSortRank[7], 6);
+
+  // Entries beyond the table are not added.
+  Receive(Bytes({0xFC, 0x14, 0x01, 0x01, 0x00, 0x2C, 0x02, 'X', 0x2C, 0x02, 0x4A, 0xFF}));
+  EXPECT_EQ(s.OutputNames.size(), 256);
+  EXPECT_EQ(Errors(),
+            QStringList{"Error Processing Alpha Table Error # 9 - Subscript out of range"});
+
+  // Input names refresh the panels naming their routed source.
+  s.Outputs[0].Output = 12;
+  s.Outputs[0].DisplayOption = 1;
+  s.CrosspointMap[11].SourceCount = 1;
+  s.CrosspointMap[11].Sources[0] = 4;
+  UpdateOutputs(s);
+  Receive(Bytes(
+      {0xFC, 0x0A, 0x05, 0x01, 0x00, 0x04, 0x00, 'M', 'i', 'c', ' ', '5', 0x04, 0x00, 0x06, 0xFF}));
+  EXPECT_EQ(s.InputNames.size(), 256);
+  EXPECT_EQ(s.panels.outputs[0].nameLine, QStringLiteral("Mic 5"));
+
+  // Opto names stay in the switcher's order, each with its own number; the sorted copy is apart.
+  Receive(Bytes(
+      {0xFC, 0x1E, 0x01, 0x02, 0x00, 0x00, 0x00, 'B', 0x00, 0x00, 'A', 0x01, 0x00, 0x25, 0xFF}));
+  EXPECT_EQ(s.OptoNames, (QStringList{"B", "A"}));
+  EXPECT_EQ(s.SortedOptoNames, (QStringList{"A", "B"}));
+  EXPECT_EQ(s.SortedOptoIndex, (std::vector<qint16>{1, 0}));
+  EXPECT_EQ(s.SwitcherOptoCount, 2);
+  EXPECT_FALSE(RequestOutstanding(s, kRequestOptoNames));
+}
+
+TEST_F(NameTables, RelayNamesAskForTheRelayStatesAgain) {
+  s.AlarmRelay = 3;
+  s.requests.Req1 = (1 << kRequestRelayNames) | (1 << kRequestInputNames);
+  link.wire.clear();
+  Receive(Bytes(
+      {0xFC, 0x28, 0x01, 0x02, 0x00, 0x00, 0x00, 'K', 0x00, 0x00, 'L', 0x01, 0x00, 0x43, 0xFF}));
+  EXPECT_EQ(s.RelayNames, (QStringList{"K", "L"}));
+  EXPECT_EQ(s.SwitcherRelayCount, 2);
+  EXPECT_EQ(s.RelayStates.size(), 2u);
+  EXPECT_EQ(link.wire, test::kRelayStatesRequest);
+  EXPECT_EQ(s.requests.Req1, (1 << kRequestRelayStates) | (1 << kRequestInputNames));
+  EXPECT_EQ(Errors(), QStringList{"Error Checking Alarm Relay Alarm Relay 0003 beyond the "
+                                  "switcher's 2 relays"});
+}
+
+TEST_F(NameTables, HostileCountsAndNumbersAreBounded) {
+  // 16383 names of 127 characters announced in nine bytes: dropped before any allocation.
+  Receive(Bytes({0xFC, 0x14, 0x7F, 0x7F, 0x7F, 0x00, 0x00, 0x11, 0xFF}));
+  Receive(Bytes({0xFC, 0x14, 0x14, 0xFF}));
+  EXPECT_EQ(s.OutputNames.size(), 256);
+  EXPECT_TRUE(RequestOutstanding(s, kRequestOutputNames));
+
+  // An entry numbered beyond its table ranks nothing.
+  Receive(Bytes({0xFC, 0x14, 0x01, 0x01, 0x00, 0x00, 0x00, 'Z', 0x05, 0x00, 0x75, 0xFF}));
+  EXPECT_EQ(s.OutputNames, QStringList{"Z"});
+  EXPECT_EQ(s.SortedOutputIndex, std::vector<qint16>{5});
+  EXPECT_EQ(s.OutputSortRank, std::vector<qint16>{kNone});
+  EXPECT_TRUE(ErrorLines().isEmpty());
+}
+
+}  // namespace
+}  // namespace zrn

@@ -1,0 +1,134 @@
+#include "switcher/startup_exchange.h"
+#include "support/fake_link.h"
+#include "support/switcher_bytes.h"
+#include "support/temp_state.h"
+#include "switcher/link.h"
+
+namespace zrn {
+namespace {
+
+using test::Bytes;
+using test::FakeLink;
+using test::TempStateTest;
+
+// A connected switcher link; messages arrive through the real decoder and dispatch.
+class Exchange : public TempStateTest {
+ protected:
+  void SetUp() override {
+    TempStateTest::SetUp();
+    s.link = &link;
+    OnConnected(s);
+  }
+  void Receive(const QByteArray& bytes) { OnDataAvailable(s, bytes); }
+  std::array<qint32, 4> Masks() const {
+    return {s.requests.Req1, s.requests.Req2, s.requests.Req3, s.requests.Req4};
+  }
+
+  FakeLink link;
+};
+
+TEST_F(Exchange, TypeRequestIsAnsweredWithTheThreeStartUpMessagesInOrder) {
+  const struct {
+    QByteArray message;
+    bool accepted;
+  } cases[] = {
+      {test::kTypeRequest, true},
+      {Bytes({0x81, 0x64, 0x05, 0x69, 0xFF}), true},         // with the optional byte
+      {Bytes({0x81, 0x64, 0x99, 0x05, 0xFF}), false},        // checksum
+      {Bytes({0x81, 0x65, 0x65, 0xFF}), false},              // not "d"
+      {Bytes({0x81, 0x64, 0x01, 0x02, 0x67, 0xFF}), false},  // six bytes
+      {Bytes({0x81, 0x64, 0xFF}), false},
+  };
+  for (const auto& c : cases) {
+    s.requests = RequestState();
+    link.wire.clear();
+    Receive(c.message);
+    if (c.accepted) {
+      EXPECT_EQ(link.wire, test::kStartupMessages) << c.message.toHex().constData();
+      EXPECT_EQ(Masks(), (std::array<qint32, 4>{kStartupMask1, 0, 0, kStartupMask4}));
+    } else {
+      EXPECT_TRUE(link.wire.isEmpty()) << c.message.toHex().constData();
+      EXPECT_EQ(Masks(), (std::array<qint32, 4>{0, 0, 0, 0}));
+    }
+  }
+}
+
+TEST_F(Exchange, RequestMessagesAndTheirMasks) {
+  ASSERT_EQ(BuildRequestList(s, 0, 0, 0, 192), 2);
+  for (int k : {0, 1}) {
+    const InfoRequest& entry = s.requests.RequestList[k];
+    EXPECT_EQ(entry.Code, 90 + k);
+    EXPECT_EQ(entry.Param1, kNone);
+    EXPECT_EQ(entry.Param2, kNone);
+  }
+  // Bit 0 of a mask never becomes a request; bit 1 of the third mask is code 57.
+  ASSERT_EQ(BuildRequestList(s, 3, 0, 2, 0), 2);
+  EXPECT_EQ(s.requests.RequestList[0].Code, 1);
+  EXPECT_EQ(s.requests.RequestList[1].Code, 57);
+
+  // An entry with parameters carries the flag 8192 and both parameters; its bit is added.
+  s.requests.Req1 = 0x200;
+  SendAdvancedInfoRequest(s, {InfoRequest{90, 5, 7}}, 1);
+  EXPECT_EQ(link.wire,
+            Bytes({0xCD, 0x7F, 0x00, 0x01, 0x00, 0x5A, 0x40, 0x05, 0x00, 0x07, 0x00, 0x26, 0xFF}));
+  EXPECT_EQ(Masks(), (std::array<qint32, 4>{0x200, 0, 0, 0x40}));
+
+  // An info request replaces the first three masks; only 14 bits of the third travel.
+  link.wire.clear();
+  SendInfoRequest(s, 0, 1 << 27, (1 << 14) | 5);
+  EXPECT_EQ(link.wire, Bytes({0xF2, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x40, 0x05, 0x00,
+                              0x00, 0x00, 0x00, 0x00, 0x45, 0xFF}));
+  EXPECT_EQ(Masks(), (std::array<qint32, 4>{0, 1 << 27, (1 << 14) | 5, 0x40}));
+}
+
+TEST_F(Exchange, PasswordClearsItsBitOrIsAskedForAlongsideWhatIsOutstanding) {
+  Receive(test::kTypeRequest);
+  s.requests.Req1 |= 2;
+  link.wire.clear();
+  Receive(Bytes({0x80, 0x00, 0x03, 'a', 'b', 'c', 0x29, 0xFF}));
+  EXPECT_EQ(Masks(), (std::array<qint32, 4>{kStartupMask1, 0, 0, kStartupMask4}));
+  EXPECT_TRUE(link.wire.isEmpty());
+
+  // Announces five characters and carries two: asked again, and nothing else is forgotten.
+  Receive(Bytes({0x80, 0x00, 0x05, 'a', 'b', 0x48, 0xFF}));
+  EXPECT_EQ(link.wire, Bytes({0xF2, 0x02, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,
+                              0x00, 0x00, 0x00, 0x00, 0x02, 0xFF}));
+  EXPECT_EQ(Masks(), (std::array<qint32, 4>{kStartupMask1 | 2, 0, 0, kStartupMask4}));
+  EXPECT_TRUE(ErrorLines().isEmpty());
+}
+
+TEST_F(Exchange, CompletesWhenThisConnectionsTypeRequestHasAllItsAnswers) {
+  const QList<QByteArray> answers = test::StartupAnswers();
+  auto answerAll = [&] {
+    for (qsizetype k = 0; k < answers.size(); ++k) {
+      EXPECT_FALSE(s.linkState.ExchangeComplete) << "before answer " << k;
+      Receive(answers[k]);
+    }
+  };
+  Receive(test::kTypeRequest);
+  link.wire.clear();
+  answerAll();
+  EXPECT_TRUE(s.linkState.ExchangeComplete);
+  EXPECT_EQ(Masks(), (std::array<qint32, 4>{0, 0, 0, 0}));
+  EXPECT_EQ(link.wire, test::kRelayStatesRequest) << "the relay names ask for the states again";
+  EXPECT_TRUE(ErrorLines().isEmpty());
+
+  // A new connection completes only after its own type request, whatever arrives before.
+  OnClosed(s);
+  OnConnected(s);
+  s.requests.Req1 = 1 << kRequestCrosspointMap;
+  Receive(answers[0]);
+  EXPECT_EQ(s.requests.Req1, 0);
+  EXPECT_FALSE(s.linkState.ExchangeComplete);
+
+  Receive(test::kTypeRequest);
+  answerAll();
+  EXPECT_TRUE(s.linkState.ExchangeComplete);
+
+  // The switcher opening the exchange again on the same connection starts it afresh.
+  Receive(test::kTypeRequest);
+  EXPECT_FALSE(s.linkState.ExchangeComplete);
+}
+
+}  // namespace
+}  // namespace zrn

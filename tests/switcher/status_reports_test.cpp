@@ -1,0 +1,204 @@
+#include "switcher/status_reports.h"
+
+#include "monitor/panel_update.h"
+#include "support/fake_link.h"
+#include "support/switcher_bytes.h"
+#include "support/temp_state.h"
+#include "switcher/link.h"
+#include "switcher/startup_exchange.h"
+
+namespace zrn {
+namespace {
+
+using test::Bytes;
+using test::FakeLink;
+using test::TempStateTest;
+
+constexpr qint16 kDetecting = 0x109;  // message only, device on, silence detection enabled
+
+class StatusReports : public TempStateTest {
+ protected:
+  void SetUp() override {
+    TempStateTest::SetUp();
+    s.link = &link;
+    OnConnected(s);
+    s.MessageRows.clear();
+  }
+  void Receive(const QByteArray& bytes) { OnDataAvailable(s, bytes); }
+  // The message list without its stamps.
+  QStringList Reports() const {
+    QStringList out;
+    for (const QString& row : s.MessageRows) {
+      out << row.section(QStringLiteral(" - "), 2);
+    }
+    return out;
+  }
+  QStringList Errors() const {
+    QStringList out;
+    for (const QString& line : ErrorLines()) {
+      out << line.mid(24).simplified();
+    }
+    return out;
+  }
+
+  FakeLink link;
+};
+
+TEST_F(StatusReports, ChangesOfSilenceStateAreReportedAndResetTheAcknowledgement) {
+  s.OutputNames[5] = QStringLiteral("Studio");
+  s.Outputs[0].Output = 6;
+  s.Outputs[0].MonitoringEnabled = true;
+  s.SilenceStatus[5].Mode = kDetecting;
+  UpdateOutputs(s);
+  const QByteArray silent = Bytes({0xCB, 0x0A, 0x01, 0x00, 0x05, 0x00, 0x01, 0x11, 0xFF});
+  const QByteArray peak = Bytes({0xCB, 0x0A, 0x01, 0x00, 0x05, 0x00, 0x41, 0x51, 0xFF});
+  const QByteArray peakOver = Bytes({0xCB, 0x0A, 0x01, 0x00, 0x05, 0x00, 0x40, 0x50, 0xFF});
+  const QByteArray audio = Bytes({0xCB, 0x0A, 0x01, 0x00, 0x05, 0x00, 0x00, 0x10, 0xFF});
+
+  Receive(silent);
+  EXPECT_EQ(s.SilenceStatus[5].Status, 1);
+  EXPECT_EQ(Reports(), QStringList{"Studio [0006] Silence Alarm Status ON!"});
+  EXPECT_EQ(s.panels.outputs[0].lamp, kLampRed);
+  s.MessageRows.clear();
+  Receive(silent);
+  EXPECT_TRUE(Reports().isEmpty()) << "no change, no line";
+
+  Receive(peak);
+  EXPECT_EQ(s.SilenceStatus[5].Status, 3);
+  EXPECT_TRUE(Reports().isEmpty());
+  EXPECT_EQ(s.panels.outputs[0].lamp, kLampCyan);
+
+  // With the detector not configured the lamp pass leaves the entry alone, so what changes is
+  // the report's own doing: a peak coming or going keeps the acknowledgement, silence ending
+  // clears it.
+  s.SilenceStatus[5].Mode = 0;
+  s.Outputs[0].AlarmState = 1;
+  s.Outputs[0].AlarmCanceled = true;
+  Receive(peakOver);
+  EXPECT_EQ(s.SilenceStatus[5].Status, 1);
+  EXPECT_EQ(s.Outputs[0].AlarmState, 1);
+  EXPECT_TRUE(s.Outputs[0].AlarmCanceled);
+  Receive(audio);
+  EXPECT_EQ(s.SilenceStatus[5].Status, 0);
+  EXPECT_EQ(s.Outputs[0].AlarmState, 0);
+  EXPECT_FALSE(s.Outputs[0].AlarmCanceled);
+  EXPECT_EQ(Reports(), (QStringList{"Studio [0006] Silence Alarm Status ON!",
+                                    "Studio [0006] Silence Alarm Status OFF!"}));
+
+  // The grace after our own route ends when the switcher speaks about silence, not peaks.
+  StartSilenceGrace(s, 5);
+  Receive(peak);
+  EXPECT_TRUE(InSilenceGrace(s, 5));
+  Receive(audio);
+  EXPECT_FALSE(InSilenceGrace(s, 5));
+  EXPECT_TRUE(ErrorLines().isEmpty());
+}
+
+TEST_F(StatusReports, DetectorStatusAndConfigurationWithinTheSwitchersOutputs) {
+  s.requests.Req4 = kStartupMask4;
+  // Outputs 250 to 259 on a 256-output switcher: only 250 to 255 exist.
+  Receive(Bytes({0xCB, 0x0B, 0x0A, 0x00, 0x7A, 0x01, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 0x1A, 0xFF}));
+  for (int output = 249; output < 256; ++output) {
+    EXPECT_EQ(s.SilenceStatus[output].Status, output >= 250 ? 1 : 0) << output;
+  }
+  EXPECT_EQ(s.SilenceStatus.size(), 256u);
+  EXPECT_EQ(s.requests.Req4, 0x40);
+
+  s.SilenceStatus[20].Status = 1;
+  Receive(Bytes({0xCB, 0x00, 0x01, 0x00, 0x14, 0x00, 0x09, 0x02, 0x7F, 0x7F, 0x38,
+                 0x06, 0x08, 0x00, 0x05, 0x00, 0x00, 0x08, 0x00, 0x00, 0x71, 0xFF}));
+  const SilenceStatusEntry& e = s.SilenceStatus[20];
+  EXPECT_EQ(e.Status, 1) << "kept";
+  EXPECT_EQ(e.Mode, 265);
+  EXPECT_EQ(e.Device, kNone);
+  EXPECT_EQ(e.SilenceThreshold, 824);
+  EXPECT_EQ(e.DetectTime, 8);
+  EXPECT_EQ(e.ReturnTime, 5);
+  EXPECT_EQ(e.PeakThreshold, 1024);
+  EXPECT_EQ(e.HoldTime, 0);
+  EXPECT_EQ(s.requests.Req4, 0);
+
+  const QByteArray bad[] = {
+      Bytes({0xCB, 0x0A, 0x01, 0x00, 0x05, 0x00, 0x01, 0x12, 0xFF}),  // checksum
+      Bytes({0xCB, 0x0A, 0x02, 0x00, 0x05, 0x00, 0x01, 0x12, 0xFF}),  // one item of two
+      Bytes({0xCB, 0x05, 0x00, 0x00, 0x00, 0x00, 0x05, 0xFF}),        // no such subtype
+      Bytes({0xCB, 0x0A, 0x0A, 0xFF}),                                // no count
+  };
+  for (const QByteArray& message : bad) {
+    clock.AdvanceSeconds(61);  // past the error log's hold-back of repeated lines
+    Receive(message);
+  }
+  EXPECT_EQ(
+      Errors(),
+      (QStringList{"Silence Detect Check Sum Error", "Silence Detect Message Length Error",
+                   "Silence Detect Message Length Error", "Silence Detect Message Length Error"}));
+  EXPECT_EQ(s.SilenceStatus[5].Status, 0);
+}
+
+TEST_F(StatusReports, CrosspointMapsWithMarkersAndLimits) {
+  s.requests.Req1 = 1 << kRequestCrosspointMap;
+  s.InputNames[11] = QStringLiteral("Line 12");
+  s.Outputs[0].Output = 7;
+  s.Outputs[0].DisplayOption = 1;
+  UpdateOutputs(s);
+
+  // Level 10 with markers: the marked entry goes apart, Sources(0) is the next unmarked one.
+  Receive(Bytes({0xF6, 0x4A, 0x01, 0x00, 0x06, 0x00, 0x02, 0x00, 0x06, 0x0A, 0x03, 0x00, 0x01,
+                 0x00, 0x02, 0x00, 0x00, 0x0B, 0x00, 0x05, 0x00, 0x06, 0x00, 0x7F, 0xFF}));
+  const CrosspointEntry& map = s.CrosspointMap[6];
+  EXPECT_EQ(map.SourceCount, 2);
+  EXPECT_EQ(map.OutputFlags, 6);
+  EXPECT_EQ(map.MarkedCount, 1);
+  EXPECT_EQ((std::array<int, 3>{map.MarkedSources[0], map.MarkedValues1[0], map.MarkedValues2[0]}),
+            (std::array<int, 3>{3, 1, 2}));
+  EXPECT_EQ((std::array<int, 3>{map.Sources[0], map.Values1[0], map.Values2[0]}),
+            (std::array<int, 3>{11, 5, 6}));
+  EXPECT_FALSE(RequestOutstanding(s, kRequestCrosspointMap));
+  EXPECT_EQ(s.panels.outputs[0].nameLine, QStringLiteral("Line 12"));
+
+  // 65 entries stop the report at that output; the one before it is stored.
+  s.requests.Req1 = 1 << kRequestCrosspointMap;
+  s.CrosspointMap[1].SourceCount = 3;
+  Receive(Bytes({0xF6, 0x01, 0x02, 0x00, 0x00, 0x00, 0x01, 0x00, 0x00, 0x04, 0x00, 0x00, 0x00, 0x41,
+                 0x00, 0x01, 0x4A, 0xFF}));
+  EXPECT_EQ(s.CrosspointMap[0].SourceCount, 1);
+  EXPECT_EQ(s.CrosspointMap[0].Sources[0], 4);
+  EXPECT_EQ(s.CrosspointMap[1].SourceCount, 3);
+  EXPECT_TRUE(RequestOutstanding(s, kRequestCrosspointMap));
+  EXPECT_TRUE(ErrorLines().isEmpty());
+
+  // A block cut short, and a first output the table does not hold, are errors of the report.
+  Receive(Bytes({0xF6, 0x01, 0x01, 0x00, 0x00, 0x00, 0x02, 0x00, 0x00, 0x04, 0x00, 0x08, 0xFF}));
+  Receive(Bytes({0xF6, 0x01, 0x01, 0x00, 0x00, 0x02, 0x00, 0x00, 0x00, 0x04, 0xFF}));
+  EXPECT_EQ(Errors(),
+            (QStringList{"Error Processing Crosspoint Map Error # 5 - Invalid procedure call or "
+                         "argument",
+                         "Error Processing Crosspoint Map Error # 9 - Subscript out of range"}));
+  EXPECT_TRUE(RequestOutstanding(s, kRequestCrosspointMap));
+}
+
+TEST_F(StatusReports, RelayStatesAreStoredWithinTheRelayTable) {
+  s.SwitcherRelayCount = 4;
+  s.RelayStates.assign(4, 0);
+  s.RelayStates[0] = 1;
+  s.AlarmRelay = 2;
+  s.requests.Req1 = 1 << kRequestRelayStates;
+  // Relay 0 reports 5 (stored as 0), relay 1 is on, relay 9 is beyond the table.
+  Receive(Bytes(
+      {0xF7, 0x28, 0x03, 0x00, 0x00, 0x00, 0x05, 0x01, 0x00, 0x01, 0x09, 0x00, 0x01, 0x3C, 0xFF}));
+  EXPECT_EQ(s.RelayStates, (std::vector<qint16>{0, 1, 0, 0}));
+  EXPECT_EQ(s.requests.Req1, 0);
+  EXPECT_EQ(s.panels.window.alarmLampColour, kLampRed);
+
+  s.requests.Req1 = 1 << kRequestRelayStates;
+  Receive(Bytes({0xF7, 0x29, 0x01, 0x00, 0x01, 0x00, 0x00, 0x2B, 0xFF}));  // not the relay table
+  Receive(Bytes({0xF7, 0x28, 0x01, 0x00, 0x01, 0x00, 0x00, 0x2B, 0xFF}));  // checksum
+  EXPECT_TRUE(ErrorLines().isEmpty());
+  Receive(Bytes({0xF7, 0x28, 0x02, 0x00, 0x01, 0x00, 0x00, 0x2B, 0xFF}));  // one item of two
+  EXPECT_EQ(Errors(), QStringList{"Error Receiving Relay/Opto State Relay States Length Error"});
+  EXPECT_EQ(s.RelayStates[1], 1);
+  EXPECT_EQ(s.requests.Req1, 1 << kRequestRelayStates);
+}
+
+}  // namespace
+}  // namespace zrn

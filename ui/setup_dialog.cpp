@@ -1,0 +1,390 @@
+#include "ui/setup_dialog.h"
+
+#include <QComboBox>
+#include <QGroupBox>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QVBoxLayout>
+#include <algorithm>
+
+#include "storage/logs.h"
+#include "ui/channel_select_dialog.h"
+#include "ui/schedule_dialog.h"
+#include "ui/shows_dialog.h"
+#include "ui/silence_detect_dialog.h"
+
+namespace zrn {
+
+namespace {
+
+const QString kErrorLocation = QStringLiteral("Error Initialzing Form");
+const QString kErrorTitle = QStringLiteral("Setup Error");
+// Typed channel numbers from here on are no channel at all.
+constexpr qint64 kTypedChannelLimit = 16384;
+
+bool AllDigits(const QString& text) {
+  return !text.isEmpty() &&
+         std::all_of(text.begin(), text.end(), [](QChar c) { return c.isDigit(); });
+}
+
+}  // namespace
+
+SetupEditors DefaultSetupEditors() {
+  SetupEditors editors;
+  editors.schedule = [](State& s, QWidget* parent) {
+    ScheduleDialog dialog(s, parent);
+    dialog.exec();
+  };
+  editors.silenceDetect = [](State& s, int output, QWidget* parent) {
+    SilenceDetectDialog dialog(s, output, parent);
+    dialog.exec();
+  };
+  editors.shows = [](State& s, QWidget* parent) {
+    ShowsDialog dialog(s, parent);
+    dialog.exec();
+  };
+  editors.silenceOutputs = [](State& s, QWidget* parent) {
+    ChannelSelectDialog dialog(s, parent);
+    dialog.exec();
+  };
+  return editors;
+}
+
+SetupDialog::SetupDialog(State& s, SetupEditors editors, QWidget* parent)
+    : QDialog(parent), s_(s), editors_(std::move(editors)) {
+  setObjectName(QStringLiteral("frmSetup"));
+  setWindowTitle(QStringLiteral("Setup"));
+
+  auto* root = new QVBoxLayout(this);
+  root->setSizeConstraint(QLayout::SetFixedSize);
+  root->addWidget(BuildSettings());
+  frOutputSelect_ = BuildOutputGroup();
+  root->addWidget(frOutputSelect_);
+  root->addLayout(BuildShowButtons());
+  root->addLayout(BuildCloseButtons());
+
+  Trap(s_, kErrorLocation, kErrorTitle, [&] { Fill(); });
+}
+
+void SetupDialog::Fill() {
+  // First, so every handler has an entry even if filling the controls fails.
+  entries_ = CopySetupEntries(s_);
+  position_ = 0;
+  loading_ = true;
+  txtIpAddress_->setText(s_.ServerAddress);
+  txtIPPort_->setText(QString::number(s_.ServerPort));
+  txtMaxSize_->setText(QString::number(s_.MaxLogFileSize));
+  txtMaxDisplay_->setText(QString::number(s_.MaxDisplay));
+
+  cmbOutputSelect_->addItems(OutputChoiceItems(s_));
+  const RelayChoices relays = MakeRelayChoices(s_);
+  cmbRelay_->addItems(relays.items);
+  relays_ = relays.relays;
+  cmbRelay_->setCurrentIndex(relays.current);
+  loading_ = false;
+  DisplayEntry();
+  SetEditing(false);
+
+  optView_[s_.DefaultViewLarge == 1 ? 1 : 0]->setChecked(true);
+  const int mode = s_.ProgramMode == 1 ? 1 : 0;
+  optProgramMode_[mode]->setChecked(true);
+  DisplayProgramMode(mode);
+}
+
+void SetupDialog::DisplayProgramMode(int mode) {
+  const bool shows = mode == 1;
+  frOutputSelect_->setVisible(!shows);
+  cmdConfigShow_->setVisible(shows);
+  cmdShowMonOutConfig_->setVisible(shows);
+}
+
+void SetupDialog::DisplayEntry() {
+  loading_ = true;
+  const OutputEntry& entry = Current().edited;
+  const int item = OutputChoiceIndex(s_, entry.Output);
+  cmbOutputSelect_->setCurrentIndex(item);
+  cmbOutputSelect_->setEditText(cmbOutputSelect_->itemText(item));
+  const bool known = entry.DisplayOption >= 0 && entry.DisplayOption < 3;
+  for (int i = 0; i < 3; ++i) {
+    // A stored option outside the three shows none checked rather than a wrong one.
+    optDisplay_[i]->setAutoExclusive(known);
+    optDisplay_[i]->setChecked(known && i == entry.DisplayOption);
+    optDisplay_[i]->setAutoExclusive(true);
+  }
+  txtCustom_->setText(entry.CustomLabel);
+  frOutputSelect_->setTitle(QStringLiteral("Monitor Outputs (%1)").arg(position_ + 1));
+  txtCount_->setText(QString::number(entries_.size()));
+  cmdConfigure_->setEnabled(item != 0 && static_cast<bool>(editors_.silenceDetect));
+  loading_ = false;
+  UpdateListButtons();
+}
+
+void SetupDialog::SetEditing(bool on) {
+  editing_ = on;
+  cmbOutputSelect_->setEnabled(on);
+  for (QRadioButton* option : optDisplay_) {
+    option->setEnabled(on);
+  }
+  txtCustom_->setEnabled(on);
+}
+
+void SetupDialog::UpdateListButtons() {
+  const int count = static_cast<int>(entries_.size());
+  cmdAdd_->setEnabled(count < kMaxWatchedOutputs);
+  cmdInsert_->setEnabled(count < kMaxWatchedOutputs);
+  cmdRemove_->setEnabled(count > 1);
+  cmdStart_->setEnabled(position_ > 0);
+  cmdBack_->setEnabled(position_ > 0);
+  cmdForward_->setEnabled(position_ < count - 1);
+  cmdEnd_->setEnabled(position_ < count - 1);
+}
+
+void SetupDialog::GoTo(int position) {
+  StoreCustomLabel();
+  position_ = std::clamp(position, 0, static_cast<int>(entries_.size()) - 1);
+  SetEditing(false);
+  DisplayEntry();
+}
+
+void SetupDialog::AddEntry() {
+  if (static_cast<int>(entries_.size()) >= kMaxWatchedOutputs) {
+    return;
+  }
+  StoreCustomLabel();
+  entries_.push_back(NewSetupEntry());
+  position_ = static_cast<int>(entries_.size()) - 1;
+  DisplayEntry();
+  SetEditing(true);
+  cmbOutputSelect_->setFocus();
+}
+
+void SetupDialog::InsertEntry() {
+  if (static_cast<int>(entries_.size()) >= kMaxWatchedOutputs) {
+    return;
+  }
+  StoreCustomLabel();
+  entries_.insert(entries_.begin() + position_, NewSetupEntry());
+  DisplayEntry();
+  SetEditing(true);
+  cmbOutputSelect_->setFocus();
+}
+
+void SetupDialog::RemoveEntry() {
+  if (entries_.size() <= 1) {
+    return;
+  }
+  SetEditing(false);
+  entries_.erase(entries_.begin() + position_);
+  position_ = std::min(position_, static_cast<int>(entries_.size()) - 1);
+  DisplayEntry();
+}
+
+void SetupDialog::OutputChosen(int item) {
+  if (loading_ || item < 0) {
+    return;
+  }
+  ChooseEntryOutput(Current(), item == 0 ? kNone : static_cast<qint16>(item));
+  cmdConfigure_->setEnabled(item != 0 && static_cast<bool>(editors_.silenceDetect));
+}
+
+void SetupDialog::RestoreOutputChoice() {
+  loading_ = true;
+  const int item = OutputChoiceIndex(s_, Current().edited.Output);
+  cmbOutputSelect_->setCurrentIndex(item);
+  cmbOutputSelect_->setEditText(cmbOutputSelect_->itemText(item));
+  loading_ = false;
+}
+
+// The operator types a channel number and Enter, U for "Undefined", Escape to go back.
+bool SetupDialog::OutputListKey(QKeyEvent* key) {
+  QLineEdit* edit = cmbOutputSelect_->lineEdit();
+  const QString typed = edit->text();
+  auto choose = [this](int item) {
+    if (cmbOutputSelect_->currentIndex() == item) {
+      OutputChosen(item);
+    }
+    cmbOutputSelect_->setCurrentIndex(item);
+    loading_ = true;
+    cmbOutputSelect_->setEditText(cmbOutputSelect_->itemText(item));
+    loading_ = false;
+  };
+  switch (key->key()) {
+    case Qt::Key_Escape:
+      RestoreOutputChoice();
+      return true;
+    case Qt::Key_Return:
+    case Qt::Key_Enter: {
+      const qint64 n = AllDigits(typed) ? FieldNumber(typed) : 0;
+      if (n >= 1 && n <= s_.SwitcherOutputCount) {
+        choose(static_cast<int>(n));
+      } else {
+        RestoreOutputChoice();
+      }
+      return true;
+    }
+    case Qt::Key_U:
+      if (key->modifiers() & (Qt::ControlModifier | Qt::AltModifier)) {
+        return false;
+      }
+      choose(0);
+      return true;
+    case Qt::Key_Backspace:
+      edit->setText(AllDigits(typed) ? typed.chopped(1) : QString());
+      return true;
+    default:
+      break;
+  }
+  const QString text = key->text();
+  if (text.size() == 1 && text[0].isDigit()) {
+    const QString base = AllDigits(typed) && !edit->hasSelectedText() ? typed : QString();
+    const QString next = base + text;
+    if (FieldNumber(next) >= kTypedChannelLimit) {
+      RestoreOutputChoice();
+    } else {
+      edit->setText(next);
+    }
+    return true;
+  }
+  // Other characters are discarded; navigation keys keep working.
+  return !text.isEmpty() && text[0].isPrint();
+}
+
+void SetupDialog::StoreCustomLabel() {
+  if (loading_ || !editing_) {
+    return;
+  }
+  Current().edited.CustomLabel = txtCustom_->text().remove(QLatin1Char(','));
+}
+
+void SetupDialog::DisplayOptionChosen(int option) {
+  if (!loading_) {
+    Current().edited.DisplayOption = static_cast<qint16>(option);
+  }
+}
+
+bool SetupDialog::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == txtCustom_) {
+    if (event->type() == QEvent::KeyPress) {
+      auto* key = static_cast<QKeyEvent*>(event);
+      if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) {
+        StoreCustomLabel();
+        return true;
+      }
+      if (key->key() == Qt::Key_Escape) {
+        txtCustom_->setText(Current().edited.CustomLabel);
+        return true;
+      }
+    } else if (event->type() == QEvent::FocusOut) {
+      StoreCustomLabel();
+    }
+  } else if (cmbOutputSelect_ != nullptr && watched == cmbOutputSelect_->lineEdit()) {
+    if (event->type() == QEvent::KeyPress) {
+      return OutputListKey(static_cast<QKeyEvent*>(event));
+    }
+    if (event->type() == QEvent::FocusOut && !entries_.empty()) {
+      RestoreOutputChoice();
+    }
+  }
+  return QDialog::eventFilter(watched, event);
+}
+
+void SetupDialog::RunEditor(const std::function<void()>& open) {
+  const bool accepted = s_.DialogAccepted;
+  open();
+  s_.DialogAccepted = accepted;
+}
+
+void SetupDialog::ConfigureSchedule() {
+  if (!editors_.schedule) {
+    return;
+  }
+  StoreCustomLabel();
+  // The schedule editor works on the live table, so it must hold what this dialog shows.
+  ApplySetupEntries(s_, entries_);
+  entries_ = CopySetupEntries(s_);
+  const qint16 selected = s_.SelectedOutput;
+  s_.SelectedOutput = static_cast<qint16>(position_);
+  RunEditor([&] { editors_.schedule(s_, this); });
+  s_.SelectedOutput = selected;
+  entries_ = CopySetupEntries(s_);
+  position_ = std::min(position_, static_cast<int>(entries_.size()) - 1);
+  DisplayEntry();
+}
+
+void SetupDialog::ConfigureSilenceDetect() {
+  const int item = cmbOutputSelect_->currentIndex();
+  if (item <= 0 || !editors_.silenceDetect) {
+    return;
+  }
+  RunEditor([&] { editors_.silenceDetect(s_, item - 1, this); });
+}
+
+void SetupDialog::ConfigureShows() {
+  if (editors_.shows) {
+    s_.SelectedShow = 0;
+    RunEditor([&] { editors_.shows(s_, this); });
+  }
+}
+
+void SetupDialog::ConfigureSilenceOutputs() {
+  if (editors_.silenceOutputs) {
+    s_.ChannelSelectMode = 3;
+    RunEditor([&] { editors_.silenceOutputs(s_, this); });
+  }
+}
+
+SetupSettings SetupDialog::ReadSettings() const {
+  SetupSettings settings;
+  settings.address = txtIpAddress_->text();
+  settings.port = txtIPPort_->text();
+  settings.maxLogSize = txtMaxSize_->text();
+  settings.maxDisplay = txtMaxDisplay_->text();
+  const int relay = cmbRelay_->currentIndex();
+  settings.alarmRelay =
+      relay > 0 && relay < static_cast<int>(relays_.size()) ? relays_[relay] : kNone;
+  settings.largeView = optView_[1]->isChecked();
+  settings.programMode = optProgramMode_[1]->isChecked() ? 1 : 0;
+  return settings;
+}
+
+void SetupDialog::Refused(const SetupRefusal& refusal) {
+  if (s_.prompt != nullptr) {
+    s_.prompt->Inform(refusal.title, refusal.text);
+  }
+  QLineEdit* field = txtMaxDisplay_;
+  if (refusal.field == SetupRefusal::Field::Address) {
+    txtIpAddress_->setText(s_.ServerAddress);
+    field = txtIpAddress_;
+  } else if (refusal.field == SetupRefusal::Field::Port) {
+    field = txtIPPort_;
+  }
+  field->setFocus();
+  field->selectAll();
+}
+
+void SetupDialog::accept() {
+  StoreCustomLabel();
+  std::optional<SetupRefusal> refusal;
+  const bool done = Trap(s_, kErrorLocation, kErrorTitle,
+                         [&] { refusal = ApplySetup(s_, ReadSettings(), entries_); });
+  if (refusal) {
+    Refused(*refusal);
+    return;
+  }
+  if (done) {
+    s_.DialogAccepted = true;
+    QDialog::accept();
+  }
+}
+
+void SetupDialog::reject() {
+  // The list is edited "in place" as far as the operator can tell: Cancel keeps those edits
+  // for the panels, but they are saved only by a later confirmed Setup.
+  StoreCustomLabel();
+  Trap(s_, kErrorLocation, kErrorTitle, [&] { ApplySetupEntries(s_, entries_); });
+  QDialog::reject();
+}
+
+}  // namespace zrn

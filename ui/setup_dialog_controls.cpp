@@ -1,0 +1,234 @@
+// The controls of the setup dialog and their layout.
+#include "ui/setup_dialog.h"
+
+#include <QComboBox>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QRegularExpressionValidator>
+#include <QVBoxLayout>
+
+namespace zrn {
+
+namespace {
+
+QLineEdit* NumberField(const QString& name, const QString& pattern, int maxLength) {
+  auto* field = new QLineEdit;
+  field->setObjectName(name);
+  field->setValidator(new QRegularExpressionValidator(QRegularExpression(pattern), field));
+  field->setMaxLength(maxLength);
+  return field;
+}
+
+QPushButton* Button(const QString& name, const QString& caption, const QString& tip) {
+  auto* button = new QPushButton(caption);
+  button->setObjectName(name);
+  button->setToolTip(tip);
+  button->setAutoDefault(false);
+  return button;
+}
+
+}  // namespace
+
+QWidget* SetupDialog::BuildSettings() {
+  auto* box = new QWidget;
+  auto* grid = new QGridLayout(box);
+  grid->setContentsMargins(0, 0, 0, 0);
+
+  auto* frServer = new QGroupBox(QStringLiteral("Server Module"));
+  frServer->setObjectName(QStringLiteral("frServer"));
+  auto* server = new QFormLayout(frServer);
+  txtIpAddress_ = NumberField(QStringLiteral("txtIpAddress"), QStringLiteral("[0-9.]*"), 25);
+  txtIPPort_ = NumberField(QStringLiteral("txtIPPort"), QStringLiteral("[0-9]*"), 5);
+  txtIpAddress_->setFixedWidth(160);
+  txtIPPort_->setFixedWidth(70);
+  server->addRow(QStringLiteral("IP Address"), txtIpAddress_);
+  server->addRow(QStringLiteral("IP Port"), txtIPPort_);
+  grid->addWidget(frServer, 0, 0);
+
+  auto* general = new QFormLayout;
+  txtMaxSize_ = NumberField(QStringLiteral("txtMaxSize"), QStringLiteral("[0-9]*"), 5);
+  txtMaxSize_->setToolTip(QStringLiteral("Maximum Log File Size - 0 means no limit."));
+  txtMaxDisplay_ = NumberField(QStringLiteral("txtMaxDisplay"), QStringLiteral("[0-9]*"), 5);
+  txtMaxSize_->setFixedWidth(70);
+  txtMaxDisplay_->setFixedWidth(70);
+  cmbRelay_ = new QComboBox;
+  cmbRelay_->setMinimumWidth(220);
+  cmbRelay_->setObjectName(QStringLiteral("cmbRelay"));
+  general->addRow(QStringLiteral("Maximum Log File Size"), txtMaxSize_);
+  general->addRow(QStringLiteral("Maximum Display"), txtMaxDisplay_);
+  general->addRow(QStringLiteral("Alarm Relay"), cmbRelay_);
+  grid->addLayout(general, 1, 0);
+
+  auto* frmDefaultView = new QGroupBox(QStringLiteral("Default View"));
+  frmDefaultView->setObjectName(QStringLiteral("frmDefaultView"));
+  frmDefaultView->setToolTip(QStringLiteral("View used at program start"));
+  auto* views = new QVBoxLayout(frmDefaultView);
+  optView_[1] = new QRadioButton(QStringLiteral("Large View"));
+  optView_[1]->setToolTip(QStringLiteral("Large silence indicators with no history window"));
+  optView_[0] = new QRadioButton(QStringLiteral("Normal View"));
+  optView_[0]->setToolTip(QStringLiteral("Small silence indicators with history window"));
+  auto* frProgramMode = new QGroupBox(QStringLiteral("Program Mode"));
+  frProgramMode->setObjectName(QStringLiteral("frProgramMode"));
+  auto* modes = new QVBoxLayout(frProgramMode);
+  optProgramMode_[1] = new QRadioButton(QStringLiteral("Show Monitor"));
+  optProgramMode_[0] = new QRadioButton(QStringLiteral("Output Monitor"));
+  for (int i : {1, 0}) {
+    optView_[i]->setObjectName(QStringLiteral("optView%1").arg(i));
+    views->addWidget(optView_[i]);
+    optProgramMode_[i]->setObjectName(QStringLiteral("optProgramMode%1").arg(i));
+    modes->addWidget(optProgramMode_[i]);
+    connect(optProgramMode_[i], &QRadioButton::toggled, this, [this, i](bool on) {
+      if (on) {
+        DisplayProgramMode(i);
+      }
+    });
+  }
+  grid->addWidget(frmDefaultView, 0, 1);
+  grid->addWidget(frProgramMode, 1, 1, Qt::AlignTop);
+  return box;
+}
+
+QGroupBox* SetupDialog::BuildOutputGroup() {
+  auto* group = new QGroupBox(QStringLiteral("Montior Outputs"));
+  group->setObjectName(QStringLiteral("FrOutputSelect"));
+  auto* layout = new QVBoxLayout(group);
+
+  auto* top = new QHBoxLayout;
+  txtCount_ = new QLineEdit;
+  txtCount_->setObjectName(QStringLiteral("txtCount"));
+  txtCount_->setReadOnly(true);
+  txtCount_->setFocusPolicy(Qt::NoFocus);
+  txtCount_->setMaximumWidth(60);
+  top->addWidget(new QLabel(QStringLiteral("Output Count")));
+  top->addWidget(txtCount_);
+  top->addStretch(1);
+  cmdStart_ = Button(QStringLiteral("CmdStart"), QStringLiteral("|<"),
+                     QStringLiteral("Moves to first display panel"));
+  cmdBack_ = Button(QStringLiteral("cmdBack"), QStringLiteral("<"),
+                    QStringLiteral("Moves back one display panel"));
+  cmdForward_ = Button(QStringLiteral("cmdForward"), QStringLiteral(">"),
+                       QStringLiteral("Moves forward one display panel"));
+  cmdEnd_ = Button(QStringLiteral("cmdEnd"), QStringLiteral(">|"),
+                   QStringLiteral("Moves to last display panel"));
+  for (QPushButton* nav : {cmdStart_, cmdBack_, cmdForward_, cmdEnd_}) {
+    nav->setMaximumWidth(40);
+    top->addWidget(nav);
+  }
+  connect(cmdStart_, &QPushButton::clicked, this, [this] { GoTo(0); });
+  connect(cmdBack_, &QPushButton::clicked, this, [this] { GoTo(position_ - 1); });
+  connect(cmdForward_, &QPushButton::clicked, this, [this] { GoTo(position_ + 1); });
+  connect(cmdEnd_, &QPushButton::clicked, this,
+          [this] { GoTo(static_cast<int>(entries_.size()) - 1); });
+  layout->addLayout(top);
+
+  auto* destination = new QHBoxLayout;
+  auto* lblDestinationSelect = new QLabel(QStringLiteral("Monitor Destination"));
+  lblDestinationSelect->setObjectName(QStringLiteral("lblDestinationSelect"));
+  cmbOutputSelect_ = new QComboBox;
+  cmbOutputSelect_->setObjectName(QStringLiteral("cmbOutputSelect"));
+  cmbOutputSelect_->setToolTip(QStringLiteral("Choose the output for the current window"));
+  cmbOutputSelect_->setEditable(true);
+  cmbOutputSelect_->setInsertPolicy(QComboBox::NoInsert);
+  cmbOutputSelect_->setCompleter(nullptr);
+  cmbOutputSelect_->setMinimumWidth(280);
+  cmbOutputSelect_->lineEdit()->installEventFilter(this);
+  lblDestinationSelect->setBuddy(cmbOutputSelect_);
+  connect(cmbOutputSelect_, &QComboBox::currentIndexChanged, this, &SetupDialog::OutputChosen);
+  destination->addWidget(lblDestinationSelect);
+  destination->addWidget(cmbOutputSelect_, 1);
+  layout->addLayout(destination);
+
+  auto* frDisplayLabel = new QGroupBox(QStringLiteral("Display Label"));
+  frDisplayLabel->setObjectName(QStringLiteral("FrDisplayLabel"));
+  auto* labels = new QHBoxLayout(frDisplayLabel);
+  const std::array<QString, 3> captions{QStringLiteral("Destination Label"),
+                                        QStringLiteral("Active Source"),
+                                        QStringLiteral("Custom Label")};
+  for (int i = 0; i < 3; ++i) {
+    optDisplay_[i] = new QRadioButton(captions[i]);
+    optDisplay_[i]->setObjectName(QStringLiteral("optDisplay%1").arg(i));
+    labels->addWidget(optDisplay_[i]);
+    connect(optDisplay_[i], &QRadioButton::toggled, this, [this, i](bool on) {
+      if (on) {
+        DisplayOptionChosen(i);
+      }
+    });
+  }
+  txtCustom_ = new QLineEdit;
+  txtCustom_->setObjectName(QStringLiteral("txtCustom"));
+  // A comma would cut the label in the configuration file.
+  txtCustom_->setValidator(
+      new QRegularExpressionValidator(QRegularExpression(QStringLiteral("[^,]*")), txtCustom_));
+  txtCustom_->installEventFilter(this);
+  labels->addWidget(txtCustom_, 1);
+  layout->addWidget(frDisplayLabel);
+
+  auto* edits = new QHBoxLayout;
+  cmdAdd_ = Button(QStringLiteral("CmdAdd"), QStringLiteral("&Add"),
+                   QStringLiteral("Add an additional display panel"));
+  cmdInsert_ = Button(QStringLiteral("CmdInsert"), QStringLiteral("&Insert"), QString());
+  cmdRemove_ = Button(QStringLiteral("cmdRemove"), QStringLiteral("&Remove"),
+                      QStringLiteral("Removes the currently selected display panel"));
+  cmdEdit_ = Button(QStringLiteral("cmdEdit"), QStringLiteral("&Edit"),
+                    QStringLiteral("Edit the output & control for the current display panel"));
+  cmdConfigSchedule_ =
+      Button(QStringLiteral("cmdConfigSchedule"), QStringLiteral("Configure Schedule"), QString());
+  cmdConfigure_ =
+      Button(QStringLiteral("CmdConfigure"), QStringLiteral("Configure Silence Detect"), QString());
+  for (QPushButton* button : {cmdAdd_, cmdInsert_, cmdRemove_, cmdEdit_}) {
+    edits->addWidget(button);
+  }
+  edits->addStretch(1);
+  edits->addWidget(cmdConfigSchedule_);
+  edits->addWidget(cmdConfigure_);
+  connect(cmdAdd_, &QPushButton::clicked, this, &SetupDialog::AddEntry);
+  connect(cmdInsert_, &QPushButton::clicked, this, &SetupDialog::InsertEntry);
+  connect(cmdRemove_, &QPushButton::clicked, this, &SetupDialog::RemoveEntry);
+  connect(cmdEdit_, &QPushButton::clicked, this, [this] {
+    SetEditing(true);
+    cmbOutputSelect_->setFocus();
+  });
+  connect(cmdConfigSchedule_, &QPushButton::clicked, this, &SetupDialog::ConfigureSchedule);
+  connect(cmdConfigure_, &QPushButton::clicked, this, &SetupDialog::ConfigureSilenceDetect);
+  layout->addLayout(edits);
+  return group;
+}
+
+QLayout* SetupDialog::BuildShowButtons() {
+  auto* row = new QHBoxLayout;
+  cmdConfigShow_ = Button(QStringLiteral("cmdConfigShow"), QStringLiteral("Configure Shows"),
+                          QStringLiteral("Configure shows"));
+  cmdShowMonOutConfig_ = Button(
+      QStringLiteral("cmdShowMonOutConfig"), QStringLiteral("Configure Outputs for Silence Detect"),
+      QStringLiteral("Configure outputs avaialable for use for silence detction for shows"));
+  row->addWidget(cmdConfigShow_);
+  row->addWidget(cmdShowMonOutConfig_);
+  row->addStretch(1);
+  connect(cmdConfigShow_, &QPushButton::clicked, this, &SetupDialog::ConfigureShows);
+  connect(cmdShowMonOutConfig_, &QPushButton::clicked, this, &SetupDialog::ConfigureSilenceOutputs);
+  cmdConfigSchedule_->setEnabled(static_cast<bool>(editors_.schedule));
+  cmdConfigShow_->setEnabled(static_cast<bool>(editors_.shows));
+  cmdShowMonOutConfig_->setEnabled(static_cast<bool>(editors_.silenceOutputs));
+  return row;
+}
+
+QLayout* SetupDialog::BuildCloseButtons() {
+  auto* cmdOk = new QPushButton(QStringLiteral("OK"));
+  cmdOk->setObjectName(QStringLiteral("cmdOk"));
+  cmdOk->setDefault(true);
+  auto* cmdCancel = Button(QStringLiteral("cmdCancel"), QStringLiteral("&Cancel"), QString());
+  connect(cmdOk, &QPushButton::clicked, this, &SetupDialog::accept);
+  connect(cmdCancel, &QPushButton::clicked, this, &SetupDialog::reject);
+  auto* row = new QHBoxLayout;
+  row->addStretch(1);
+  row->addWidget(cmdOk);
+  row->addWidget(cmdCancel);
+  return row;
+}
+
+}  // namespace zrn

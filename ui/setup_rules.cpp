@@ -1,0 +1,204 @@
+#include "ui/setup_rules.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "monitor/output_panels.h"
+#include "schedule/event_scheduler.h"
+#include "storage/config_file.h"
+#include "switcher/link.h"
+
+namespace zrn {
+
+namespace {
+
+constexpr int kMaxPort = 65535;
+constexpr int kMaxDisplayLines = 32767;
+
+QString FourDigits(int channel) {
+  return QStringLiteral("%1").arg(channel, 4, 10, QLatin1Char('0'));
+}
+
+int EntryCount(const State& s) {
+  return std::clamp<int>(s.OutputCount, 0, static_cast<int>(s.Outputs.size()));
+}
+
+std::optional<SetupRefusal> CheckSettings(const State& s, const SetupSettings& settings,
+                                          QString& address, qint32& port) {
+  address = s.ServerAddress;
+  if (settings.address != s.ServerAddress && !NormalizeServerAddress(settings.address, &address)) {
+    return SetupRefusal{SetupRefusal::Field::Address, QStringLiteral("Data Format Error"),
+                        QStringLiteral("Please Enter IP Address In The Following Format: "
+                                       "192.168.1.1")};
+  }
+  const qint64 typedPort = FieldNumber(settings.port);
+  if (typedPort < 1 || typedPort > kMaxPort) {
+    return SetupRefusal{
+        SetupRefusal::Field::Port, QStringLiteral("Port Error"),
+        QStringLiteral("Invalid IP Port #. Please reenter a number between 1 and 65535")};
+  }
+  port = static_cast<qint32>(typedPort);
+  const qint64 lines = FieldNumber(settings.maxDisplay);
+  if (lines < 1 || lines > kMaxDisplayLines) {
+    return SetupRefusal{
+        SetupRefusal::Field::MaxDisplay, QStringLiteral("Maximum Display Error"),
+        QStringLiteral("Invalid Maximum Display #. Please reenter a number between 1 and 32767")};
+  }
+  return std::nullopt;
+}
+
+// The live entry with the operator's changes laid over it.
+OutputEntry Merge(const OutputEntry& live, const SetupEntry& entry) {
+  OutputEntry merged = live;
+  const OutputEntry& was = entry.original;
+  const OutputEntry& now = entry.edited;
+  if (now.Output != was.Output) {
+    merged.Output = now.Output;
+    if (now.Output != kNone) {
+      merged.MonitoringEnabled = true;
+    }
+    // An acknowledgement or a held-back route belonged to the old channel.
+    merged.AlarmState = 0;
+    merged.AlarmCanceled = false;
+    merged.PendingRouteSource = kNone;
+  }
+  if (now.DisplayOption != was.DisplayOption) {
+    merged.DisplayOption = now.DisplayOption;
+  }
+  if (now.CustomLabel != was.CustomLabel) {
+    merged.CustomLabel = now.CustomLabel;
+  }
+  return merged;
+}
+
+}  // namespace
+
+QString ChannelItemText(int channel, const QStringList& names) {
+  const bool known = channel >= 1 && channel <= names.size();
+  return QLatin1Char('[') + FourDigits(channel) + QStringLiteral("] ") +
+         (known ? names[channel - 1] : QStringLiteral("Uknown"));
+}
+
+QStringList OutputChoiceItems(const State& s) {
+  QStringList items{QStringLiteral("Undefined")};
+  for (int k = 1; k <= s.SwitcherOutputCount; ++k) {
+    items << ChannelItemText(k, s.OutputNames);
+  }
+  return items;
+}
+
+int OutputChoiceIndex(const State& s, int output) {
+  return output >= 1 && output <= s.SwitcherOutputCount ? output : 0;
+}
+
+RelayChoices MakeRelayChoices(const State& s) {
+  RelayChoices choices;
+  choices.items << QStringLiteral("Undefined");
+  choices.relays.push_back(kNone);
+  for (int k = 1; k <= s.SwitcherRelayCount; ++k) {
+    choices.items << ChannelItemText(k, s.RelayNames);
+    choices.relays.push_back(static_cast<qint16>(k));
+  }
+  if (s.AlarmRelay == kNone) {
+    choices.current = 0;
+  } else if (s.AlarmRelay >= 1 && s.AlarmRelay <= s.SwitcherRelayCount) {
+    choices.current = s.AlarmRelay;
+  } else {
+    // Not (yet) reported by the switcher: still the operator's choice, so it stays on offer.
+    choices.items << QLatin1Char('[') + FourDigits(s.AlarmRelay) +
+                         QStringLiteral("] (not reported)");
+    choices.relays.push_back(s.AlarmRelay);
+    choices.current = static_cast<int>(choices.relays.size()) - 1;
+  }
+  return choices;
+}
+
+qint64 FieldNumber(const QString& text) {
+  constexpr qint64 kCeiling = 1'000'000'000'000LL;
+  qint64 value = 0;
+  for (const QChar c : text) {
+    if (!c.isDigit()) {
+      break;
+    }
+    value = std::min(kCeiling, value * 10 + c.digitValue());
+  }
+  return value;
+}
+
+std::vector<SetupEntry> CopySetupEntries(const State& s) {
+  std::vector<SetupEntry> entries;
+  const int count = EntryCount(s);
+  entries.reserve(static_cast<std::size_t>(std::max(count, 1)));
+  for (int i = 0; i < count; ++i) {
+    entries.push_back({i, s.Outputs[i], s.Outputs[i]});
+  }
+  if (entries.empty()) {
+    entries.push_back(NewSetupEntry());
+  }
+  return entries;
+}
+
+SetupEntry NewSetupEntry() {
+  SetupEntry entry;
+  entry.edited.Output = kNone;
+  entry.edited.DisplayOption = 0;
+  entry.edited.CustomLabel = QStringLiteral("None");
+  entry.edited.Events.assign(1, ScheduledEvent());
+  entry.edited.EventCount = 0;
+  entry.edited.NextEvent = kNone;
+  entry.original = entry.edited;
+  return entry;
+}
+
+void ChooseEntryOutput(SetupEntry& entry, qint16 output) {
+  entry.edited.Output = output;
+  if (output != kNone) {
+    entry.edited.MonitoringEnabled = true;
+  }
+}
+
+void ApplySetupEntries(State& s, const std::vector<SetupEntry>& entries) {
+  std::vector<OutputEntry> outputs;
+  outputs.reserve(entries.size());
+  const int live = EntryCount(s);
+  for (const SetupEntry& entry : entries) {
+    if (entry.origin >= 0 && entry.origin < live) {
+      outputs.push_back(Merge(s.Outputs[entry.origin], entry));
+    } else {
+      outputs.push_back(entry.edited);
+    }
+  }
+  s.Outputs = std::move(outputs);
+  s.OutputCount = static_cast<qint16>(s.Outputs.size());
+}
+
+std::optional<SetupRefusal> ApplySetup(State& s, const SetupSettings& settings,
+                                       const std::vector<SetupEntry>& entries) {
+  QString address;
+  qint32 port = 0;
+  if (auto refusal = CheckSettings(s, settings, address, port)) {
+    return refusal;
+  }
+  ApplySetupEntries(s, entries);
+  s.AlarmRelay = settings.alarmRelay;
+  s.MaxLogFileSize = static_cast<qint32>(
+      std::min<qint64>(FieldNumber(settings.maxLogSize), std::numeric_limits<qint32>::max()));
+  s.MaxDisplay = static_cast<qint16>(FieldNumber(settings.maxDisplay));
+
+  const bool linkChanged = address != s.ServerAddress || port != s.ServerPort;
+  s.ServerAddress = address;
+  s.ServerPort = port;
+  if (linkChanged) {
+    CloseSwitcherLink(s);
+  }
+
+  s.DefaultViewLarge = settings.largeView ? 1 : 0;
+  if (settings.programMode != s.ProgramMode) {
+    s.ProgramMode = settings.programMode;
+    ShowConfiguredView(s);
+    GetNextEvent(s, kNone);
+  }
+  return std::nullopt;
+}
+
+}  // namespace zrn

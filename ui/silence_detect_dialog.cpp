@@ -1,0 +1,416 @@
+#include "ui/silence_detect_dialog.h"
+
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFocusEvent>
+#include <QFormLayout>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QVBoxLayout>
+#include <algorithm>
+
+#include "core/failure.h"
+#include "storage/logs.h"
+#include "switcher/commands.h"
+
+namespace zrn {
+
+namespace {
+
+const QString kLocation = QStringLiteral("Error Display Silence Detect");
+const QString kCategory = QStringLiteral("CrossPoint Grid Error");
+
+// The lists by their index: 0 the alarm device, 1 silence threshold, 2 detect time, 3 return
+// time, 4 peak threshold, 5 hold time.
+enum List { kDevice = 0, kSilenceThreshold, kDetectTime, kReturnTime, kPeakThreshold, kHoldTime };
+
+bool AllDigits(const QString& text) {
+  return !text.isEmpty() &&
+         std::all_of(text.begin(), text.end(), [](QChar c) { return c.isDigit(); });
+}
+
+QRadioButton* MakeOption(const QString& caption, const QString& name, QButtonGroup* group, int id,
+                         QWidget* parent) {
+  auto* option = new QRadioButton(caption, parent);
+  option->setObjectName(name);
+  group->addButton(option, id);
+  return option;
+}
+
+}  // namespace
+
+SilenceDetectDialog::SilenceDetectDialog(State& s, int output, QWidget* parent)
+    : QDialog(parent), s_(s), fallbackPrompt_(this) {
+  BuildControls();
+  UpdateSilenceDetectConfig(output);
+}
+
+void SilenceDetectDialog::BuildControls() {
+  setObjectName(QStringLiteral("frmSilenceDetect"));
+  const char* const captions[] = {"Silence Threshold", "Detect Time", "Return Time",
+                                  "PeakThreshold",     "Hold Time",   ""};
+  for (size_t i = 0; i < cmbDetect_.size(); ++i) {
+    cmbDetect_[i] = new QComboBox(this);
+    cmbDetect_[i]->setObjectName(QStringLiteral("cmbDetect%1").arg(i));
+    cmbDetect_[i]->setMaxVisibleItems(16);
+    lblDetect_[i] = new QLabel(QLatin1String(captions[i]), this);
+    lblDetect_[i]->setObjectName(QStringLiteral("lblDetect%1").arg(i));
+    if (i >= 1) {
+      lblDetect_[i - 1]->setBuddy(cmbDetect_[i]);
+    }
+  }
+  for (int list : {kSilenceThreshold, kPeakThreshold}) {
+    cmbDetect_[static_cast<size_t>(list)]->addItems(ThresholdListTexts());
+  }
+  for (int list : {kDetectTime, kReturnTime, kHoldTime}) {
+    cmbDetect_[static_cast<size_t>(list)]->addItems(TimeListTexts());
+  }
+
+  QComboBox* devices = cmbDetect_[kDevice];
+  devices->setEditable(true);
+  devices->setInsertPolicy(QComboBox::NoInsert);
+  devices->setCompleter(nullptr);
+  devices->setMinimumContentsLength(22);
+  devices->lineEdit()->installEventFilter(this);
+  connect(devices, &QComboBox::activated, this, [this](int index) { deviceSelection_ = index; });
+
+  const char* const detectCaptions[] = {"Silence Detect Enabled", "Peak Detect Enabled"};
+  for (size_t i = 0; i < chkDetect_.size(); ++i) {
+    chkDetect_[i] = new QCheckBox(QLatin1String(detectCaptions[i]), this);
+    chkDetect_[i]->setObjectName(QStringLiteral("chkDetect%1").arg(i));
+    connect(chkDetect_[i], &QCheckBox::toggled, this, [this] { EnableDetectLists(); });
+  }
+
+  auto* silence = new QGroupBox(QStringLiteral("Silence"), this);
+  auto* silenceForm = new QFormLayout(silence);
+  silenceForm->addRow(chkDetect_[0]);
+  for (int list : {kSilenceThreshold, kDetectTime, kReturnTime}) {
+    silenceForm->addRow(lblDetect_[static_cast<size_t>(list - 1)],
+                        cmbDetect_[static_cast<size_t>(list)]);
+  }
+  auto* peak = new QGroupBox(QStringLiteral("Peak"), this);
+  auto* peakForm = new QFormLayout(peak);
+  peakForm->addRow(chkDetect_[1]);
+  for (int list : {kPeakThreshold, kHoldTime}) {
+    peakForm->addRow(lblDetect_[static_cast<size_t>(list - 1)],
+                     cmbDetect_[static_cast<size_t>(list)]);
+  }
+
+  auto* deviceType = new QGroupBox(QStringLiteral("Alarm Device"), this);
+  auto* typeGrid = new QGridLayout(deviceType);
+  auto* typeGroup = new QButtonGroup(deviceType);
+  const char* const typeCaptions[] = {"None", "Msg Only", "Relay", "Opto"};
+  for (size_t i = 0; i < optDeviceType_.size(); ++i) {
+    optDeviceType_[i] =
+        MakeOption(QLatin1String(typeCaptions[i]), QStringLiteral("OptDeviceType%1").arg(i),
+                   typeGroup, static_cast<int>(i), deviceType);
+    typeGrid->addWidget(optDeviceType_[i], static_cast<int>(i / 2), static_cast<int>(i % 2));
+  }
+  connect(typeGroup, &QButtonGroup::idClicked, this, &SilenceDetectDialog::DeviceTypeChosen);
+
+  auto* action = new QGroupBox(QStringLiteral("Action"), this);
+  auto* actionColumn = new QVBoxLayout(action);
+  auto* actionGroup = new QButtonGroup(action);
+  optAction_[0] =
+      MakeOption(QStringLiteral("Off"), QStringLiteral("OptAction0"), actionGroup, 0, action);
+  optAction_[1] =
+      MakeOption(QStringLiteral("On"), QStringLiteral("OptAction1"), actionGroup, 1, action);
+  auto* assoc = new QGroupBox(QStringLiteral("Follows"), this);
+  auto* assocColumn = new QVBoxLayout(assoc);
+  auto* assocGroup = new QButtonGroup(assoc);
+  optAssoc_[0] =
+      MakeOption(QStringLiteral("Silence"), QStringLiteral("OptAssoc0"), assocGroup, 0, assoc);
+  optAssoc_[1] =
+      MakeOption(QStringLiteral("Peak"), QStringLiteral("OptAssoc1"), assocGroup, 1, assoc);
+  for (size_t i = 0; i < 2; ++i) {
+    actionColumn->addWidget(optAction_[i]);
+    assocColumn->addWidget(optAssoc_[i]);
+  }
+
+  frDevice_ = new QGroupBox(QStringLiteral("Device"), this);
+  frDevice_->setObjectName(QStringLiteral("frDetect5"));
+  auto* deviceRow = new QHBoxLayout(frDevice_);
+  deviceRow->addWidget(devices, 1);
+  // Showing and hiding the device frame must not make the window jump.
+  QSizePolicy keepPlace = frDevice_->sizePolicy();
+  keepPlace.setRetainSizeWhenHidden(true);
+  frDevice_->setSizePolicy(keepPlace);
+
+  QLabel* status = lblDetect_[5];
+  QFont bold = status->font();
+  bold.setBold(true);
+  status->setFont(bold);
+  status->setMinimumHeight(status->fontMetrics().height() + 6);
+
+  cmdOk_ = new QPushButton(QStringLiteral("&Edit"), this);
+  cmdOk_->setObjectName(QStringLiteral("cmdOk"));
+  cmdClose_ = new QPushButton(QStringLiteral("&Close"), this);
+  cmdClose_->setObjectName(QStringLiteral("cmdCLose"));
+  for (QPushButton* button : {cmdOk_, cmdClose_}) {
+    // Enter belongs to the device list, never to a button.
+    button->setAutoDefault(false);
+  }
+  connect(cmdOk_, &QPushButton::clicked, this, &SilenceDetectDialog::EditOrSend);
+  connect(cmdClose_, &QPushButton::clicked, this, &QDialog::reject);
+
+  auto* detectRow = new QHBoxLayout;
+  detectRow->addWidget(silence, 1);
+  detectRow->addWidget(peak, 1);
+  auto* alarmRow = new QHBoxLayout;
+  alarmRow->addWidget(deviceType);
+  alarmRow->addWidget(action);
+  alarmRow->addWidget(assoc);
+  alarmRow->addWidget(frDevice_, 1);
+  auto* buttons = new QHBoxLayout;
+  buttons->addWidget(status, 1);
+  buttons->addWidget(cmdOk_);
+  buttons->addWidget(cmdClose_);
+
+  auto* root = new QVBoxLayout(this);
+  root->addLayout(detectRow);
+  root->addLayout(alarmRow);
+  root->addLayout(buttons);
+}
+
+Prompt& SilenceDetectDialog::Ask() {
+  return s_.prompt != nullptr ? *s_.prompt : fallbackPrompt_;
+}
+
+void SilenceDetectDialog::UpdateSilenceDetectConfig(int output) {
+  if (output != kNone) {
+    output_ = output;
+  }
+  setWindowTitle(SilenceDetectTitle(s_, output_));
+  // An output the switcher has not reported shows empty settings and cannot be sent.
+  SilenceStatusEntry entry;
+  const bool known = Trap(s_, kLocation, kCategory, [&] { entry = At(s_.SilenceStatus, output_); });
+  const DetectMode mode = SplitMode(entry.Mode);
+  optDeviceType_[static_cast<size_t>(mode.deviceType)]->setChecked(true);
+  RebuildDeviceList(mode.deviceType, entry.Device, true);
+  deviceSelection_ = DevicePosition(deviceItems_, entry.Device);
+  RestoreDevice();
+  optAction_[mode.actionOn ? 1 : 0]->setChecked(true);
+  optAssoc_[mode.followsPeak ? 1 : 0]->setChecked(true);
+  chkDetect_[0]->setChecked(mode.silenceEnabled);
+  chkDetect_[1]->setChecked(mode.peakEnabled);
+  cmbDetect_[kSilenceThreshold]->setCurrentIndex(ThresholdPosition(entry.SilenceThreshold));
+  cmbDetect_[kDetectTime]->setCurrentIndex(TimePosition(entry.DetectTime));
+  cmbDetect_[kReturnTime]->setCurrentIndex(TimePosition(entry.ReturnTime));
+  cmbDetect_[kPeakThreshold]->setCurrentIndex(ThresholdPosition(entry.PeakThreshold));
+  cmbDetect_[kHoldTime]->setCurrentIndex(TimePosition(entry.HoldTime));
+  lblDetect_[5]->setText(DetectStatusText(entry.Status));
+  cmdOk_->setEnabled(known);
+  EnableDetectLists();
+}
+
+void SilenceDetectDialog::showEvent(QShowEvent* event) {
+  Browse();
+  QDialog::showEvent(event);
+}
+
+void SilenceDetectDialog::Browse() {
+  editing_ = false;
+  for (QWidget* control :
+       std::initializer_list<QWidget*>{optDeviceType_[0], optDeviceType_[1], optDeviceType_[2],
+                                       optDeviceType_[3], optAction_[0], optAction_[1],
+                                       optAssoc_[0], optAssoc_[1], chkDetect_[0], chkDetect_[1]}) {
+    control->setEnabled(false);
+  }
+  for (QComboBox* list : cmbDetect_) {
+    list->setEnabled(false);
+  }
+  cmdOk_->setText(QStringLiteral("&Edit"));
+}
+
+void SilenceDetectDialog::EditOrSend() {
+  if (editing_) {
+    Send();
+  } else {
+    Edit();
+  }
+}
+
+void SilenceDetectDialog::Edit() {
+  editing_ = true;
+  for (QWidget* control : std::initializer_list<QWidget*>{
+           optDeviceType_[0], optDeviceType_[1], optDeviceType_[2], optDeviceType_[3],
+           optAction_[0], optAction_[1], optAssoc_[0], optAssoc_[1], chkDetect_[0], chkDetect_[1],
+           cmbDetect_[kDevice]}) {
+    control->setEnabled(true);
+  }
+  EnableDetectLists();
+  cmdOk_->setText(QStringLiteral("Send"));
+}
+
+void SilenceDetectDialog::EnableDetectLists() {
+  const bool silence = editing_ && chkDetect_[0]->isChecked();
+  const bool peak = editing_ && chkDetect_[1]->isChecked();
+  for (int list : {kSilenceThreshold, kDetectTime, kReturnTime}) {
+    cmbDetect_[static_cast<size_t>(list)]->setEnabled(silence);
+  }
+  for (int list : {kPeakThreshold, kHoldTime}) {
+    cmbDetect_[static_cast<size_t>(list)]->setEnabled(peak);
+  }
+}
+
+DetectMode SilenceDetectDialog::ChosenMode() const {
+  DetectMode mode;
+  for (size_t i = 0; i < optDeviceType_.size(); ++i) {
+    if (optDeviceType_[i]->isChecked()) {
+      mode.deviceType = static_cast<int>(i);
+    }
+  }
+  mode.actionOn = !optAction_[0]->isChecked();
+  mode.followsPeak = !optAssoc_[0]->isChecked();
+  mode.silenceEnabled = chkDetect_[0]->isChecked();
+  mode.peakEnabled = chkDetect_[1]->isChecked();
+  return mode;
+}
+
+void SilenceDetectDialog::Send() {
+  SilenceStatusEntry before;
+  const int device =
+      deviceItems_[static_cast<size_t>(std::clamp<int>(cmbDetect_[kDevice]->currentIndex(), 0,
+                                                       static_cast<int>(deviceItems_.size()) - 1))]
+          .device;
+  const bool stored = Trap(s_, kLocation, kCategory, [&] {
+    SilenceStatusEntry& entry = At(s_.SilenceStatus, output_);
+    before = entry;
+    entry.SilenceThreshold =
+        static_cast<qint16>(ThresholdCode(cmbDetect_[kSilenceThreshold]->currentIndex()));
+    entry.DetectTime = static_cast<qint16>(cmbDetect_[kDetectTime]->currentIndex());
+    entry.ReturnTime = static_cast<qint16>(cmbDetect_[kReturnTime]->currentIndex());
+    entry.PeakThreshold =
+        static_cast<qint16>(ThresholdCode(cmbDetect_[kPeakThreshold]->currentIndex()));
+    entry.HoldTime = static_cast<qint16>(cmbDetect_[kHoldTime]->currentIndex());
+    entry.Device = static_cast<qint16>(device);
+    entry.Mode = static_cast<qint16>(ComposeMode(ChosenMode()));
+  });
+  if (!stored) {
+    return;
+  }
+  if (SendSilenceDetectConfig(s_, 0, output_, 1)) {
+    DisplayMessage(s_, SilenceConfigSentLine(s_, output_));
+    Browse();
+    return;
+  }
+  // Not sent: the table keeps what the switcher really has, and the edit stays open for another
+  // try.
+  Trap(s_, kLocation, kCategory, [&] {
+    SilenceStatusEntry& entry = At(s_.SilenceStatus, output_);
+    const quint8 status = entry.Status;
+    entry = before;
+    entry.Status = status;
+  });
+  Ask().Inform(QStringLiteral("Send Error"),
+               s_.Connected ? QStringLiteral("The silence detect configuration could not be "
+                                             "sent to the switcher.  Please try again.")
+                            : QStringLiteral("The switcher is not connected.  The silence "
+                                             "detect configuration was not sent."));
+}
+
+void SilenceDetectDialog::DeviceTypeChosen(int type) {
+  const int device =
+      deviceItems_[static_cast<size_t>(std::clamp<int>(deviceSelection_, 0,
+                                                       static_cast<int>(deviceItems_.size()) - 1))]
+          .device;
+  RebuildDeviceList(type, device, false);
+  deviceSelection_ = DevicePosition(deviceItems_, device);
+  RestoreDevice();
+}
+
+void SilenceDetectDialog::RebuildDeviceList(int type, int device, bool keepUnreported) {
+  deviceItems_ = DeviceListItems(s_, type, keepUnreported ? device : kNone);
+  QComboBox* list = cmbDetect_[kDevice];
+  list->clear();
+  for (const DeviceItem& item : deviceItems_) {
+    list->addItem(item.text);
+  }
+  frDevice_->setVisible(type == 2 || type == 3);
+}
+
+bool SilenceDetectDialog::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == cmbDetect_[kDevice]->lineEdit()) {
+    if (event->type() == QEvent::KeyPress) {
+      return DeviceListKey(static_cast<QKeyEvent*>(event));
+    }
+    if (event->type() == QEvent::FocusOut &&
+        static_cast<QFocusEvent*>(event)->reason() != Qt::PopupFocusReason) {
+      TakeTypedDevice();
+    }
+  }
+  return QDialog::eventFilter(watched, event);
+}
+
+bool SilenceDetectDialog::DeviceListKey(QKeyEvent* key) {
+  QLineEdit* edit = cmbDetect_[kDevice]->lineEdit();
+  if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) {
+    TakeTypedDevice();
+    return true;
+  }
+  if (key->key() == Qt::Key_Escape) {
+    RestoreDevice();
+    return true;
+  }
+  const QString typed = key->text();
+  const bool backspace = key->key() == Qt::Key_Backspace;
+  if (backspace || (typed.size() == 1 && typed[0].isDigit())) {
+    QString text = edit->text();
+    int at = edit->cursorPosition();
+    if (!AllDigits(text)) {
+      // A digit starts a device number in place of the shown name.
+      text.clear();
+      at = 0;
+    } else if (edit->hasSelectedText()) {
+      at = edit->selectionStart();
+      text.remove(at, edit->selectedText().size());
+    } else if (backspace && at > 0) {
+      text.remove(--at, 1);
+    }
+    if (!backspace) {
+      text.insert(at++, typed);
+    }
+    if (text.size() > 5 || text.toInt() >= 16384) {
+      RestoreDevice();
+    } else {
+      edit->setText(text);
+      edit->setCursorPosition(at);
+    }
+    return true;
+  }
+  if (typed == QStringLiteral("U") || typed == QStringLiteral("u")) {
+    deviceSelection_ = 0;
+    RestoreDevice();
+    return true;
+  }
+  // Other characters are ignored; keys without text (arrows, Tab) work as usual.
+  return typed.size() == 1 && typed[0].isPrint();
+}
+
+void SilenceDetectDialog::TakeTypedDevice() {
+  const QString text = cmbDetect_[kDevice]->currentText();
+  if (AllDigits(text)) {
+    const int n = text.toInt();
+    const int position = n >= 1 ? DevicePosition(deviceItems_, n - 1) : 0;
+    if (position > 0) {
+      deviceSelection_ = position;
+    }
+  }
+  RestoreDevice();
+}
+
+void SilenceDetectDialog::RestoreDevice() {
+  QComboBox* list = cmbDetect_[kDevice];
+  deviceSelection_ = std::clamp(deviceSelection_, 0, std::max(list->count() - 1, 0));
+  list->setCurrentIndex(deviceSelection_);
+  list->setEditText(list->itemText(deviceSelection_));
+}
+
+}  // namespace zrn
