@@ -12,7 +12,6 @@
 #include "storage/logs.h"
 #include "ui/channel_select_dialog.h"
 #include "ui/schedule_dialog.h"
-#include "ui/shows_dialog.h"
 #include "ui/silence_detect_dialog.h"
 
 namespace zrn {
@@ -39,10 +38,6 @@ SetupEditors DefaultSetupEditors() {
   };
   editors.silenceDetect = [](State& s, int output, QWidget* parent) {
     SilenceDetectDialog dialog(s, output, parent);
-    dialog.exec();
-  };
-  editors.shows = [](State& s, QWidget* parent) {
-    ShowsDialog dialog(s, parent);
     dialog.exec();
   };
   editors.silenceOutputs = [](State& s, QWidget* parent) {
