@@ -14,10 +14,12 @@
 #include "monitor/monitor.h"
 #include "monitor/panel_canvas_widget.h"
 #include "monitor/setup_commands.h"
+#include "shows/show_status.h"
 #include "storage/shows_file.h"
 #include "ui/about_dialog.h"
 #include "ui/schedule_dialog.h"
 #include "ui/setup_dialog.h"
+#include "ui/show_silence_status_dialog.h"
 #include "ui/silence_detect_dialog.h"
 
 namespace zrn {
@@ -51,6 +53,8 @@ MainWindow::MainWindow(Monitor& monitor, QWidget* parent) : QMainWindow(parent),
 
   connect(canvas_, &PanelCanvasWidget::outputPanelClicked, this,
           [this](int index) { monitor_.PanelClicked(index); });
+  connect(canvas_, &PanelCanvasWidget::showPanelClicked, this,
+          [this](int index) { OpenShowStatus(index); });
   connect(canvas_, &PanelCanvasWidget::outputPanelMenuRequested, this,
           [this](int index, const QPoint& at) { ShowPanelMenu(index, at); });
   connect(&monitor_, &Monitor::changed, this, &MainWindow::Refresh);
@@ -110,6 +114,18 @@ void MainWindow::BuildMenus() {
       SilenceDetectDialog dialog(s, channel - 1, this);
       dialog.exec();
     });
+  });
+}
+
+void MainWindow::OpenShowStatus(int panel) {
+  monitor_.Run("Error Opening Show Status", [this, panel] {
+    State& s = monitor_.state();
+    if (!SelectShowPanel(s, panel)) {
+      return;
+    }
+    ShowSilenceStatusDialog dialog(s, s.SelectedShow, this);
+    connect(&monitor_, &Monitor::changed, &dialog, &ShowSilenceStatusDialog::Refresh);
+    dialog.exec();
   });
 }
 

@@ -35,6 +35,7 @@ class MainWindow final : public QMainWindow {
   void SyncHistory();
   void BuildMenus();
   void ShowPanelMenu(int index, const QPoint& globalPos);
+  void OpenShowStatus(int panel);
 
   Monitor& monitor_;
   QScrollArea* scroll_ = nullptr;

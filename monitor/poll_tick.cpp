@@ -3,6 +3,7 @@
 #include "monitor/loss_alarm.h"
 #include "monitor/panel_update.h"
 #include "schedule/due_events.h"
+#include "shows/shows_pass.h"
 #include "storage/logs.h"
 #include "switcher/link.h"
 #include "switcher/startup_exchange.h"
@@ -63,7 +64,7 @@ void PollTick(State& s) {
   if (RepeatOutstandingRequests(s)) {
     return;
   }
-  // The shows are evaluated here once the exchange is complete.
+  ShowsPass(s);
 }
 
 }  // namespace zrn

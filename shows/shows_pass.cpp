@@ -6,7 +6,6 @@
 #include "shows/show_panels.h"
 #include "shows/show_status.h"
 #include "shows/silence_monitors.h"
-#include "storage/logs.h"
 
 namespace zrn {
 
