@@ -177,8 +177,11 @@ void PanelCanvasWidget::paintEvent(QPaintEvent* event) {
     }
     DrawFrame(p, show.frame);
     DrawText(p, Inner(show.frame, show.name), show.nameText, PanelFont(190, true), kText);
-    DrawText(p, Inner(show.frame, show.outputs), show.outputsText, PanelFont(170, false), kDimText,
-             Qt::AlignLeft | Qt::AlignTop);
+    // The output line may take two lines of its box.
+    p.setFont(PanelFont(170, false));
+    p.setPen(kDimText);
+    p.drawText(Inner(show.frame, show.outputs), Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap,
+               show.outputsText);
     DrawText(p, Inner(show.frame, show.source), show.sourceText, PanelFont(170, false), kDimText);
     DrawLamp(p, Inner(show.frame, show.indicator), show.indicatorColour, true);
   }

@@ -30,6 +30,9 @@ void Form_Load(State& s, const QString& appPath) {
   ConnectToSwitcher(s);
   ReadEvents(s);
   ReadShows(s);
+  // The shows borrow outputs through this index; it must not wait for the switcher to
+  // report a different size.
+  UpdateSilenceOutTable(s);
   RefreshClock(s);
   GetNextEvent(s, kNone);
   // A restart inside a scheduled "off" period stays off.

@@ -12,6 +12,7 @@
 #include "storage/logs.h"
 #include "ui/channel_select_dialog.h"
 #include "ui/schedule_dialog.h"
+#include "ui/shows_dialog.h"
 #include "ui/silence_detect_dialog.h"
 
 namespace zrn {
@@ -38,6 +39,10 @@ SetupEditors DefaultSetupEditors() {
   };
   editors.silenceDetect = [](State& s, int output, QWidget* parent) {
     SilenceDetectDialog dialog(s, output, parent);
+    dialog.exec();
+  };
+  editors.shows = [](State& s, QWidget* parent) {
+    ShowsDialog dialog(s, parent);
     dialog.exec();
   };
   editors.silenceOutputs = [](State& s, QWidget* parent) {

@@ -1,0 +1,195 @@
+#include <QFile>
+#include <QTemporaryDir>
+
+#include "e2e/sim_process.h"
+#include "monitor/main_window.h"
+#include "monitor/monitor.h"
+#include "monitor/panel_models.h"
+#include "shows/show_status.h"
+#include "ui/broadcast_style.h"
+
+namespace zrn {
+namespace {
+
+using test::FreePort;
+using test::SimProcess;
+
+// The whole monitor, in this process, against the simulator in its own process.
+class MonitorWithSim : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(dir.isValid());
+    port = FreePort();
+    sim = std::make_unique<SimProcess>(port);
+    ASSERT_TRUE(sim->Start()) << "zrn-switcher-sim did not start";
+  }
+
+  void WriteConfig(const QString& mode) {
+    QString ini = QStringLiteral(
+                      "[CONFIGURATION]\r\nServer IP Address=127.0.0.1\r\nServer IP Port=%1\r\n"
+                      "Maximum Log File Size=5000\r\nMaximum Display=100\r\nAlarm Relay=1\r\n"
+                      "Default View=Normal\r\nProgram Mode=%2\r\nOutput Count=4\r\n")
+                      .arg(port)
+                      .arg(mode);
+    for (int n = 1; n <= 4; ++n) {
+      ini += QStringLiteral(
+                 "[OUTPUT%1]\r\nOutput=%1\r\nDisplay Options=0\r\nCustom Label=None\r\n"
+                 "Event Count=0\r\n")
+                 .arg(n);
+    }
+    QFile file(dir.path() + QStringLiteral("/zrnconfig.ini"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(ini.toLatin1());
+  }
+
+  void Launch(const QString& mode = QStringLiteral("Output")) {
+    WriteConfig(mode);
+    monitor = std::make_unique<Monitor>(dir.path() + QLatin1Char('/'));
+    monitor->Start();
+    ASSERT_TRUE(WaitForExchange()) << "the start-up exchange did not complete";
+  }
+
+  bool WaitForExchange(int ms = 10000) {
+    return QTest::qWaitFor(
+        [&] {
+          const State& s = monitor->state();
+          return s.Connected && s.linkState.ExchangeComplete && s.requests.Req1 == 0 &&
+                 s.requests.Req2 == 0 && s.requests.Req3 == 0 && s.requests.Req4 == 0;
+        },
+        ms);
+  }
+
+  QString ActivityLog() const {
+    QFile file(dir.path() + QStringLiteral("/EventLog.txt"));
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+  }
+
+  QStringList ErrorLog() const {
+    QFile file(dir.path() + QStringLiteral("/Errorlog.txt"));
+    if (!file.open(QIODevice::ReadOnly)) {
+      return {};
+    }
+    const QStringList all = QString::fromUtf8(file.readAll()).split(QStringLiteral("\r\n"));
+    return all.mid(all.indexOf(QString(80, QLatin1Char('-'))) + 1).filter(QStringLiteral(" "));
+  }
+
+  bool LampBecomes(int panel, const Rgb& colour, int ms = 10000) {
+    return QTest::qWaitFor([&] { return monitor->state().panels.outputs[panel].lamp == colour; },
+                           ms);
+  }
+
+  QTemporaryDir dir;
+  quint16 port = 0;
+  std::unique_ptr<SimProcess> sim;
+  std::unique_ptr<Monitor> monitor;
+};
+
+TEST_F(MonitorWithSim, SilenceRaisesTheAlarmAndAudioClearsIt) {
+  Launch();
+  const State& s = monitor->state();
+  EXPECT_EQ(s.OutputNames[0], QStringLiteral("TX 1    ")) << "names keep their blanks";
+  EXPECT_EQ(s.panels.outputs[0].toolTip, QStringLiteral("TX 1        [0001]"));
+  ASSERT_TRUE(LampBecomes(1, kLampGreen));
+
+  // Input 2 feeds output 2.
+  EXPECT_EQ(sim->Command(QStringLiteral("input 2 silent")).left(2), QStringLiteral("ok"));
+  ASSERT_TRUE(LampBecomes(1, kLampRed));
+  EXPECT_TRUE(
+      QTest::qWaitFor([&] { return sim->Status(QStringLiteral("relays_on")) == "1"; }, 5000))
+      << "the alarm relay is latched on the switcher";
+  EXPECT_TRUE(QTest::qWaitFor([&] { return s.panels.window.alarmLampColour == kLampRed; }, 5000));
+  const QString log = ActivityLog();
+  EXPECT_TRUE(log.contains(QStringLiteral("TX 2     [0002] Silence Alarm Status ON!")));
+  EXPECT_TRUE(log.contains(QStringLiteral("Loss Alarm Report On")));
+
+  sim->Command(QStringLiteral("input 2 audio"));
+  ASSERT_TRUE(LampBecomes(1, kLampGreen));
+  EXPECT_TRUE(
+      QTest::qWaitFor([&] { return sim->Status(QStringLiteral("relays_on")) == "-"; }, 5000));
+  EXPECT_TRUE(ActivityLog().contains(QStringLiteral("Loss Alarm Report Off")));
+  EXPECT_TRUE(ErrorLog().isEmpty()) << ErrorLog().join(QLatin1Char('\n')).toStdString();
+}
+
+TEST_F(MonitorWithSim, DropMuteAndGarbageEndInAFreshExchange) {
+  Launch();
+  State& s = monitor->state();
+
+  sim->Command(QStringLiteral("drop"));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !s.Connected; }, 5000));
+  ASSERT_TRUE(WaitForExchange()) << "reconnected by the poll timer with a full exchange";
+
+  // A switcher that stops answering keep-alives is dropped after 201 polls.
+  sim->Command(QStringLiteral("mute on"));
+  for (int tick = 0; tick < 400 && s.Connected; ++tick) {
+    monitor->Poll();
+  }
+  EXPECT_FALSE(s.Connected);
+  EXPECT_EQ(ErrorLog().filter(QStringLiteral("Disconnecting - No Response from Server")).size(), 1);
+  sim->Command(QStringLiteral("mute off"));
+  ASSERT_TRUE(WaitForExchange());
+
+  // Garbage and a cut-off frame leave the monitor working.
+  sim->Command(QStringLiteral("send 01 02 03 CB 0A F7 00 FF 00"));
+  sim->Command(QStringLiteral("input 3 silent"));
+  EXPECT_TRUE(LampBecomes(2, kLampRed));
+  EXPECT_TRUE(s.Connected);
+  EXPECT_EQ(ActivityLog().count(QStringLiteral("Server Module Connected")), 3);
+}
+
+TEST_F(MonitorWithSim, AShowOnAirWatchesItsDownlinkAndTakesAStudio) {
+  // One show all day, every day: downlink input 1, studio sources inputs 2/3 and 5/6, show
+  // outputs 10/11 and 12/13, four borrowed silence-detecting outputs 201 to 204.
+  QByteArray shows;
+  auto i16 = [&](int v) {
+    shows.append(static_cast<char>(v & 0xFF));
+    shows.append(static_cast<char>((v >> 8) & 0xFF));
+  };
+  i16(1);
+  i16(1);
+  shows.append(static_cast<char>(10));
+  shows += "Drive Time00:00:0023:59:5901/01/202412/31/2099";
+  shows.append(static_cast<char>(127));
+  shows.append('\0');
+  const int none = kNone;
+  for (int v : {0, 2, 9,    10, none, 11, 12, none, 2,   1,   2,   none,
+                4, 5, none, 0,  824,  3,  1,  4,    200, 201, 202, 203}) {
+    i16(v);
+  }
+  QFile file(dir.path() + QStringLiteral("/ZRNShows.dat"));
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+  file.write(shows);
+  file.close();
+
+  ApplyBroadcastStyle(*qApp);
+  Launch(QStringLiteral("Show"));
+  MainWindow window(*monitor);
+  window.show();
+  State& s = monitor->state();
+  ASSERT_TRUE(QTest::qWaitFor([&] { return s.ActiveShowCount == 1; }, 5000));
+  ASSERT_TRUE(
+      QTest::qWaitFor([&] { return s.panels.shows[0].indicatorColour == kLampGreen; }, 15000))
+      << "the downlink monitor reports audio once its grace is over";
+
+  sim->Command(QStringLiteral("input 1 silent"));
+  ASSERT_TRUE(
+      QTest::qWaitFor([&] { return s.panels.shows[0].indicatorColour == kLampRed; }, 10000));
+  EXPECT_TRUE(
+      QTest::qWaitFor([&] { return sim->Status(QStringLiteral("relays_on")) == "1"; }, 5000));
+  EXPECT_TRUE(ActivityLog().contains(QStringLiteral("Loss Alarm Report On")));
+  QTest::qWait(100);
+  window.grab().save(QCoreApplication::applicationDirPath() +
+                     QStringLiteral("/../screenshots/show-mode.png"));
+
+  // Taking the second studio source routes inputs 5 and 6 to show outputs 10/11 and 12/13.
+  ASSERT_EQ(TakeStudioSource(s, 0, 1), 4);
+  EXPECT_TRUE(QTest::qWaitFor(
+      [&] {
+        const QString routes = sim->Status(QStringLiteral("routes"));
+        return routes.contains(QStringLiteral("10:5,11:6,12:5,13:6"));
+      },
+      5000))
+      << sim->Status(QStringLiteral("routes")).toStdString();
+}
+
+}  // namespace
+}  // namespace zrn

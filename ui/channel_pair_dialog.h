@@ -1,0 +1,70 @@
+#pragma once
+
+#include <QDialog>
+#include <array>
+#include <vector>
+
+#include "core/state.h"
+#include "ui/channel_pair_rules.h"
+#include "ui/message_box_prompt.h"
+
+class QComboBox;
+class QPushButton;
+class QTreeWidget;
+
+namespace zrn {
+
+// frmChannelSelect2: the outputs (ChannelSelectMode 1) or studio sources (mode 2) of show
+// EditShows[SelectedShow], each a left, right and cue channel. It edits a copy of the groups;
+// OK writes them into the show editor's working copy, Cancel drops them.
+//
+//   s.ChannelSelectMode = 1;
+//   s.SelectedShow = current;
+//   ChannelPairDialog dialog(s, showEditor);
+//   dialog.exec();
+class ChannelPairDialog final : public QDialog {
+  Q_OBJECT
+
+ public:
+  explicit ChannelPairDialog(State& s, QWidget* parent = nullptr);
+
+  const std::vector<ChannelGroup>& Groups() const { return groups_; }
+  // Index of the current group; kNone when there is none.
+  int Current() const { return current_; }
+  bool Editing() const { return editing_; }
+
+  // Opens only in mode 1 or 2, for a show of the working copy.
+  int exec() override;
+  void accept() override;
+
+ private:
+  void BuildControls();
+  void Fill();
+  void FillList(int select);
+  void ShowGroup(int index);
+  void RowChosen();
+  void AddGroup();
+  void DeleteGroups();
+  void EditOrSave();
+  void SaveGroup();
+  void SetEditing(bool on);
+
+  State& s_;
+  int mode_ = 0;
+  int show_ = -1;
+  std::vector<ChannelGroup> groups_;
+  int current_ = kNone;
+  bool editing_ = false;
+  // Set while the dialog fills its lists, so their handlers stay quiet.
+  bool updating_ = false;
+  MessageBoxPrompt fallbackPrompt_;
+
+  QTreeWidget* lvList_ = nullptr;
+  // Left, right, cue.
+  std::array<QComboBox*, 3> cmbChan_{};
+  QPushButton* cmdAdd_ = nullptr;
+  QPushButton* cmdDelete_ = nullptr;
+  QPushButton* cmdEdit_ = nullptr;
+};
+
+}  // namespace zrn

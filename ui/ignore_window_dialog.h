@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QDialog>
+#include <vector>
+
+#include "core/state.h"
+#include "ui/message_box_prompt.h"
+
+class QLabel;
+class QLineEdit;
+class QTreeWidget;
+
+namespace zrn {
+
+// frmSilenceIgnoreWindow: the daily periods in which silence of show EditShows[SelectedShow]
+// is not shown as an alarm. It edits a copy; OK writes the windows into the show editor's
+// working copy, which that editor's OK makes live.
+//
+//   s.SelectedShow = current;
+//   IgnoreWindowDialog dialog(s, showEditor);
+//   dialog.exec();
+class IgnoreWindowDialog final : public QDialog {
+  Q_OBJECT
+
+ public:
+  explicit IgnoreWindowDialog(State& s, QWidget* parent = nullptr);
+
+  const std::vector<IgnoreWindow>& Windows() const { return windows_; }
+
+  // Opens only for a show of the working copy.
+  int exec() override;
+  void accept() override;
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  void BuildControls();
+  void FillList();
+  void AddWindow();
+  void DeleteWindow();
+  bool TimeKey(QLineEdit* field, QKeyEvent* key);
+  Prompt& Ask();
+
+  State& s_;
+  int show_ = -1;
+  std::vector<IgnoreWindow> windows_;
+  MessageBoxPrompt fallbackPrompt_;
+
+  QLabel* lblShow_ = nullptr;
+  QLineEdit* txtStartTime_ = nullptr;
+  QLineEdit* txtEndTime_ = nullptr;
+  QTreeWidget* lstSilenceSched_ = nullptr;
+};
+
+}  // namespace zrn
