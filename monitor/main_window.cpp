@@ -20,6 +20,7 @@
 #include "ui/schedule_dialog.h"
 #include "ui/setup_dialog.h"
 #include "ui/show_silence_status_dialog.h"
+#include "ui/shows_dialog.h"
 #include "ui/silence_detect_dialog.h"
 
 namespace zrn {
@@ -74,7 +75,14 @@ void MainWindow::BuildMenus() {
       }
     });
   });
-  showSetupAction_ = file->addAction(QStringLiteral("Sho&w Setup"));
+  file->addAction(QStringLiteral("Sho&w Setup"), this, [this] {
+    monitor_.Run("Error in Show Setup", [this] {
+      State& s = monitor_.state();
+      s.SelectedShow = 0;
+      ShowsDialog dialog(s, this);
+      dialog.exec();
+    });
+  });
   file->addAction(QStringLiteral("&Print Show List to Text File"), this, [this] {
     monitor_.Run("Error Saving Shows to text file", [this] { PrintShows(monitor_.state()); });
   });

@@ -45,7 +45,6 @@ class MainWindow final : public QMainWindow {
   QLabel* status_ = nullptr;
   QMenu* panelMenu_ = nullptr;
   QAction* enableAction_ = nullptr;
-  QAction* showSetupAction_ = nullptr;
   QSize lastWindowSize_;
 };
 
