@@ -89,6 +89,8 @@ SimSwitcher::Connection* SimSwitcher::Find(int id) {
 
 void SimSwitcher::OnNewConnection() {
   while (QTcpSocket* socket = server_.nextPendingConnection()) {
+    // A real switcher reports a change the moment it happens, not when an ACK comes back.
+    socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
     auto connection = std::make_unique<Connection>();
     const int id = nextId_++;
     connection->id = id;

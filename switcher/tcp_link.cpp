@@ -14,6 +14,8 @@ void TcpLink::Open(const QString& address, quint16 port) {
   socket_ = socket;
   closedSignalled_ = false;
   connect(socket, &QTcpSocket::connected, this, [this, socket] {
+    // Commands are a few bytes each; waiting to coalesce them would delay a relay latch.
+    socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
     if (socket == socket_) {
       emit connected();
     }
