@@ -138,7 +138,7 @@ TEST_F(MonitorWithSim, DropMuteAndGarbageEndInAFreshExchange) {
 
 TEST_F(MonitorWithSim, AShowOnAirWatchesItsDownlinkAndTakesAStudio) {
   // One show all day, every day: downlink input 1, studio sources inputs 2/3 and 5/6, show
-  // outputs 10/11 and 12/13, four borrowed silence-detecting outputs 201 to 204.
+  // outputs 10/11 and 12/13, three borrowed silence-detecting outputs 14 to 16.
   QByteArray shows;
   auto i16 = [&](int v) {
     shows.append(static_cast<char>(v & 0xFF));
@@ -151,8 +151,8 @@ TEST_F(MonitorWithSim, AShowOnAirWatchesItsDownlinkAndTakesAStudio) {
   shows.append(static_cast<char>(127));
   shows.append('\0');
   const int none = kNone;
-  for (int v : {0, 2, 9,    10, none, 11, 12, none, 2,   1,   2,   none,
-                4, 5, none, 0,  824,  3,  1,  4,    200, 201, 202, 203}) {
+  for (int v :
+       {0, 2, 9, 10, none, 11, 12, none, 2, 1, 2, none, 4, 5, none, 0, 824, 3, 1, 3, 13, 14, 15}) {
     i16(v);
   }
   QFile file(dir.path() + QStringLiteral("/ZRNShows.dat"));
@@ -186,6 +186,23 @@ TEST_F(MonitorWithSim, AShowOnAirWatchesItsDownlinkAndTakesAStudio) {
       [&] {
         const QString routes = sim->Status(QStringLiteral("routes"));
         return routes.contains(QStringLiteral("10:5,11:6,12:5,13:6"));
+      },
+      5000))
+      << sim->Status(QStringLiteral("routes")).toStdString();
+  EXPECT_TRUE(sim->Status(QStringLiteral("routes")).contains(QStringLiteral("14:1,15:2,16:5")))
+      << "downlink and studio sources watched on the borrowed outputs";
+
+  // A restarted switcher has forgotten the monitors; they are routed again once the new
+  // exchange completes.
+  sim->Kill();
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !s.Connected; }, 5000));
+  sim = std::make_unique<SimProcess>(port);
+  ASSERT_TRUE(sim->Start());
+  EXPECT_EQ(sim->Status(QStringLiteral("routes")).right(17), QStringLiteral("14:14,15:15,16:16"));
+  ASSERT_TRUE(WaitForExchange());
+  EXPECT_TRUE(QTest::qWaitFor(
+      [&] {
+        return sim->Status(QStringLiteral("routes")).endsWith(QStringLiteral("14:1,15:2,16:5"));
       },
       5000))
       << sim->Status(QStringLiteral("routes")).toStdString();
