@@ -2,6 +2,7 @@
 // building command frames.
 #include <benchmark/benchmark.h>
 #include <QDir>
+#include <QTemporaryDir>
 
 #include "core/state.h"
 #include "switcher/frame.h"
@@ -29,17 +30,20 @@ QByteArray MixedStream(int messages) {
         continue;
       case 1:
       case 2:
+        // Change of state: one item, output, status.
         payload.append(static_cast<char>(0x0A));
+        zrn::AppendInt14(payload, 1);
         zrn::AppendInt14(payload, i % 256);
         payload.append(static_cast<char>(i % 2));
         stream += zrn::BuildFrame(0xCB, payload);
         break;
       default:
-        payload.append(static_cast<char>(0x4A));
+        // Crosspoint block of one output with one source.
+        payload.append(static_cast<char>(0x01));
+        zrn::AppendInt14(payload, 1);
         zrn::AppendInt14(payload, i % 256);
         zrn::AppendInt14(payload, 1);
-        payload.append(static_cast<char>(1));
-        payload.append(static_cast<char>(0));
+        payload.append('\0');
         zrn::AppendInt14(payload, (i * 7) % 256);
         zrn::AppendInt14(payload, 0);
         stream += zrn::BuildFrame(0xF6, payload);
@@ -50,10 +54,18 @@ QByteArray MixedStream(int messages) {
 
 void BM_DecodeMixedStream(benchmark::State& state) {
   NullLink link;
+  // Logs go to a real folder: a watched output's silence change writes an activity line.
+  QTemporaryDir dir;
   zrn::State s;
-  s.AppPath = QDir::tempPath() + QStringLiteral("/zrn-bench-absent/");
+  s.AppPath = dir.path() + QLatin1Char('/');
   s.link = &link;
   zrn::OnConnected(s);
+  // Watch 64 outputs, as a station would; the reports below concern all 256.
+  s.Outputs.assign(64, zrn::OutputEntry{});
+  for (int i = 0; i < 64; ++i) {
+    s.Outputs[i].Output = static_cast<qint16>(1 + 4 * i);
+  }
+  s.OutputCount = 64;
   const int messages = static_cast<int>(state.range(0));
   const QByteArray stream = MixedStream(messages);
   for (auto _ : state) {
