@@ -1,5 +1,6 @@
 #include "monitor/loss_alarm.h"
 #include "monitor/panel_update.h"
+#include "support/bytes.h"
 #include "support/fake_link.h"
 #include "support/temp_state.h"
 #include "switcher/link.h"
@@ -10,13 +11,7 @@ namespace {
 using test::FakeLink;
 using test::TempStateTest;
 
-QByteArray Bytes(std::initializer_list<int> values) {
-  QByteArray out;
-  for (int v : values) {
-    out.append(static_cast<char>(v));
-  }
-  return out;
-}
+using test::Bytes;
 
 const QByteArray kLatch3 = Bytes({0xFE, 0x44, 0x00, 0x00, 0x00, 0x02, 0x00, 0x46, 0xFF});
 const QByteArray kRelease3 = Bytes({0xFE, 0x40, 0x00, 0x00, 0x00, 0x02, 0x00, 0x42, 0xFF});

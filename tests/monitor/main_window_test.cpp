@@ -12,19 +12,14 @@
 #include "monitor/monitor.h"
 #include "monitor/panel_canvas_widget.h"
 #include "monitor/panel_update.h"
+#include "support/bytes.h"
 #include "support/temp_state.h"
 #include "ui/broadcast_style.h"
 
 namespace zrn {
 namespace {
 
-QByteArray Bytes(std::initializer_list<int> values) {
-  QByteArray out;
-  for (int v : values) {
-    out.append(static_cast<char>(v));
-  }
-  return out;
-}
+using test::Bytes;
 
 // The whole program with its window, against a loopback server standing in for the switcher.
 class MainWindowTest : public ::testing::Test {

@@ -4,6 +4,7 @@
 #include <QPushButton>
 #include <QTest>
 
+#include "support/bytes.h"
 #include "support/scripted_prompt.h"
 #include "support/temp_state.h"
 #include "ui/schedule_dialog.h"
@@ -11,13 +12,7 @@
 namespace zrn {
 namespace {
 
-QByteArray Bytes(std::initializer_list<int> values) {
-  QByteArray out;
-  for (int v : values) {
-    out.append(static_cast<char>(v));
-  }
-  return out;
-}
+using test::Bytes;
 
 class MenuCommands : public test::TempStateTest {
  protected:

@@ -1,17 +1,12 @@
 #include "schedule_fixture.h"
 
 #include "storage/logs.h"
+#include "support/bytes.h"
 
 namespace zrn::test {
 namespace {
 
-QByteArray Bytes(std::initializer_list<int> values) {
-  QByteArray out;
-  for (int v : values) {
-    out.append(static_cast<char>(v));
-  }
-  return out;
-}
+using test::Bytes;
 
 using DueEvents = ScheduleTest;
 

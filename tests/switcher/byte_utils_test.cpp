@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <random>
 
+#include "support/bytes.h"
 #include "support/temp_state.h"
 #include "switcher/byte_utils.h"
 
@@ -9,13 +10,7 @@ namespace {
 
 using test::TempStateTest;
 
-QByteArray Bytes(std::initializer_list<int> values) {
-  QByteArray out;
-  for (int v : values) {
-    out.append(static_cast<char>(v));
-  }
-  return out;
-}
+using test::Bytes;
 
 class ByteUtils : public TempStateTest {};
 

@@ -1,4 +1,5 @@
 #include "switcher/commands.h"
+#include "support/bytes.h"
 #include "support/fake_link.h"
 #include "support/temp_state.h"
 #include "switcher/link.h"
@@ -9,13 +10,7 @@ namespace {
 using test::FakeLink;
 using test::TempStateTest;
 
-QByteArray Bytes(std::initializer_list<int> values) {
-  QByteArray out;
-  for (int v : values) {
-    out.append(static_cast<char>(v));
-  }
-  return out;
-}
+using test::Bytes;
 
 class Commands : public TempStateTest {
  protected:

@@ -1,6 +1,7 @@
 #include <QFile>
 
 #include "storage/logs.h"
+#include "support/bytes.h"
 #include "support/fake_link.h"
 #include "support/temp_state.h"
 #include "switcher/frame.h"
@@ -12,13 +13,7 @@ namespace {
 using test::FakeLink;
 using test::TempStateTest;
 
-QByteArray Bytes(std::initializer_list<int> values) {
-  QByteArray out;
-  for (int v : values) {
-    out.append(static_cast<char>(v));
-  }
-  return out;
-}
+using test::Bytes;
 
 // A connected link whose known message types are recorded as they are dispatched.
 class Framing : public TempStateTest {

@@ -3,6 +3,7 @@
 #include <QTcpSocket>
 #include <QTest>
 
+#include "support/bytes.h"
 #include "support/temp_state.h"
 #include "switcher/commands.h"
 #include "switcher/link.h"
@@ -13,13 +14,7 @@ namespace {
 
 using test::TempStateTest;
 
-QByteArray Bytes(std::initializer_list<int> values) {
-  QByteArray out;
-  for (int v : values) {
-    out.append(static_cast<char>(v));
-  }
-  return out;
-}
+using test::Bytes;
 
 // The program's link against a real server on the loopback interface.
 class Loopback : public TempStateTest {

@@ -10,6 +10,7 @@
 #include <QTest>
 #include <stdexcept>
 
+#include "support/bytes.h"
 #include "support/fake_link.h"
 #include "support/scripted_prompt.h"
 #include "support/temp_state.h"
@@ -24,13 +25,7 @@ namespace {
 using test::FakeLink;
 using test::ScriptedPrompt;
 
-QByteArray Bytes(std::initializer_list<int> values) {
-  QByteArray out;
-  for (int v : values) {
-    out.append(static_cast<char>(v));
-  }
-  return out;
-}
+using test::Bytes;
 
 class SilenceDetectDialogTest : public test::TempStateTest {
  protected:
