@@ -114,9 +114,18 @@ void FollowClockJump(State& s, int minuteBefore, int minuteNow) {
   // set back reads as a long way forward.
   const int forward =
       ((minuteNow - minuteBefore) % kMinutesPerWeek + kMinutesPerWeek) % kMinutesPerWeek;
-  if (forward >= kJumpMinutes) {
-    GetNextEvent(s, kNone);
+  if (forward < kJumpMinutes) {
+    return;
   }
+  // Set back: the shorter way round the week is backwards.
+  if (kMinutesPerWeek - forward < forward) {
+    GetNextEvent(s, kNone);
+    return;
+  }
+  // Stepped forward: what the step left less than 3 minutes behind is still caught up, so the
+  // search of today starts at the first minute of the catch-up window rather than now.
+  const int windowStart = (SecondsNow(s) / 60 - (kCatchUpMinutes - 1)) * 60;
+  GetNextEventAfter(s, kNone, std::max(windowStart, 0) - 1);
 }
 
 void ApplyMostRecentPastEvents(State& s) {

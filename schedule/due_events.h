@@ -16,7 +16,8 @@ void RunDueEvents(State& s, int minuteNow);
 
 // The clock-jump step of a poll tick, with the minutes of the week before and after the clock
 // was read: recomputes every next event when the clock moved forward by 3 minutes or more or
-// went back. Sunday night running into Monday is ordinary progress, not a jump.
+// went back. Sunday night running into Monday is ordinary progress, not a jump. After a step
+// forward the events it left less than 3 minutes behind stay due, to be caught up.
 void FollowClockJump(State& s, int minuteBefore, int minuteNow);
 
 // Start-up, after the next events were computed: each output takes the monitoring state,

@@ -17,6 +17,8 @@ const QString kUnknown = QStringLiteral("Uknown");
 
 // 3 minutes of 500 ms ticks: longer than an event's own second and its catch-up window.
 constexpr qint16 kHoldOffTicks = 360;
+// An event runs at most this late (the poll timer's catch-up is under 3 minutes).
+constexpr int kCatchUpSeconds = 180;
 
 QString FourDigits(int number) {
   return QStringLiteral("%1").arg(number, 4, 10, QLatin1Char('0'));
@@ -62,7 +64,8 @@ int EarliestOn(const OutputEntry& output, const std::vector<int>& seconds, int d
   return best;
 }
 
-qint16 FindNextEvent(State& s, const OutputEntry& output) {
+// afterSeconds: the search of today takes events later than this (seconds after midnight).
+qint16 FindNextEvent(State& s, const OutputEntry& output, int afterSeconds) {
   if (output.EventCount <= 0) {
     return kNone;
   }
@@ -79,7 +82,7 @@ qint16 FindNextEvent(State& s, const OutputEntry& output) {
     }
   }
   const int today = DayNow(s);
-  int found = EarliestOn(output, seconds, today, SecondsNow(s));
+  int found = EarliestOn(output, seconds, today, afterSeconds);
   // The following days, then on into next week up to today itself.
   for (int ahead = 1; found < 0 && ahead <= 7; ++ahead) {
     found = EarliestOn(output, seconds, (today + ahead) % 7, -1);
@@ -87,10 +90,23 @@ qint16 FindNextEvent(State& s, const OutputEntry& output) {
   return found < 0 ? kNone : static_cast<qint16>(found);
 }
 
-void GetNextEventOf(State& s, int index) {
+// Where the search for the event after one just run starts today: after that event when it ran
+// late (the clock stepped over it), so a second event stepped over within the catch-up window
+// runs late too instead of never; otherwise after now.
+int SearchAfterRun(const State& s, const ScheduledEvent& event) {
+  const int now = SecondsNow(s);
+  try {
+    const int at = EventTimeSeconds(event.Time);
+    return at < now && now - at < kCatchUpSeconds ? at : now;
+  } catch (const Failure&) {
+    return now;  // the search itself reports the time it cannot read
+  }
+}
+
+void GetNextEventOf(State& s, int index, int afterSeconds) {
   Trap(s, kLocation, kTitle, [&] {
     OutputEntry& output = At(s.Outputs, index);
-    output.NextEvent = FindNextEvent(s, output);
+    output.NextEvent = FindNextEvent(s, output, afterSeconds);
   });
 }
 
@@ -120,13 +136,17 @@ QString EventReportLine(const State& s, const OutputEntry& output) {
 }
 
 void GetNextEvent(State& s, int index) {
+  GetNextEventAfter(s, index, SecondsNow(s));
+}
+
+void GetNextEventAfter(State& s, int index, int afterSeconds) {
   if (index != kNone) {
-    GetNextEventOf(s, index);
+    GetNextEventOf(s, index, afterSeconds);
     return;
   }
   const int count = std::min<int>(s.PanelsLoaded, static_cast<int>(s.Outputs.size()));
   for (int i = 0; i < count; ++i) {
-    GetNextEventOf(s, i);
+    GetNextEventOf(s, i, afterSeconds);
   }
 }
 
@@ -134,6 +154,7 @@ void ExecuteEvent(State& s, int index) {
   if (s.ProgramMode == 1) {
     return;
   }
+  int after = 0;
   const bool done = Trap(s, kLocation, kTitle, [&] {
     OutputEntry& output = At(s.Outputs, index);
     const int j = output.NextEvent;
@@ -141,6 +162,7 @@ void ExecuteEvent(State& s, int index) {
       throw Failure::SubscriptOutOfRange();
     }
     const ScheduledEvent event = output.Events[static_cast<size_t>(j)];
+    after = SearchAfterRun(s, event);
 
     output.MonitoringEnabled = event.Active;
     output.DisplayOption = event.DisplayOption;
@@ -169,7 +191,7 @@ void ExecuteEvent(State& s, int index) {
   });
   // After a failure NextEvent stays as it was.
   if (done) {
-    GetNextEventOf(s, index);
+    GetNextEventOf(s, index, after);
   }
 }
 

@@ -10,6 +10,9 @@ namespace zrn {
 // counts as next week's). kNone when no event runs on any day. An event whose time cannot be
 // read is left out with an error-log line.
 void GetNextEvent(State& s, int index);
+// GetNextEvent with today's search starting after afterSeconds (seconds after midnight, -1 for
+// the whole day) instead of after CurrentTime.
+void GetNextEventAfter(State& s, int index, int afterSeconds);
 
 // Carries out event NextEvent of Outputs[index]: monitoring, display option and label, the
 // route of its source (held as PendingRouteSource while the link is down), hold-off, a report

@@ -217,6 +217,26 @@ TEST_F(DueEvents, ClockJumps) {
   EXPECT_EQ(Reports().size(), 3);
 }
 
+TEST_F(DueEvents, AForwardStepStillRunsWhatItLeftLessThanThreeMinutesBehind) {
+  SetEvents({Event("09:59:30", kEveryDay, true), Event("10:01:00", kEveryDay, false),
+             Event("10:02:00", kEveryDay, true), Event("10:30:00", kEveryDay, false)});
+  StartAt(2, "09:58:59");
+  Ticks(1);
+  TickAt(At(2, "10:03:00"));  // five minutes forward
+  Ticks(1);
+  TickAt(At(2, "10:29:59"));
+  Ticks(2);
+  QStringList ran;
+  for (const QString& row : s.MessageRows) {
+    ran << row.section(QStringLiteral(" - "), 1);
+  }
+  // 09:59:30 is left 3.5 minutes behind and is gone; the pair a minute apart runs late, in
+  // order, and the schedule goes on.
+  EXPECT_EQ(ran, (QStringList{QStringLiteral("10:03:00 - Studio A [0012] Monitoring disabled."),
+                              QStringLiteral("10:03:00 - Studio A [0012] Monitoring enabled."),
+                              QStringLiteral("10:30:00 - Studio A [0012] Monitoring disabled.")}));
+}
+
 TEST_F(DueEvents, OneBadEntryDoesNotStopTheOthers) {
   s.Outputs.resize(3);
   s.OutputCount = 3;
