@@ -30,16 +30,27 @@ QByteArray Consume(State& s, qsizetype n) {
   return head;
 }
 
-// 1-based position of the first end byte, searching only bytes not searched before.
-qsizetype FindEnd(State& s) {
+// Position of the byte that ends the front message: its end byte or, unless the message is
+// taken whole, any byte with its top bit set, which starts another message and so cuts this
+// one short. Searches only bytes not searched before; -1 while there is none.
+qsizetype FindBoundary(State& s, bool takenWhole) {
   LinkState& link = s.linkState;
-  const qsizetype at = s.ReceiveBuffer.indexOf(kEndOfMessage, link.eomSearchedBytes);
-  if (at < 0) {
-    link.eomSearchedBytes = s.ReceiveBuffer.size();
-    return 0;
+  const QByteArray& buffer = s.ReceiveBuffer;
+  // A lone end byte at the front is a message of its own.
+  qsizetype at = buffer[0] == kEndOfMessage ? 0 : std::max<qsizetype>(link.eomSearchedBytes, 1);
+  if (takenWhole) {
+    at = buffer.indexOf(kEndOfMessage, at);
+  } else {
+    while (at < buffer.size() && !TopBitSet(buffer[at])) {
+      ++at;
+    }
+  }
+  if (at < 0 || at >= buffer.size()) {
+    link.eomSearchedBytes = buffer.size();
+    return -1;
   }
   link.eomSearchedBytes = at;
-  return at + 1;
+  return at;
 }
 
 void ProcessFront(State& s) {
@@ -70,25 +81,20 @@ void ProcessFront(State& s) {
       return;
     }
 
-    const qsizetype end = FindEnd(s);
-    if (end == 0) {
+    // A cut-short message is dropped as soon as the next type byte arrives, not only once an
+    // end byte follows: keep-alive answers queued behind it must not wait for a report that a
+    // quiet switcher may not send for minutes.
+    const qsizetype boundary = FindBoundary(s, type == 0x81);
+    if (boundary < 0) {
       return;  // incomplete: wait for more bytes
     }
-    if (type != 0x81) {
-      // A type byte inside the message means it was cut short by the start of another one.
-      qsizetype cut = 1;
-      while (cut < end - 1 && !TopBitSet(buffer[cut])) {
-        ++cut;
-      }
-      if (cut < end - 1) {
-        WriteErrorLog(s,
-                      QStringLiteral("Incomplete Message ") + QString::number(type, 16).toUpper(),
-                      QString());
-        Consume(s, cut);
-        continue;
-      }
+    if (buffer[boundary] != kEndOfMessage) {
+      WriteErrorLog(s, QStringLiteral("Incomplete Message ") + QString::number(type, 16).toUpper(),
+                    QString());
+      Consume(s, boundary);
+      continue;
     }
-    const QByteArray message = Consume(s, end);
+    const QByteArray message = Consume(s, boundary + 1);
     const MessageHandler& handler = s.linkState.handlers[type];
     if (handler) {
       handler(s, message);
@@ -165,7 +171,9 @@ void OnClosed(State& s) {
 bool OnDataAvailable(State& s, const QByteArray& bytes) {
   const bool appended = Trap(s, QStringLiteral("Error Receiving IP Message"),
                              QStringLiteral("IP Error"), [&] { s.ReceiveBuffer.append(bytes); });
-  if (appended && s.ReceiveBuffer.size() > kMaxReceiveBuffer && FindEnd(s) == 0) {
+  // Bytes already searched hold no end byte.
+  if (appended && s.ReceiveBuffer.size() > kMaxReceiveBuffer &&
+      s.ReceiveBuffer.indexOf(kEndOfMessage, s.linkState.eomSearchedBytes) < 0) {
     WriteErrorLog(s, QStringLiteral("Receive Buffer Overflow %1").arg(s.ReceiveBuffer.size()),
                   QString());
     ClearReceiveBuffer(s);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QProcess>
 #include <QTcpServer>
 #include <QTest>
@@ -18,13 +19,14 @@ inline quint16 FreePort() {
 // The switcher simulator as a separate program, driven through its standard input.
 class SimProcess {
  public:
-  explicit SimProcess(quint16 port) : port_(port) {}
+  explicit SimProcess(quint16 port, QStringList options = {})
+      : port_(port), options_(std::move(options)) {}
   ~SimProcess() { Kill(); }
 
   bool Start() {
     process_.setProgram(QCoreApplication::applicationDirPath() +
                         QStringLiteral("/zrn-switcher-sim"));
-    process_.setArguments({QStringLiteral("--port"), QString::number(port_)});
+    process_.setArguments(QStringList{QStringLiteral("--port"), QString::number(port_)} + options_);
     process_.setProcessChannelMode(QProcess::SeparateChannels);
     process_.start();
     if (!process_.waitForStarted(5000)) {
@@ -37,21 +39,21 @@ class SimProcess {
   // Sends one control line and returns the reply line.
   QString Command(const QString& line) {
     process_.write((line + QLatin1Char('\n')).toUtf8());
-    QString reply;
-    (void)QTest::qWaitFor(
-        [&] {
-          // Other lines (the banner, notes) are not replies.
-          while (process_.canReadLine()) {
-            reply = QString::fromUtf8(process_.readLine()).trimmed();
-            if (reply.startsWith(QStringLiteral("ok")) ||
-                reply.startsWith(QStringLiteral("error"))) {
-              return true;
-            }
-          }
-          return process_.state() != QProcess::Running;
-        },
-        5000);
-    return reply;
+    QElapsedTimer waited;
+    waited.start();
+    while (waited.elapsed() < 5000 && process_.state() == QProcess::Running) {
+      // Other lines (the banner, notes) are not replies.
+      while (process_.canReadLine()) {
+        const QString reply = QString::fromUtf8(process_.readLine()).trimmed();
+        if (reply.startsWith(QStringLiteral("ok")) || reply.startsWith(QStringLiteral("error"))) {
+          return reply;
+        }
+      }
+      // The monitor in this thread goes on meanwhile; the reply is taken the moment it comes.
+      QCoreApplication::processEvents();
+      process_.waitForReadyRead(1);
+    }
+    return QString();
   }
 
   // One key of the status line ("relays_on", "silent_outputs", "routes"...).
@@ -74,6 +76,7 @@ class SimProcess {
 
  private:
   quint16 port_;
+  QStringList options_;
   QProcess process_;
 };
 
