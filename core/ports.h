@@ -16,7 +16,7 @@ class Clock {
 
 class SystemClock final : public Clock {
  public:
-  QDateTime Now() const override { return QDateTime::currentDateTime(); }
+  QDateTime Now() const override;
   static SystemClock& Instance();
 };
 

@@ -134,6 +134,9 @@ struct LogState {
   QDateTime lastWritten;
   int heldBack = 0;
   bool reportingWriteFailure = false;
+  // Activity lines held while a batch is open (ActivityBatch), written together when it ends.
+  int activityBatches = 0;
+  QStringList pendingActivity;
 };
 
 struct State;

@@ -46,28 +46,24 @@ void CreateLog(const QString& path, const QStringList& lines) {
   }
 }
 
-void AppendLine(const QString& path, const QString& line) {
+void AppendBytes(const QString& path, const QByteArray& bytes) {
   QFile file(path);
   if (!file.open(QIODevice::WriteOnly | QIODevice::Append)) {
     throw Failure::PathFileAccess();
   }
-  const QByteArray bytes = Lines({line});
   if (file.write(bytes) != bytes.size() || !file.flush()) {
     throw Failure::DeviceIo();
   }
 }
 
+void AppendLine(const QString& path, const QString& line) {
+  AppendBytes(path, Lines({line}));
+}
+
 // Moves a full log to "<base> MMddyy HHmm.txt"; a second rotation in the same minute gets
 // " (2)", " (3)" ... so no rotated log is ever overwritten.
-void RotateIfFull(State& s, const QString& base) {
+void Rotate(State& s, const QString& base) {
   const QString path = DataPath(s, base + QStringLiteral(".txt"));
-  if (s.MaxLogFileSize <= 0) {
-    return;
-  }
-  const QFileInfo info(path);
-  if (!info.exists() || info.size() < static_cast<qint64>(s.MaxLogFileSize) * 1024) {
-    return;
-  }
   const QString stem = DataPath(s, base + QLatin1Char(' ') + FileStamp(Now(s)));
   QString target = stem + QStringLiteral(".txt");
   for (int n = 2; QFileInfo::exists(target); ++n) {
@@ -78,6 +74,20 @@ void RotateIfFull(State& s, const QString& base) {
   }
   if (!QFile::rename(path, target)) {
     throw Failure::PathFileAccess();
+  }
+}
+
+qint64 LogLimit(const State& s) {
+  return static_cast<qint64>(s.MaxLogFileSize) * 1024;
+}
+
+void RotateIfFull(State& s, const QString& base) {
+  if (s.MaxLogFileSize <= 0) {
+    return;
+  }
+  const QFileInfo info(DataPath(s, base + QStringLiteral(".txt")));
+  if (info.exists() && info.size() >= LogLimit(s)) {
+    Rotate(s, base);
   }
 }
 
@@ -100,7 +110,24 @@ void WriteErrorLine(State& s, const QString& location, const QString& message) {
 }  // namespace
 
 QString ActivityStamp(const QDateTime& when) {
-  return QLocale().toString(when, QStringLiteral("ddd, MMM dd, yyyy - HH:mm:ss"));
+  // A burst of reports stamps many lines within one second: the text is made once.
+  struct Last {
+    QDate date;
+    int second = -1;
+    QLocale locale;
+    QString text;
+  };
+  static Last last;
+  const QDate date = when.date();
+  const int second = when.time().msecsSinceStartOfDay() / 1000;
+  const QLocale locale;
+  if (date != last.date || second != last.second || !(locale == last.locale)) {
+    last.text = locale.toString(when, QStringLiteral("ddd, MMM dd, yyyy - HH:mm:ss"));
+    last.date = date;
+    last.second = second;
+    last.locale = locale;
+  }
+  return last.text;
 }
 
 QString GeneralDateTime(const QDateTime& when) {
@@ -164,20 +191,79 @@ void CreateErrorLog(State& s) {
   }
 }
 
-void WriteActivityLog(State& s, const QString& message, const QString& source) {
-  const QString line =
-      (ActivityStamp(Now(s)).leftJustified(35) + source).leftJustified(55) + message;
+namespace {
+
+constexpr qsizetype kMaxPendingActivityLines = 1000;
+
+// Appends lines to the activity log, rotating it before a line whenever it has reached its
+// limit, exactly as writing them one by one would, with one look at the file.
+void WriteActivityLines(State& s, const QStringList& lines) {
   try {
-    RotateIfFull(s, kActivityLog);
     const QString path = DataPath(s, kActivityLog + QStringLiteral(".txt"));
-    if (!QFileInfo::exists(path) && !CreateActivityLog(s)) {
-      return;  // reported by the creation; the line is lost
+    QFileInfo info(path);
+    if (!info.exists() && !CreateActivityLog(s)) {
+      return;  // reported by the creation; the lines are lost
     }
-    AppendLine(path, line);
+    info.refresh();
+    qint64 size = info.size();
+    QByteArray chunk;
+    for (const QString& line : lines) {
+      if (s.MaxLogFileSize > 0 && size >= LogLimit(s)) {
+        if (!chunk.isEmpty()) {
+          AppendBytes(path, chunk);
+          chunk.clear();
+        }
+        Rotate(s, kActivityLog);
+        if (!CreateActivityLog(s)) {
+          return;
+        }
+        info.refresh();
+        size = info.size();
+      }
+      const QByteArray bytes = Lines({line});
+      chunk += bytes;
+      size += bytes.size();
+    }
+    AppendBytes(path, chunk);
   } catch (const Failure& failure) {
     LogError(s, QStringLiteral("Error Writing to Activity Log"), QStringLiteral("File Error"),
              failure);
   }
+}
+
+}  // namespace
+
+void WriteActivityLog(State& s, const QString& message, const QString& source) {
+  const QString line =
+      (ActivityStamp(Now(s)).leftJustified(35) + source).leftJustified(55) + message;
+  if (s.logs.activityBatches > 0) {
+    s.logs.pendingActivity.append(line);
+    // A batch is bounded: a flood of lines is written in slices.
+    if (s.logs.pendingActivity.size() >= kMaxPendingActivityLines) {
+      FlushActivityLog(s);
+    }
+    return;
+  }
+  WriteActivityLines(s, {line});
+}
+
+ActivityBatch::ActivityBatch(State& s) : s_(s) {
+  ++s_.logs.activityBatches;
+}
+
+ActivityBatch::~ActivityBatch() {
+  if (--s_.logs.activityBatches == 0) {
+    FlushActivityLog(s_);
+  }
+}
+
+void FlushActivityLog(State& s) {
+  if (s.logs.pendingActivity.isEmpty()) {
+    return;
+  }
+  QStringList lines;
+  lines.swap(s.logs.pendingActivity);
+  WriteActivityLines(s, lines);
 }
 
 void WriteErrorLog(State& s, const QString& message, const QString& location) {

@@ -16,6 +16,23 @@ void WriteActivityLog(State& s, const QString& message, const QString& source);
 // Creates the log with its header; reports a failure itself and returns false.
 bool CreateActivityLog(State& s);
 
+// While one lives, activity lines are held and then written in one go: a burst of reports
+// costs one file write, not one per line. Lines keep their order and stamps, and the log
+// rotates at the same line as it would line by line. Batches nest; the outermost writes.
+class ActivityBatch {
+ public:
+  explicit ActivityBatch(State& s);
+  ~ActivityBatch();
+  ActivityBatch(const ActivityBatch&) = delete;
+  ActivityBatch& operator=(const ActivityBatch&) = delete;
+
+ private:
+  State& s_;
+};
+
+// Writes the activity lines a batch holds.
+void FlushActivityLog(State& s);
+
 // Error log: one line per trapped error.
 void WriteErrorLog(State& s, const QString& message, const QString& location);
 void CreateErrorLog(State& s);

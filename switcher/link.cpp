@@ -188,6 +188,8 @@ bool DecodeTick(State& s) {
 bool DecodeAvailable(State& s, std::chrono::milliseconds budget) {
   QElapsedTimer spent;
   spent.start();
+  // The activity lines of the reports are written together when the batch is done.
+  const ActivityBatch batch(s);
   // At least one message per call, so a tick always makes progress.
   while (ProcessMessages(s)) {
     if (spent.elapsed() >= budget.count()) {
