@@ -5,10 +5,13 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QMenuBar>
+#include <QPainter>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QStaticText>
 #include <QStatusBar>
+#include <QStyledItemDelegate>
 
 #include "monitor/menu_commands.h"
 #include "monitor/monitor.h"
@@ -24,6 +27,52 @@
 #include "ui/silence_detect_dialog.h"
 
 namespace zrn {
+
+namespace {
+
+// Draws the message list's rows from laid-out text kept per row: a new row scrolls every row
+// up, and laying all of them out again on each message kept the program from reading the
+// switcher for milliseconds. Rows are single lines, cut at the right edge.
+class MessageRowDelegate final : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+
+  void paint(QPainter* painter, const QStyleOptionViewItem& option,
+             const QModelIndex& index) const override {
+    const bool selected = (option.state & QStyle::State_Selected) != 0;
+    if (selected) {
+      painter->fillRect(option.rect, option.palette.highlight());
+    }
+    const QString text = index.data(Qt::DisplayRole).toString();
+    if (laidOut_.size() > kMaxKept) {
+      laidOut_.clear();
+    }
+    auto it = laidOut_.find(text);
+    if (it == laidOut_.end()) {
+      QStaticText row(text);
+      row.setTextFormat(Qt::PlainText);
+      row.prepare(QTransform(), option.font);
+      it = laidOut_.insert(text, row);
+    }
+    painter->save();
+    painter->setClipRect(option.rect);
+    painter->setFont(option.font);
+    painter->setPen(option.palette.color(selected ? QPalette::HighlightedText : QPalette::Text));
+    const int margin = option.widget != nullptr
+                           ? option.widget->style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 1
+                           : 3;
+    const qreal top = option.rect.top() + (option.rect.height() - it->size().height()) / 2.0;
+    painter->drawStaticText(QPointF(option.rect.left() + margin, top), *it);
+    painter->restore();
+  }
+
+ private:
+  // Bounded: the rows on screen and those around them.
+  static constexpr qsizetype kMaxKept = 1024;
+  mutable QHash<QString, QStaticText> laidOut_;
+};
+
+}  // namespace
 
 MainWindow::MainWindow(Monitor& monitor, QWidget* parent) : QMainWindow(parent), monitor_(monitor) {
   setWindowTitle(QStringLiteral("ZRN Pennaro"));
@@ -48,6 +97,7 @@ MainWindow::MainWindow(Monitor& monitor, QWidget* parent) : QMainWindow(parent),
   QFont mono(QStringLiteral("Monospace"));
   mono.setStyleHint(QFont::TypeWriter);
   history_->setFont(mono);
+  history_->setItemDelegate(new MessageRowDelegate(history_));
 
   status_ = new QLabel;
   statusBar()->addWidget(status_, 1);

@@ -112,16 +112,20 @@ QSize PanelCanvasWidget::ContentSize() const {
 }
 
 void PanelCanvasWidget::Refresh(const PanelModels& models) {
+  // The alarm lamp's colour is not part of the layout: it repaints on its own below.
+  WindowModel layout = models.window;
+  layout.alarmLampColour = models_.window.alarmLampColour;
   const bool sameShape = models.outputs.size() == models_.outputs.size() &&
                          models.shows.size() == models_.shows.size() &&
-                         models.headings == models_.headings && models.window == models_.window;
+                         models.headings == models_.headings && layout == models_.window;
   if (!sameShape) {
     models_ = models;
     setMinimumSize(ContentSize());
     update();
     return;
   }
-  // Only panels whose model changed are repainted, so a quiet switcher costs nothing.
+  // Only panels whose model changed are repainted, so a quiet switcher costs nothing and an
+  // alarm costs one panel and the alarm lamp, not the whole grid.
   for (std::size_t i = 0; i < models.outputs.size(); ++i) {
     if (!(models.outputs[i] == models_.outputs[i])) {
       const QRect before = OutputPanelPixels(static_cast<int>(i));
@@ -136,7 +140,10 @@ void PanelCanvasWidget::Refresh(const PanelModels& models) {
       update(Grown(before | ToPixels(models.shows[i].frame)));
     }
   }
-  setMinimumSize(ContentSize());
+  if (!(models.window.alarmLampColour == models_.window.alarmLampColour)) {
+    models_.window.alarmLampColour = models.window.alarmLampColour;
+    update(Grown(ToPixels(models_.window.alarmLamp)));
+  }
 }
 
 void PanelCanvasWidget::paintEvent(QPaintEvent* event) {
@@ -144,8 +151,12 @@ void PanelCanvasWidget::paintEvent(QPaintEvent* event) {
   p.setClipRegion(event->region());
   p.setRenderHint(QPainter::Antialiasing);
   p.scale(1.0 / kTwipsPerPixel, 1.0 / kTwipsPerPixel);
-  const QRectF dirty = QRectF(event->rect()).adjusted(-4, -4, 4, 4);
-  auto needed = [&](const Rect& twips) { return QRectF(ToPixels(twips)).intersects(dirty); };
+  // Against the dirty region itself, not its bounding box: a panel and the alarm lamp far
+  // apart must not repaint everything between them.
+  const QRegion dirty = event->region();
+  auto needed = [&](const Rect& twips) {
+    return dirty.intersects(ToPixels(twips).adjusted(-4, -4, 4, 4));
+  };
 
   for (const LabelModel& heading : models_.headings) {
     if (heading.visible && needed(heading.rect)) {

@@ -61,7 +61,14 @@ void TcpLink::Close() {
 }
 
 qint64 TcpLink::Write(const QByteArray& bytes) {
-  return CanWrite() ? socket_->write(bytes) : -1;
+  if (!CanWrite()) {
+    return -1;
+  }
+  const qint64 written = socket_->write(bytes);
+  // Out now rather than when the event loop comes round again: a relay latch must not wait
+  // behind the repaint its own alarm asked for.
+  socket_->flush();
+  return written;
 }
 
 bool TcpLink::CanWrite() const {
