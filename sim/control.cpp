@@ -116,6 +116,16 @@ QString PeakCommand(SimSwitcher& sim, const Args& args) {
   return QStringLiteral("ok peak %1 %2").arg(*output + 1).arg(args[2]);
 }
 
+QString BurstCommand(SimSwitcher& sim, const Args& args) {
+  bool ok = false;
+  const int count = args.size() == 2 ? args[1].toInt(&ok) : 0;
+  if (!ok || count < 1 || count > 1000000) {
+    return Error(QStringLiteral("usage: burst N (1 to 1000000 peak changes in one write)"));
+  }
+  const qsizetype bytes = sim.Burst(count);
+  return QStringLiteral("ok burst %1 reports, %2 bytes").arg(count).arg(bytes);
+}
+
 QString RouteCommand(SimSwitcher& sim, const Args& args) {
   if (args.size() != 3) {
     return Error(QStringLiteral("usage: route IN|none OUT"));
@@ -167,6 +177,7 @@ const std::map<QString, Handler>& Commands() {
       {QStringLiteral("input"), InputCommand},
       {QStringLiteral("output"), OutputCommand},
       {QStringLiteral("peak"), PeakCommand},
+      {QStringLiteral("burst"), BurstCommand},
       {QStringLiteral("route"), RouteCommand},
       {QStringLiteral("relay"), RelayCommand},
       {QStringLiteral("mute"), MuteCommand},
@@ -185,7 +196,7 @@ const std::map<QString, Handler>& Commands() {
       {QStringLiteral("help"),
        [](SimSwitcher&, const Args&) {
          return QStringLiteral(
-             "ok input N silent|audio|toggle; output N silent|audio|auto; peak N on|off; "
+             "ok input N silent|audio|toggle; output N silent|audio|auto; peak N on|off; burst N; "
              "route IN|none OUT; relay N on|off; drop; mute on|off; send HEX; status; quit");
        }},
   };

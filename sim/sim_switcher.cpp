@@ -381,6 +381,22 @@ void SimSwitcher::SetPeak(int output, bool on) {
   Broadcast(SilenceChangeReports({{output, static_cast<quint8>(kPeakItem | (on ? 1 : 0))}}));
 }
 
+qsizetype SimSwitcher::Burst(int count) {
+  QByteArray bytes;
+  for (int i = 0; i < count; ++i) {
+    const int output = i % OutputCount();
+    quint8& status = state_.outputs[output].status;
+    status ^= kStatusPeak;
+    const bool on = (status & kStatusPeak) != 0;
+    for (const QByteArray& report :
+         SilenceChangeReports({{output, static_cast<quint8>(kPeakItem | (on ? 1 : 0))}})) {
+      bytes += report;
+    }
+  }
+  SendRaw(bytes);
+  return bytes.size();
+}
+
 void SimSwitcher::Route(int input, int output) {
   state_.outputs[output].source = input;
   Broadcast(CrosspointReports(state_, output, 1));

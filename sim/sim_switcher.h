@@ -54,6 +54,9 @@ class SimSwitcher : public QObject {
   // nullopt hands the output back to the audio of its routed input.
   void ForceOutput(int output, std::optional<bool> audio);
   void SetPeak(int output, bool on);
+  // Flips the peak indicator of the outputs in turn, count times, and sends every change report
+  // in one write, as a busy switcher's backlog arrives; returns the bytes sent to each monitor.
+  qsizetype Burst(int count);
   // input kNone clears the output.
   void Route(int input, int output);
   void SetRelay(int relay, bool on);

@@ -57,7 +57,7 @@ TEST_F(SimControl, ControlPortAnswersEveryLineAndStatusIsKeyValuePairs) {
   ASSERT_TRUE(operatorLine.waitForConnected(5000));
   operatorLine.write(
       "status\nroute 12 7\nRELAY 2 on\n\n# a comment\nbogus 1\ninput 17 silent\n"
-      "route none 3\nsend F6 01 02 FF\nstatus\n");
+      "route none 3\nsend F6 01 02 FF\nburst 3\nburst 0\nstatus\n");
 
   auto fields = Fields(ReadLine(operatorLine));
   EXPECT_EQ(fields["connections"], QStringLiteral("1"));
@@ -79,6 +79,12 @@ TEST_F(SimControl, ControlPortAnswersEveryLineAndStatusIsKeyValuePairs) {
             Bytes({0xF6, 0x01, 0x01, 0x00, 0x02, 0x00, 0x00, 0x00, 0x00, 0x04, 0xFF}));
   EXPECT_EQ(ReadLine(operatorLine), QStringLiteral("ok sent 4 bytes to 1 connections"));
   EXPECT_EQ(monitor.Next(), Bytes({0xF6, 0x01, 0x02, 0xFF}));
+  // Peak on for outputs 1 to 3, one report each.
+  EXPECT_EQ(ReadLine(operatorLine), QStringLiteral("ok burst 3 reports, 27 bytes"));
+  EXPECT_EQ(monitor.Next(), Bytes({0xCB, 0x0A, 0x01, 0x00, 0x00, 0x00, 0x41, 0x4C, 0xFF}));
+  EXPECT_EQ(monitor.Next(), Bytes({0xCB, 0x0A, 0x01, 0x00, 0x01, 0x00, 0x41, 0x4D, 0xFF}));
+  EXPECT_EQ(monitor.Next(), Bytes({0xCB, 0x0A, 0x01, 0x00, 0x02, 0x00, 0x41, 0x4E, 0xFF}));
+  EXPECT_TRUE(ReadLine(operatorLine).startsWith(QLatin1String("error usage: burst N")));
 
   fields = Fields(ReadLine(operatorLine));
   EXPECT_EQ(fields["relays_on"], QStringLiteral("2"));
