@@ -1,7 +1,8 @@
 // The monitor as it runs: the switcher simulator in its own process, the monitor and its main
 // window (offscreen) in this one, over loopback. Prints one "key value" line per figure:
 //
-//   loopback_rtt_*        round trip of 9 bytes between two plain sockets on loopback
+//   loopback_rtt_*        round trip of 9 bytes between two plain sockets on loopback, back to
+//                         back; loopback_rest_rtt_* with 20 ms of sleep before each
 //   exchange_256_ms       start-up exchange with a 256 x 256 switcher
 //   exchange_4096_ms      start-up exchange with a 4096 x 4096 switcher
 //                         (256 watched outputs in both)
@@ -67,6 +68,8 @@ class Sim {
     }
     return QString();
   }
+  // Drops the replies to commands sent without waiting.
+  void DiscardReplies() { process_.readAllStandardOutput(); }
   ~Sim() {
     process_.kill();
     process_.waitForFinished(3000);
@@ -133,7 +136,9 @@ void WriteConfiguration(const QString& folder, quint16 port, int watched) {
 
 // Round trips of 9 bytes between two sockets with Nagle off, the echo in its own thread: the
 // floor any message between two processes on this machine stands on.
-std::vector<double> LoopbackRoundTrips(int count) {
+// With restMs between trips both ends sleep in between, as the monitor and the switcher do
+// between two alarms, and each trip pays for waking them.
+std::vector<double> LoopbackRoundTrips(int count, int restMs = 0) {
   std::vector<double> trips;
   const int listener = ::socket(AF_INET, SOCK_STREAM, 0);
   sockaddr_in address{};
@@ -164,6 +169,9 @@ std::vector<double> LoopbackRoundTrips(int count) {
     char buffer[9] = {'\xF6', 1, 1, 0, 6, 0, 1, 8, '\xFF'};
     QElapsedTimer clock;
     for (int i = 0; i < count; ++i) {
+      if (restMs > 0) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(restMs));
+      }
       clock.start();
       if (::send(client, buffer, sizeof buffer, 0) != sizeof buffer ||
           ::recv(client, buffer, sizeof buffer, MSG_WAITALL) != sizeof buffer) {
@@ -221,6 +229,12 @@ int main(int argc, char** argv) {
   }
   Print("loopback_rtt_p50_ms", Quantile(trips, 0.5));
   Print("loopback_rtt_p99_ms", Quantile(trips, 0.99));
+  const std::vector<double> restingTrips = LoopbackRoundTrips(250, 20);
+  if (restingTrips.empty()) {
+    return Fail("no loopback round trips");
+  }
+  Print("loopback_rest_rtt_p50_ms", Quantile(restingTrips, 0.5));
+  Print("loopback_rest_rtt_p99_ms", Quantile(restingTrips, 0.99));
 
   {
     const quint16 port = FreePort();
@@ -266,17 +280,20 @@ int main(int argc, char** argv) {
     if (atRest) {
       settle(20);
     }
-    sim.Command(QStringLiteral("input 1 silent"));
+    // Not waiting for the simulator's reply: the monitor's event loop must be free at once.
+    sim.Command(QStringLiteral("input 1 silent"), false);
     if (!relayOn(true)) {
       return Fail("no latch after a silence change");
     }
+    sim.DiscardReplies();
     if (atRest) {
       settle(20);
     }
-    sim.Command(QStringLiteral("input 1 audio"));
+    sim.Command(QStringLiteral("input 1 audio"), false);
     if (!relayOn(false)) {
       return Fail("no release after the audio came back");
     }
+    sim.DiscardReplies();
   }
 
   // The burst, followed by a route change on the same connection: once the monitor's map shows
@@ -309,7 +326,8 @@ int main(int argc, char** argv) {
     turns.stop();
     stalls.push_back(longestStall / 1e6);
     // Take the control replies before the next round.
-    sim.Command(QStringLiteral("status"));
+    settle(50);
+    sim.DiscardReplies();
   }
 
   // Pair each reported silence on output 1 (CB 0A, one item, output 0, silent) with the next
