@@ -4,16 +4,17 @@
 #include <QTemporaryDir>
 #include <array>
 #include <cstdio>
-#include <initializer_list>
 #include <random>
 
 #include "e2e/sim_process.h"
 #include "monitor/monitor.h"
+#include "support/bytes.h"
 #include "switcher/link.h"
 
 namespace zrn {
 namespace {
 
+using test::Bytes;
 using test::FreePort;
 using test::SimProcess;
 
@@ -39,14 +40,6 @@ unsigned Seed() {
   bool ok = false;
   const unsigned fixed = qEnvironmentVariable("ZRN_FAULT_SEED").toUInt(&ok);
   return ok ? fixed : std::random_device{}();
-}
-
-QByteArray Bytes(std::initializer_list<int> values) {
-  QByteArray out;
-  for (int v : values) {
-    out.append(static_cast<char>(v));
-  }
-  return out;
 }
 
 // "1,5" of the 1-based numbers for which pick is true, "-" for none, as the status line has it.
@@ -98,23 +91,7 @@ class FaultInjection : public ::testing::Test {
     ASSERT_TRUE(sim->Start()) << "zrn-switcher-sim did not start";
   }
 
-  void WriteConfig() {
-    QString ini = QStringLiteral(
-                      "[CONFIGURATION]\r\nServer IP Address=127.0.0.1\r\nServer IP Port=%1\r\n"
-                      "Maximum Log File Size=5000\r\nMaximum Display=100\r\nAlarm Relay=1\r\n"
-                      "Default View=Normal\r\nProgram Mode=Output\r\nOutput Count=%2\r\n")
-                      .arg(port)
-                      .arg(kWatched);
-    for (int n = 1; n <= kWatched; ++n) {
-      ini += QStringLiteral(
-                 "[OUTPUT%1]\r\nOutput=%1\r\nDisplay Options=0\r\nCustom Label=None\r\n"
-                 "Event Count=0\r\n")
-                 .arg(n);
-    }
-    QFile file(dir.path() + QStringLiteral("/zrnconfig.ini"));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(ini.toLatin1());
-  }
+  void WriteConfig() { ASSERT_TRUE(test::WriteMonitorConfig(dir.path(), port, kWatched)); }
 
   bool WaitForExchange() {
     return QTest::qWaitFor(

@@ -25,21 +25,7 @@ class MonitorWithSim : public ::testing::Test {
   }
 
   void WriteConfig(const QString& mode) {
-    QString ini = QStringLiteral(
-                      "[CONFIGURATION]\r\nServer IP Address=127.0.0.1\r\nServer IP Port=%1\r\n"
-                      "Maximum Log File Size=5000\r\nMaximum Display=100\r\nAlarm Relay=1\r\n"
-                      "Default View=Normal\r\nProgram Mode=%2\r\nOutput Count=4\r\n")
-                      .arg(port)
-                      .arg(mode);
-    for (int n = 1; n <= 4; ++n) {
-      ini += QStringLiteral(
-                 "[OUTPUT%1]\r\nOutput=%1\r\nDisplay Options=0\r\nCustom Label=None\r\n"
-                 "Event Count=0\r\n")
-                 .arg(n);
-    }
-    QFile file(dir.path() + QStringLiteral("/zrnconfig.ini"));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(ini.toLatin1());
+    ASSERT_TRUE(test::WriteMonitorConfig(dir.path(), port, 4, mode));
   }
 
   void Launch(const QString& mode = QStringLiteral("Output")) {

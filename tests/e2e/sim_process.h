@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QProcess>
 #include <QTcpServer>
 #include <QTest>
@@ -14,6 +15,28 @@ inline quint16 FreePort() {
   QTcpServer probe;
   probe.listen(QHostAddress::LocalHost);
   return probe.serverPort();
+}
+
+// A configuration that watches outputs 1..watched of the switcher on 127.0.0.1:port, with relay
+// 1 as the alarm relay, written into folder.
+inline bool WriteMonitorConfig(const QString& folder, quint16 port, int watched,
+                               const QString& mode = QStringLiteral("Output")) {
+  QString ini = QStringLiteral(
+                    "[CONFIGURATION]\r\nServer IP Address=127.0.0.1\r\nServer IP Port=%1\r\n"
+                    "Maximum Log File Size=5000\r\nMaximum Display=100\r\nAlarm Relay=1\r\n"
+                    "Default View=Normal\r\nProgram Mode=%2\r\nOutput Count=%3\r\n")
+                    .arg(port)
+                    .arg(mode)
+                    .arg(watched);
+  for (int n = 1; n <= watched; ++n) {
+    ini += QStringLiteral(
+               "[OUTPUT%1]\r\nOutput=%1\r\nDisplay Options=0\r\nCustom Label=None\r\n"
+               "Event Count=0\r\n")
+               .arg(n);
+  }
+  QFile file(folder + QStringLiteral("/zrnconfig.ini"));
+  const QByteArray bytes = ini.toLatin1();
+  return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(bytes) == bytes.size();
 }
 
 // The switcher simulator as a separate program, driven through its standard input.
