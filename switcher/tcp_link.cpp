@@ -41,6 +41,17 @@ void TcpLink::Open(const QString& address, quint16 port) {
 void TcpLink::SignalClosed(QTcpSocket* socket) {
   if (socket == socket_ && !closedSignalled_) {
     closedSignalled_ = true;
+    if (writing_) {
+      QMetaObject::invokeMethod(
+          this,
+          [this, socket] {
+            if (socket == socket_) {
+              emit closed();
+            }
+          },
+          Qt::QueuedConnection);
+      return;
+    }
     emit closed();
   }
 }
@@ -64,10 +75,14 @@ qint64 TcpLink::Write(const QByteArray& bytes) {
   if (!CanWrite()) {
     return -1;
   }
+  writing_ = true;
   const qint64 written = socket_->write(bytes);
   // Out now rather than when the event loop comes round again: a relay latch must not wait
   // behind the repaint its own alarm asked for.
-  socket_->flush();
+  if (socket_ != nullptr) {
+    socket_->flush();
+  }
+  writing_ = false;
   return written;
 }
 

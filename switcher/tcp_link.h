@@ -35,6 +35,9 @@ class TcpLink final : public QObject, public Link {
 
   QPointer<QTcpSocket> socket_;
   bool closedSignalled_ = false;
+  // Set while a write is flushed: a connection found dead there is reported afterwards, not
+  // inside the handler that wrote.
+  bool writing_ = false;
 };
 
 }  // namespace zrn

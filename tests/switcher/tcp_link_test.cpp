@@ -1,7 +1,10 @@
+#include <sys/socket.h>
+
 #include <QSignalSpy>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTest>
+#include <QThread>
 
 #include "support/bytes.h"
 #include "support/temp_state.h"
@@ -77,6 +80,25 @@ TEST_F(Loopback, ConnectsTalksBothWaysAndNoticesTheClose) {
   EXPECT_EQ(s.StatusBarText, QStringLiteral("Server Module Not Connected"));
   EXPECT_FALSE(SendSwitcherCommand(s, 7, 12, kCommandConnect)) << "nothing goes out when down";
   EXPECT_TRUE(ErrorLines().isEmpty());
+}
+
+TEST_F(Loopback, AWriteThatFindsTheLinkResetClosesItAfterwardsNotInsideTheWriter) {
+  ConnectToSwitcher(s);
+  QTcpSocket* peer = Accept();
+  ASSERT_NE(peer, nullptr);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return s.Connected; }, 5000));
+  // The switcher resets the connection; the monitor's event loop does not see it come.
+  const linger reset{1, 0};
+  ASSERT_EQ(::setsockopt(static_cast<int>(peer->socketDescriptor()), SOL_SOCKET, SO_LINGER, &reset,
+                         sizeof reset),
+            0);
+  peer->abort();
+  QThread::msleep(50);
+
+  SendSwitcherCommand(s, 7, 12, kCommandConnect);
+  EXPECT_TRUE(s.Connected) << "the close must not run inside the code that wrote";
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !s.Connected; }, 5000));
+  EXPECT_EQ(s.StatusBarText, QStringLiteral("Server Module Not Connected"));
 }
 
 TEST_F(Loopback, RefusedConnectionLeavesTheLinkQuietlyDown) {
