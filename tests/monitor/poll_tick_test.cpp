@@ -1,6 +1,7 @@
 #include "monitor/poll_tick.h"
 
 #include "schedule/event_scheduler.h"
+#include "schedule/schedule_fixture.h"
 #include "support/fake_link.h"
 #include "support/switcher_bytes.h"
 #include "support/temp_state.h"
@@ -14,15 +15,8 @@ using test::Bytes;
 using test::FakeLink;
 using test::TempStateTest;
 
-constexpr qint16 kEveryDay = 0x7F;
-
-ScheduledEvent Event(const char* time, qint16 days, bool active = true) {
-  ScheduledEvent e;
-  e.Time = QString::fromLatin1(time);
-  e.Days = days;
-  e.Active = active;
-  return e;
-}
+using test::Event;
+using test::kEveryDay;
 
 // The poll timer on a fake clock and a connected fake link; watched output 7.
 class PollTimer : public TempStateTest {
