@@ -4,19 +4,14 @@
 #include <QDir>
 #include <QTemporaryDir>
 
+#include "bench/null_link.h"
 #include "core/state.h"
 #include "switcher/frame.h"
 #include "switcher/link.h"
 
 namespace {
 
-class NullLink final : public zrn::Link {
- public:
-  void Open(const QString&, quint16) override {}
-  void Close() override {}
-  qint64 Write(const QByteArray& bytes) override { return bytes.size(); }
-  bool CanWrite() const override { return true; }
-};
+using zrn::bench::NullLink;
 
 // Keep-alives, silence change-of-state reports and crosspoint reports, as a busy switcher
 // sends them.

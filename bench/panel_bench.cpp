@@ -3,21 +3,15 @@
 #include <benchmark/benchmark.h>
 #include <QTemporaryDir>
 
-#include "core/ports.h"
+#include "bench/null_link.h"
 #include "core/state.h"
 #include "monitor/panel_update.h"
 
 namespace {
 
-constexpr qint16 kDetecting = 0x109;
+using zrn::bench::NullLink;
 
-class NullLink final : public zrn::Link {
- public:
-  void Open(const QString&, quint16) override {}
-  void Close() override {}
-  qint64 Write(const QByteArray& bytes) override { return bytes.size(); }
-  bool CanWrite() const override { return true; }
-};
+constexpr qint16 kDetecting = 0x109;
 
 void BM_UpdateOutputsAndStatus(benchmark::State& state) {
   QTemporaryDir dir;
