@@ -9,6 +9,7 @@
 #include "schedule/event_scheduler.h"
 #include "storage/config_file.h"
 #include "storage/events_file.h"
+#include "storage/logs.h"
 #include "storage/shows_file.h"
 #include "switcher/link.h"
 
@@ -42,7 +43,11 @@ void Form_Load(State& s, const QString& appPath) {
 }
 
 void Form_Unload(State& s) {
+  // Closing is not an outage: the log says the monitor closed, not that the switcher was lost.
+  s.Connected = false;
   CloseSwitcherLink(s);
+  DisplayMessage(s, QStringLiteral("Monitor Closed"));
+  FlushHeldBackErrors(s);
 }
 
 }  // namespace zrn

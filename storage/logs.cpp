@@ -1,5 +1,8 @@
 #include "storage/logs.h"
 
+#include <algorithm>
+#include <utility>
+
 #include <QFile>
 #include <QFileInfo>
 #include <QLocale>
@@ -266,6 +269,31 @@ void FlushActivityLog(State& s) {
   WriteActivityLines(s, lines);
 }
 
+namespace {
+
+constexpr qint64 kHoldBackSeconds = 60;
+// Distinct lines remembered at once; a flood of different lines is written, not remembered.
+constexpr size_t kMaxRecentErrors = 64;
+
+bool WithinMinute(const QDateTime& written, const QDateTime& now) {
+  return written.isValid() && written <= now && written.secsTo(now) < kHoldBackSeconds;
+}
+
+// Writes how often each remembered line was held back since it was last written, and forgets
+// the lines whose minute is over.
+void WriteHeldBackCounts(State& s, const QDateTime& now) {
+  std::vector<HeldBackError>& recent = s.logs.recentErrors;
+  for (HeldBackError& e : recent) {
+    if (e.heldBack > 0) {
+      const int held = std::exchange(e.heldBack, 0);
+      WriteErrorLine(s, e.location, e.message + QStringLiteral(" (repeated %1 times)").arg(held));
+    }
+  }
+  std::erase_if(recent, [&](const HeldBackError& e) { return !WithinMinute(e.lastWritten, now); });
+}
+
+}  // namespace
+
 void WriteErrorLog(State& s, const QString& message, const QString& location) {
   LogState& log = s.logs;
   // A failed write is reported through this very function; that report gets no attempt of
@@ -274,28 +302,37 @@ void WriteErrorLog(State& s, const QString& message, const QString& location) {
     return;
   }
   const QDateTime now = Now(s);
-  if (location == log.lastLocation && message == log.lastMessage && log.lastWritten.isValid() &&
-      log.lastWritten.secsTo(now) < 60 && log.lastWritten <= now) {
-    ++log.heldBack;
+  auto same = std::find_if(
+      log.recentErrors.begin(), log.recentErrors.end(),
+      [&](const HeldBackError& e) { return e.location == location && e.message == message; });
+  if (same != log.recentErrors.end() && WithinMinute(same->lastWritten, now)) {
+    ++same->heldBack;
     return;
   }
   try {
-    if (log.heldBack > 0) {
-      const int held = log.heldBack;
-      log.heldBack = 0;
-      WriteErrorLine(s, log.lastLocation,
-                     log.lastMessage + QStringLiteral(" (repeated %1 times)").arg(held));
-    }
+    WriteHeldBackCounts(s, now);
     WriteErrorLine(s, location, message);
     // Only a line that reached the file holds back its repeats.
-    log.lastLocation = location;
-    log.lastMessage = message;
-    log.lastWritten = now;
+    std::erase_if(log.recentErrors, [&](const HeldBackError& e) {
+      return e.location == location && e.message == message;
+    });
+    if (log.recentErrors.size() >= kMaxRecentErrors) {
+      log.recentErrors.erase(log.recentErrors.begin());
+    }
+    log.recentErrors.push_back({location, message, now, 0});
   } catch (const Failure& failure) {
     log.reportingWriteFailure = true;
     LogError(s, QStringLiteral("Error Writing to Error Log"), QStringLiteral("File Error"),
              failure);
     log.reportingWriteFailure = false;
+  }
+}
+
+void FlushHeldBackErrors(State& s) {
+  try {
+    WriteHeldBackCounts(s, Now(s));
+  } catch (const Failure&) {
+    // Closing: there is nowhere left to report a log that cannot be written.
   }
 }
 

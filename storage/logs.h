@@ -35,6 +35,8 @@ void FlushActivityLog(State& s);
 
 // Error log: one line per trapped error.
 void WriteErrorLog(State& s, const QString& message, const QString& location);
+// Writes the counts of error lines still held back; for closing, when no later line will.
+void FlushHeldBackErrors(State& s);
 void CreateErrorLog(State& s);
 
 // Reports a trapped failure; the title names its kind and is not shown anywhere.

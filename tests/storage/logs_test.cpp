@@ -205,6 +205,27 @@ TEST_F(Logs, RepeatedErrorsAreHeldBackAndCounted) {
   ASSERT_EQ(lines.size(), 5);
   EXPECT_TRUE(lines[3].endsWith(QStringLiteral("(repeated 1 times)")));
   EXPECT_TRUE(lines[4].endsWith(QStringLiteral("Error #  57 - Device I/O error")));
+
+  // Two errors that alternate every tick are held back like one that repeats.
+  clock.AdvanceSeconds(61);
+  for (int tick = 0; tick < 100; ++tick) {
+    LogError(s, tick % 2 == 0 ? QStringLiteral("Error A") : QStringLiteral("Error B"), QString(),
+             Failure::DeviceIo());
+    clock.AdvanceMs(500);
+  }
+  lines = ErrorLines();
+  ASSERT_EQ(lines.size(), 7);
+  EXPECT_TRUE(lines[5].contains(QStringLiteral("Error A")));
+  EXPECT_TRUE(lines[6].contains(QStringLiteral("Error B")));
+
+  // Closing writes what is still held back.
+  FlushHeldBackErrors(s);
+  lines = ErrorLines();
+  ASSERT_EQ(lines.size(), 9);
+  EXPECT_TRUE(lines[7].contains(QStringLiteral("Error A")) &&
+              lines[7].endsWith(QStringLiteral("(repeated 49 times)")));
+  EXPECT_TRUE(lines[8].contains(QStringLiteral("Error B")) &&
+              lines[8].endsWith(QStringLiteral("(repeated 49 times)")));
 }
 
 // A folder in which the logs cannot be written even by root: the log names are folders.
