@@ -72,9 +72,6 @@ int DetectorOf(const State& s, int channel) {
 }
 
 void UpdateLamp(State& s, OutputEntry& entry, OutputPanelModel& panel) {
-  LossAlarmState& pass = s.lossAlarm;
-  const bool wasRed = panel.lamp == kLampRed;
-  const bool wasGreen = panel.lamp == kLampGreen;
   panel.lampInGrace = false;
 
   const int output = DetectorOf(s, entry.Output);
@@ -86,40 +83,27 @@ void UpdateLamp(State& s, OutputEntry& entry, OutputPanelModel& panel) {
   // program routed a new source, the old source's silence says nothing about the new one.
   const bool inGrace = InSilenceGrace(s, output);
   if (!entry.MonitoringEnabled || s.ProgramMode == 1 || inGrace) {
-    if (wasRed) {
-      pass.AlarmChanged = true;
-    }
     panel.lamp = kLampGrey;
     panel.lampInGrace = inGrace;
+    // Whatever was acknowledged or cancelled belonged to the period that just ended: a silence
+    // still there when monitoring comes back is a new alarm.
     entry.AlarmState = 0;
-    if (inGrace) {
-      entry.AlarmCanceled = false;
-    }
+    entry.AlarmCanceled = false;
     return;
   }
 
   const quint8 silence = s.SilenceStatus[output].Status;
-  if (silence != 1) {
-    // The silence that was acknowledged or cancelled is over; the next one alarms again.
+  if ((silence & 1) == 0) {
+    // The silence that was acknowledged or cancelled is over; the next one alarms again. A
+    // peak coming or going (bit 1) does not end it.
     entry.AlarmState = 0;
     entry.AlarmCanceled = false;
   }
   if (entry.AlarmState == 1) {
-    if (wasRed) {
-      pass.AlarmChanged = true;
-    }
     panel.lamp = kLampYellow;
-    return;
-  }
-  if (silence == 1) {
-    if (!wasRed) {
-      pass.NewAlarm = true;
-    }
+  } else if (silence == 1) {
     panel.lamp = kLampRed;
   } else if (silence == 0) {
-    if (!wasGreen) {
-      pass.AlarmChanged = true;
-    }
     panel.lamp = kLampGreen;
   } else {
     panel.lamp = kLampCyan;
@@ -167,8 +151,6 @@ void UpdateStatus(State& s) {
   if (s.requests.Req4 != 0) {
     return;
   }
-  s.lossAlarm.NewAlarm = false;
-  s.lossAlarm.AlarmChanged = false;
   Trap(s, QStringLiteral("Error updating status"), QStringLiteral("Display Error"), [&] {
     const int panels = std::min(WatchedCount(s), static_cast<int>(s.panels.outputs.size()));
     for (int i = 0; i < panels; ++i) {

@@ -108,7 +108,8 @@ void ApplyRelayStates(State& s, const QByteArray& message) {
 
 // Applies one change-of-state item of a switcher output (0-based).
 void ChangeOfState(State& s, int output, int report) {
-  if (output > s.SwitcherOutputCount || output >= static_cast<int>(s.SilenceStatus.size())) {
+  if (output < 0 || output >= s.SwitcherOutputCount ||
+      output >= static_cast<int>(s.SilenceStatus.size())) {
     return;
   }
   const bool peak = (report & kPeakReport) != 0;
@@ -134,6 +135,11 @@ void ChangeOfState(State& s, int output, int report) {
     if (silenceChanged) {
       entry.AlarmState = 0;
       entry.AlarmCanceled = false;
+    }
+    // In show mode the watched outputs are hidden and raise no alarm: their lines would only
+    // name an output where the operator looks for a show.
+    if (s.ProgramMode == 1) {
+      continue;
     }
     const QString line =
         PanelName(s, entry) + QStringLiteral(" [") + ChannelDigits(output + 1) + QLatin1Char(']');
@@ -170,16 +176,18 @@ bool ApplySilenceDetect(State& s, const QByteArray& message) {
     return false;
   }
 
-  // Outputs beyond the switcher's are left out.
-  if (first + count > s.SwitcherOutputCount) {
-    count = s.SwitcherOutputCount - first;
-  }
   if (subtype == kSilenceChangeOfState) {
+    // Read whole: an item for an output beyond the switcher's is skipped on its own, so a
+    // burst of peak items cannot push a silence off the end.
     for (int k = 0; k < count; ++k) {
       const int output = in.Int14();
       ChangeOfState(s, output, in.Byte());
     }
     return true;
+  }
+  // Outputs beyond the switcher's are left out.
+  if (first + count > s.SwitcherOutputCount) {
+    count = s.SwitcherOutputCount - first;
   }
   const int known = static_cast<int>(s.SilenceStatus.size());
   for (int i = first; i < first + count; ++i) {

@@ -1,4 +1,6 @@
 #include "monitor/panel_update.h"
+
+#include "monitor/loss_alarm.h"
 #include "support/temp_state.h"
 
 namespace zrn {
@@ -103,64 +105,95 @@ class Lamps : public TempStateTest {
     UpdateStatus(s);
     return s.panels.outputs[0].lamp;
   }
-  bool NewAlarm() const { return s.lossAlarm.NewAlarm; }
-  bool Changed() const { return s.lossAlarm.AlarmChanged; }
+  // What the lamp pass decides for the relay.
+  bool Alarms() const { return AlarmRelayWanted(s); }
 };
 
 TEST_F(Lamps, SilenceAcknowledgementAndReturn) {
   EXPECT_EQ(Pass(0), kLampGreen);
-  EXPECT_FALSE(Changed()) << "green already";
+  EXPECT_FALSE(Alarms());
   EXPECT_EQ(Pass(1), kLampRed);
-  EXPECT_TRUE(NewAlarm());
-  EXPECT_EQ(Pass(1), kLampRed);
-  EXPECT_FALSE(NewAlarm()) << "a lamp that stays red is no new alarm";
+  EXPECT_TRUE(Alarms());
 
   s.Outputs[0].AlarmState = 1;
   EXPECT_EQ(Pass(1), kLampYellow);
-  EXPECT_TRUE(Changed());
-  EXPECT_EQ(Pass(1), kLampYellow);
-  EXPECT_FALSE(NewAlarm());
-  EXPECT_FALSE(Changed());
+  EXPECT_FALSE(Alarms());
 
   // The acknowledgement ends with its silence, so the next silence alarms again.
   EXPECT_EQ(Pass(0), kLampGreen);
-  EXPECT_TRUE(Changed());
   EXPECT_EQ(s.Outputs[0].AlarmState, 0);
   EXPECT_EQ(Pass(1), kLampRed);
-  EXPECT_TRUE(NewAlarm());
+  EXPECT_TRUE(Alarms());
 
   EXPECT_EQ(Pass(3), kLampCyan) << "silent with a peak is neither state";
+  EXPECT_FALSE(Alarms());
   EXPECT_EQ(Pass(2), kLampCyan);
 }
 
-TEST_F(Lamps, AcknowledgementEndsEvenWhenTheReturnIsMissed) {
-  Pass(1);
-  s.Outputs[0].AlarmState = 1;
-  Pass(1);
-  // A status report (not a change of state) brings the audio back: nothing else resets it.
-  EXPECT_EQ(Pass(3), kLampCyan);
-  EXPECT_EQ(s.Outputs[0].AlarmState, 0);
+// A peak appearing or fading on a silent output leaves the acknowledgement and the cancel in
+// force; only the silence bit clearing ends them, whichever report brings it.
+TEST_F(Lamps, OnlyTheSilenceBitEndsAnAcknowledgementOrCancel) {
+  struct Case {
+    const char* what;
+    bool acknowledged;  // else cancelled
+    std::vector<quint8> reports;
+    Rgb lamp;
+    bool alarms;
+  };
+  const Case cases[] = {
+      {"peak on, peak off, acknowledged", true, {3, 1}, kLampYellow, false},
+      {"peak flicker, acknowledged", true, {3, 1, 3, 1, 3}, kLampYellow, false},
+      {"peak on, peak off, cancelled", false, {3, 1}, kLampRed, false},
+      {"audio back then silent, acknowledged", true, {0, 1}, kLampRed, true},
+      {"audio back with a peak then silent, cancelled", false, {2, 1}, kLampRed, true},
+  };
+  for (const Case& c : cases) {
+    s.Outputs[0].AlarmState = 0;
+    s.Outputs[0].AlarmCanceled = false;
+    Pass(0);
+    ASSERT_EQ(Pass(1), kLampRed) << c.what;
+    if (c.acknowledged) {
+      ASSERT_TRUE(AcknowledgeLossAlarm(s, 0)) << c.what;
+    } else {
+      s.Outputs[0].AlarmCanceled = true;
+    }
+    Rgb lamp = kLampGrey;
+    for (quint8 report : c.reports) {
+      lamp = Pass(report);
+    }
+    EXPECT_EQ(lamp, c.lamp) << c.what;
+    EXPECT_EQ(Alarms(), c.alarms) << c.what;
+  }
 }
 
 TEST_F(Lamps, DetectionCountsOnlyWithItsEnableBit) {
   s.SilenceStatus[0].Mode = 0x009;  // a device configured, detection switched off
   EXPECT_EQ(Pass(1), kLampGrey);
-  EXPECT_FALSE(NewAlarm());
+  EXPECT_FALSE(Alarms());
   s.SilenceStatus[0].Mode = 0x100;
   EXPECT_EQ(Pass(1), kLampRed);
 }
 
-TEST_F(Lamps, MonitoringOffTurnsGreyAndForgetsTheAcknowledgement) {
-  Pass(1);
-  s.Outputs[0].AlarmState = 1;
-  s.Outputs[0].MonitoringEnabled = false;
-  EXPECT_EQ(Pass(1), kLampGrey);
-  EXPECT_EQ(s.Outputs[0].AlarmState, 0);
-  s.Outputs[0].MonitoringEnabled = true;
-  Pass(1);
-  s.Outputs[0].MonitoringEnabled = false;
-  Pass(1);
-  EXPECT_TRUE(Changed()) << "a red lamp going grey changes the alarm";
+// An off period ends whatever was acknowledged or cancelled: a silence still there when
+// monitoring comes back is a new alarm.
+TEST_F(Lamps, MonitoringOffForgetsTheAcknowledgementAndTheCancel) {
+  for (const bool cancel : {false, true}) {
+    Pass(0);
+    Pass(1);
+    if (cancel) {
+      s.Outputs[0].AlarmCanceled = true;
+    } else {
+      s.Outputs[0].AlarmState = 1;
+    }
+    EXPECT_FALSE(Alarms());
+    s.Outputs[0].MonitoringEnabled = false;
+    EXPECT_EQ(Pass(1), kLampGrey);
+    EXPECT_EQ(s.Outputs[0].AlarmState, 0);
+    EXPECT_FALSE(s.Outputs[0].AlarmCanceled);
+    s.Outputs[0].MonitoringEnabled = true;
+    EXPECT_EQ(Pass(1), kLampRed) << (cancel ? "cancelled" : "acknowledged");
+    EXPECT_TRUE(Alarms());
+  }
 }
 
 TEST_F(Lamps, NothingChangesWhileTheDetectorRequestsAreOutstanding) {
@@ -174,7 +207,7 @@ TEST_F(Lamps, NothingChangesWhileTheDetectorRequestsAreOutstanding) {
 TEST_F(Lamps, ShowModeRaisesNoOutputAlarm) {
   s.ProgramMode = 1;
   EXPECT_EQ(Pass(1), kLampGrey);
-  EXPECT_FALSE(NewAlarm());
+  EXPECT_FALSE(Alarms());
 }
 
 TEST_F(Lamps, OwnRouteChangeHoldsTheLampGreyUntilTheGraceEnds) {
@@ -183,15 +216,22 @@ TEST_F(Lamps, OwnRouteChangeHoldsTheLampGreyUntilTheGraceEnds) {
   Pass(1);
   s.SilenceStatus[0].DetectTime = 4;
   s.SilenceStatus[0].ReturnTime = 2;
-  StartSilenceGrace(s, 0);
+  StartSilenceGrace(s, 0, 7);
   EXPECT_EQ(Pass(1), kLampGrey);
-  EXPECT_FALSE(NewAlarm());
+  EXPECT_FALSE(Alarms());
   EXPECT_TRUE(s.panels.outputs[0].lampInGrace);
   EXPECT_EQ(s.Outputs[0].AlarmState, 0) << "the new source's silence is a new silence";
   clock.AdvanceSeconds(6);
   EXPECT_EQ(Pass(1), kLampRed);
-  EXPECT_TRUE(NewAlarm());
+  EXPECT_TRUE(Alarms());
   EXPECT_FALSE(s.panels.outputs[0].lampInGrace);
+
+  // A route to the source that is already routed is no change: no grace, the alarm stays.
+  s.CrosspointMap[0].SourceCount = 1;
+  s.CrosspointMap[0].Sources[0] = 6;
+  StartSilenceGrace(s, 0, 6);
+  EXPECT_EQ(Pass(1), kLampRed);
+  EXPECT_TRUE(Alarms());
 }
 
 }  // namespace

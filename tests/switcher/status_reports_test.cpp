@@ -86,12 +86,32 @@ TEST_F(StatusReports, ChangesOfSilenceStateAreReportedAndResetTheAcknowledgement
                                     "Studio [0006] Silence Alarm Status OFF!"}));
 
   // The grace after our own route ends when the switcher speaks about silence, not peaks.
-  StartSilenceGrace(s, 5);
+  StartSilenceGrace(s, 5, 7);
   Receive(peak);
   EXPECT_TRUE(InSilenceGrace(s, 5));
   Receive(audio);
   EXPECT_FALSE(InSilenceGrace(s, 5));
   EXPECT_TRUE(ErrorLines().isEmpty());
+}
+
+// A change-of-state report is read whole: on an 8-output switcher, eight peak items and then
+// "output 5 silent" still raise the alarm; an item beyond the switcher is skipped on its own.
+TEST_F(StatusReports, ChangeOfStateItemsPastTheOutputCountAreSkippedOneByOne) {
+  s.SwitcherOutputCount = 8;
+  s.Outputs[0].Output = 5;
+  s.Outputs[0].MonitoringEnabled = true;
+  s.SilenceStatus[4].Mode = kDetecting;
+  UpdateOutputs(s);
+  Receive(Bytes({0xCB, 0x0A, 0x09, 0x00, 0x00, 0x00, 0x40, 0x01, 0x00, 0x40, 0x02,
+                 0x00, 0x40, 0x03, 0x00, 0x40, 0x04, 0x00, 0x40, 0x05, 0x00, 0x40,
+                 0x06, 0x00, 0x40, 0x07, 0x00, 0x40, 0x04, 0x00, 0x01, 0x34, 0xFF}));
+  EXPECT_EQ(s.SilenceStatus[4].Status, 1);
+  EXPECT_EQ(s.panels.outputs[0].lamp, kLampRed);
+  // Output 9 (index 8) does not exist on this switcher: its item changes nothing.
+  Receive(Bytes({0xCB, 0x0A, 0x02, 0x00, 0x08, 0x00, 0x01, 0x04, 0x00, 0x00, 0x19, 0xFF}));
+  EXPECT_EQ(s.SilenceStatus[8].Status, 0);
+  EXPECT_EQ(s.SilenceStatus[4].Status, 0);
+  EXPECT_TRUE(Errors().isEmpty());
 }
 
 TEST_F(StatusReports, DetectorStatusAndConfigurationWithinTheSwitchersOutputs) {
