@@ -49,8 +49,15 @@ bool ReportedOn(const State& s, int relay) {
   return relay >= 1 && relay <= RelayTableSize(s) && s.RelayStates[relay - 1] == 1;
 }
 
-// A command goes out once until a tick or a relay report brings news; sending it again before
-// then, on every silence report, would only fill the wire.
+// Relay commands go out only on a live link whose exchange is complete: before that the
+// reported states may still be the previous connection's.
+bool LinkReady(const State& s) {
+  return s.Connected && s.linkState.ExchangeComplete;
+}
+
+// A command goes out at most once per poll tick: the switcher's report of the relay takes a
+// moment, and sending again on every report would flood the wire (two monitors on one relay
+// would each answer the other's command at once).
 void Drive(State& s, int relay, int command) {
   LossAlarmState& a = s.lossAlarm;
   if (a.sentRelay == relay && a.sentCommand == command) {
@@ -59,6 +66,9 @@ void Drive(State& s, int relay, int command) {
   if (SendSwitcherCommand(s, relay, 1, command)) {
     a.sentRelay = static_cast<qint16>(relay);
     a.sentCommand = command;
+    if (command == kCommandRelayLatch) {
+      a.latchedRelay = static_cast<qint16>(relay);
+    }
   }
 }
 
@@ -71,15 +81,9 @@ void ReleaseStrayRelay(State& s, bool usable) {
     a.strayRelay = kNone;
     return;
   }
-  if (!a.strayReleaseSent) {
+  if (!a.strayReleaseSent && LinkReady(s)) {
     a.strayReleaseSent = SendSwitcherCommand(s, a.strayRelay, 1, kCommandRelayRelease);
   }
-}
-
-void ForgetSentCommands(State& s) {
-  s.lossAlarm.sentRelay = kNone;
-  s.lossAlarm.sentCommand = -1;
-  s.lossAlarm.strayReleaseSent = false;
 }
 
 }  // namespace
@@ -124,20 +128,31 @@ void DecideAlarmRelay(State& s) {
       DisplayMessage(s, wanted ? kReportOn : kReportOff);
     }
     ReleaseStrayRelay(s, usable);
-    if (!usable) {
+    if (!usable || !LinkReady(s)) {
       return;
     }
     const bool on = ReportedOn(s, s.AlarmRelay);
+    if (!on && !wanted && a.latchedRelay == s.AlarmRelay) {
+      a.latchedRelay = kNone;  // our release has been carried out
+    }
     if (wanted && !on) {
       Drive(s, s.AlarmRelay, kCommandRelayLatch);
-    } else if (!wanted && on) {
+    } else if (!wanted && on && (a.latchedRelay == s.AlarmRelay || !a.startupDecided)) {
+      // Another monitor may hold a relay we did not latch; one left latched by our own
+      // previous run is released once.
       Drive(s, s.AlarmRelay, kCommandRelayRelease);
     }
+    a.startupDecided = true;
   });
 }
 
+void BeginRelayTick(State& s) {
+  s.lossAlarm.sentRelay = kNone;
+  s.lossAlarm.sentCommand = -1;
+  s.lossAlarm.strayReleaseSent = false;
+}
+
 void LossAlarmTick(State& s) {
-  ForgetSentCommands(s);
   const int panels = PanelledOutputs(s);
   for (int i = 0; i < panels; ++i) {
     if (s.panels.outputs[i].lampInGrace && !InSilenceGrace(s, s.Outputs[i].Output - 1)) {
@@ -149,7 +164,6 @@ void LossAlarmTick(State& s) {
 }
 
 void RelayStatesReported(State& s) {
-  ForgetSentCommands(s);
   UpdateAlarmLamp(s);
   DecideAlarmRelay(s);
 }
@@ -162,7 +176,6 @@ void AlarmRelayTableArrived(State& s) {
                       .arg(RelayTableSize(s)),
                   QStringLiteral("Error Checking Alarm Relay"));
   }
-  ForgetSentCommands(s);
   UpdateAlarmLamp(s);
   DecideAlarmRelay(s);
 }

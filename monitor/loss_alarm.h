@@ -14,10 +14,13 @@ bool AlarmRelayUsable(const State& s);
 // suppressed.
 bool AlarmRelayWanted(const State& s);
 
-// The one decision on the relay: latched while wanted, released while not. Writes "Loss Alarm
-// Report On" / "Off" when the decision changes, and sends a command while the switcher's
-// report disagrees, once until the next poll tick or relay report.
+// The one decision on the relay: latched while wanted, released while not wanted and latched
+// by this monitor. Writes "Loss Alarm Report On" / "Off" when the decision changes, and sends a
+// command while the switcher's report disagrees, at most once per poll tick.
 void DecideAlarmRelay(State& s);
+
+// Start of a poll tick: a relay command may go out again from here on.
+void BeginRelayTick(State& s);
 
 // Poll tick: looks again at lamps whose grace is over, then decides, re-sending a command the
 // switcher has not yet carried out.

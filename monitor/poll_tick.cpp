@@ -24,6 +24,7 @@ void RefreshClock(State& s) {
 void PollTick(State& s) {
   PollState& poll = s.poll;
   ++poll.PollTick;
+  BeginRelayTick(s);
 
   const bool hadTime = s.CurrentTime.isValid();
   const int minuteBefore = hadTime ? MinuteOfWeek(s.CurrentTime, s.Today) : 0;

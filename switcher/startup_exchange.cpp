@@ -259,6 +259,11 @@ bool RepeatOutstandingRequests(State& s) {
   if (!AnyRequestOutstanding(s)) {
     return false;
   }
+  // A request cannot be answered on a dead link: nothing is repeated or counted against the
+  // switcher until the next connection asks again.
+  if (!s.Connected) {
+    return true;
+  }
   qint16& countdown = s.poll.RetryCountdown;
   if (countdown >= 1) {
     --countdown;

@@ -39,7 +39,13 @@ class LossAlarm : public TempStateTest {
       s.SilenceStatus[i].Mode = 0x100;
     }
     UpdateOutputs(s);
+    s.linkState.ExchangeComplete = true;
     link.wire.clear();
+  }
+  // A poll tick as far as the relay is concerned.
+  void Tick() {
+    BeginRelayTick(s);
+    LossAlarmTick(s);
   }
   void Silence(int output, quint8 status) {
     s.SilenceStatus[output].Status = status;
@@ -87,14 +93,14 @@ TEST_F(LossAlarm, LatchIsRepeatedEachTickUntilTheSwitcherReportsIt) {
   Silence(1, 1);
   EXPECT_TRUE(Wire().isEmpty()) << "not again before the next tick";
   for (int tick = 0; tick < 3; ++tick) {
-    LossAlarmTick(s);
+    Tick();
     EXPECT_EQ(Wire(), kLatch3) << tick;
   }
   EXPECT_EQ(s.panels.window.alarmLampColour, kLampGrey) << "the lamp shows the report";
   Report(3, 1);
   EXPECT_EQ(s.panels.window.alarmLampColour, kLampRed);
   for (int tick = 0; tick < 20; ++tick) {
-    LossAlarmTick(s);
+    Tick();
   }
   EXPECT_TRUE(Wire().isEmpty());
   EXPECT_EQ(Lamp(0), kLampRed);
@@ -113,7 +119,7 @@ TEST_F(LossAlarm, ReleasedOnlyWhenTheLastSilentOutputRecovers) {
   EXPECT_EQ(Activity(), (QStringList{kOn, kOff}));
   Report(3, 0);
   EXPECT_EQ(s.panels.window.alarmLampColour, kLampGrey);
-  LossAlarmTick(s);
+  Tick();
   EXPECT_TRUE(Wire().isEmpty());
 }
 
@@ -168,11 +174,11 @@ TEST_F(LossAlarm, CancelTakesWhatAlarmsNowOffTheRelayUntilItsSilenceChanges) {
   EXPECT_EQ(s.Outputs[0].AlarmState, 0) << "cancel is no acknowledgement";
 
   // Released each tick until the switcher agrees, and never latched again for this silence.
-  LossAlarmTick(s);
+  Tick();
   EXPECT_EQ(Wire(), kRelease3);
   Report(3, 0);
   Silence(0, 1);
-  LossAlarmTick(s);
+  Tick();
   EXPECT_TRUE(Wire().isEmpty());
   EXPECT_EQ(Activity(), (QStringList{kOn, kCanceled}));
 
@@ -201,15 +207,15 @@ TEST_F(LossAlarm, InShowModeOnlyShowsAlarm) {
 
   s.Shows[1].Alarm = 1;
   s.Shows[1].DownlinkMonitor = 5;
-  LossAlarmTick(s);
+  Tick();
   EXPECT_EQ(Wire(), kLatch3);
   Report(3, 1);
   s.Shows[1].AlarmSuppressed = true;
-  LossAlarmTick(s);
+  Tick();
   EXPECT_EQ(Wire(), kRelease3);
   Report(3, 0);
   s.Shows[1].AlarmSuppressed = false;
-  LossAlarmTick(s);
+  Tick();
   EXPECT_EQ(Wire(), kLatch3);
   Report(3, 1);
 
@@ -222,15 +228,73 @@ TEST_F(LossAlarm, InShowModeOnlyShowsAlarm) {
   // A show out of the table is skipped, not read.
   s.ActiveShows = {7};
   s.ActiveShowCount = 3;
-  LossAlarmTick(s);
+  Tick();
   EXPECT_EQ(Wire(), kRelease3);
 }
 
-TEST_F(LossAlarm, ARelayFoundOnWithoutAnAlarmIsReleased) {
+// A relay found latched when this monitor first decides (left so before a restart) is released
+// once; after that only a relay this monitor latched itself is released, so a second monitor
+// (or a panel) holding the same relay is left alone and no command storm arises.
+TEST_F(LossAlarm, OnlyOwnLatchesAreReleasedAfterTheFirstDecision) {
   Report(3, 1);
   EXPECT_EQ(Wire(), kRelease3);
   EXPECT_TRUE(Activity().isEmpty()) << "the decision did not change";
+  Report(3, 1);
+  Tick();
+  EXPECT_TRUE(Wire().isEmpty()) << "someone else holds it now";
+
+  // Our own latch is released when the silence ends, repeated each tick until carried out.
+  Report(3, 0);
+  Silence(0, 1);
+  EXPECT_EQ(Wire(), kLatch3);
+  Report(3, 1);
+  Tick();
+  Silence(0, 0);
+  EXPECT_EQ(Wire(), kRelease3);
+  Report(3, 1);
+  EXPECT_TRUE(Wire().isEmpty()) << "a report never triggers a second command in one tick";
+  Tick();
+  EXPECT_EQ(Wire(), kRelease3);
+  Report(3, 0);
+  Report(3, 1);
+  Tick();
+  EXPECT_TRUE(Wire().isEmpty()) << "latched again by another controller: not ours to release";
+
+  // Wanted while someone else flips it: at most one latch per tick, however many reports.
+  Report(3, 0);
+  Silence(1, 1);
+  EXPECT_EQ(Wire(), kLatch3);
+  for (int i = 0; i < 10; ++i) {
+    Report(3, (i + 1) % 2);
+  }
+  EXPECT_TRUE(Wire().isEmpty());
+  Tick();
+  EXPECT_EQ(Wire(), kLatch3);
+}
+
+// A scheduled event that changes a lamp in the same tick as the tick's own decision sends the
+// relay command once.
+TEST_F(LossAlarm, OneCommandPerTickWhateverDecidesInIt) {
+  BeginRelayTick(s);
+  Silence(0, 1);
+  UpdateOutputs(s);
   LossAlarmTick(s);
+  EXPECT_EQ(Wire(), kLatch3);
+}
+
+// On a new connection nothing is commanded from the previous connection's relay states until
+// this connection's exchange has completed.
+TEST_F(LossAlarm, NoRelayCommandBeforeTheExchangeCompletes) {
+  Silence(0, 1);
+  Report(3, 1);
+  Wire();
+  OnClosed(s);
+  OnConnected(s);
+  Silence(0, 0);
+  Tick();
+  EXPECT_TRUE(Wire().isEmpty());
+  s.linkState.ExchangeComplete = true;
+  Tick();
   EXPECT_EQ(Wire(), kRelease3);
 }
 
@@ -241,7 +305,7 @@ TEST_F(LossAlarm, ARelayBeyondTheTableCountsAsNone) {
   ASSERT_EQ(ErrorLines().size(), 1);
   EXPECT_TRUE(ErrorLines()[0].contains(QStringLiteral("Alarm Relay 0003")));
   Silence(0, 1);
-  LossAlarmTick(s);
+  Tick();
   EXPECT_TRUE(Wire().isEmpty());
   EXPECT_TRUE(Activity().isEmpty());
   EXPECT_EQ(s.panels.window.alarmLampColour, kLampGrey);
@@ -257,16 +321,16 @@ TEST_F(LossAlarm, AChangedAlarmRelayLeavesNothingLatched) {
   Report(3, 1);
   Wire();
   s.AlarmRelay = 2;
-  LossAlarmTick(s);
+  Tick();
   EXPECT_EQ(Wire(), kRelease3 + kLatch2);
   s.RelayStates = {0, 1, 0, 0};
   RelayStatesReported(s);
-  LossAlarmTick(s);
+  Tick();
   EXPECT_TRUE(Wire().isEmpty());
   EXPECT_EQ(Activity(), QStringList{kOn}) << "still one alarm";
 
   s.AlarmRelay = kNone;
-  LossAlarmTick(s);
+  Tick();
   EXPECT_EQ(Wire(), Bytes({0xFE, 0x40, 0x00, 0x00, 0x00, 0x01, 0x00, 0x41, 0xFF}));
   EXPECT_EQ(Activity(), (QStringList{kOn, kOff}));
 }
@@ -274,22 +338,23 @@ TEST_F(LossAlarm, AChangedAlarmRelayLeavesNothingLatched) {
 TEST_F(LossAlarm, ADeadLinkDefersTheCommandNotTheDecision) {
   OnClosed(s);
   Silence(0, 1);
-  LossAlarmTick(s);
+  Tick();
   EXPECT_TRUE(Wire().isEmpty());
   EXPECT_EQ(Activity(), QStringList{kOn});
   OnConnected(s);
-  LossAlarmTick(s);
+  s.linkState.ExchangeComplete = true;
+  Tick();
   EXPECT_EQ(Wire(), kLatch3);
 }
 
 TEST_F(LossAlarm, TheTickLooksAgainWhenTheGraceEnds) {
-  StartSilenceGrace(s, 0);
+  StartSilenceGrace(s, 0, 7);
   Silence(0, 1);
   EXPECT_EQ(Lamp(0), kLampGrey);
-  LossAlarmTick(s);
+  Tick();
   EXPECT_TRUE(Wire().isEmpty());
   clock.AdvanceSeconds(13);
-  LossAlarmTick(s);
+  Tick();
   EXPECT_EQ(Lamp(0), kLampRed);
   EXPECT_EQ(Wire(), kLatch3);
 }

@@ -62,6 +62,7 @@ class MainWindowTest : public ::testing::Test {
     }
     s.SwitcherRelayCount = 16;
     s.RelayStates.assign(16, 0);
+    s.linkState.ExchangeComplete = true;
   }
 
   void SetSilent(std::initializer_list<int> channels, quint8 status) {
