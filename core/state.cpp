@@ -28,8 +28,17 @@ QDateTime Now(const State& s) {
   return s.clock != nullptr ? s.clock->Now() : QDateTime::currentDateTime();
 }
 
-void StartSilenceGrace(State& s, int output) {
-  if (output < 0 || output >= std::max<int>(s.SwitcherOutputCount, 0)) {
+bool RoutedNow(const State& s, int output, int source) {
+  if (output < 0 || output >= static_cast<int>(s.CrosspointMap.size())) {
+    return false;
+  }
+  const CrosspointEntry& route = s.CrosspointMap[output];
+  return route.SourceCount > 0 && route.Sources[0] == source;
+}
+
+void StartSilenceGrace(State& s, int output, int source) {
+  if (output < 0 || output >= std::max<int>(s.SwitcherOutputCount, 0) ||
+      RoutedNow(s, output, source)) {
     return;
   }
   if (static_cast<int>(s.SilenceGraceUntil.size()) <= output) {

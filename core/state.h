@@ -88,6 +88,8 @@ struct ShowRecord {
   // Run-time: an ignore window applies or there is no downlink monitor, so the show's alarm
   // is not counted.
   bool AlarmSuppressed = false;
+  // Run-time: the log last said this show's silence alarm is on.
+  bool AlarmLogged = false;
 };
 
 struct SilenceOut {
@@ -128,11 +130,17 @@ struct SilenceStatusEntry {
 
 // Bookkeeping of the two logs: flood control and the guard against reporting a failed
 // error-log write through the error log again.
-struct LogState {
-  QString lastLocation;
-  QString lastMessage;
+struct HeldBackError {
+  QString location;
+  QString message;
   QDateTime lastWritten;
   int heldBack = 0;
+};
+
+struct LogState {
+  // Error lines written within the last minute, each with the repeats held back since; kept
+  // per line so two errors that alternate are held back like one that repeats.
+  std::vector<HeldBackError> recentErrors;
   bool reportingWriteFailure = false;
   // Activity lines held while a batch is open (ActivityBatch), written together when it ends.
   int activityBatches = 0;
@@ -181,18 +189,21 @@ struct RequestState {
 
 // The loss alarm's memory between passes.
 struct LossAlarmState {
-  // Flags of the latest lamp pass.
-  bool NewAlarm = false;
-  bool AlarmChanged = false;
   // The relay the latest decision wanted latched; kNone when it wanted none.
   qint16 wantedRelay = kNone;
   // A relay latched under an earlier AlarmRelay setting, released until reported off.
   qint16 strayRelay = kNone;
-  // The relay command sent since the last poll tick or relay report, not repeated before
-  // either brings news.
+  // The relay command sent in the present poll tick; not sent again before the next tick,
+  // whatever reports arrive meanwhile.
   qint16 sentRelay = kNone;
   int sentCommand = -1;
   bool strayReleaseSent = false;
+  // The relay this monitor latched itself, until the switcher reports it released. Only that
+  // one is released when nothing here wants it, so monitors sharing a relay do not fight.
+  qint16 latchedRelay = kNone;
+  // The first decision on a complete exchange has been made: a relay left latched before a
+  // restart has had its one release.
+  bool startupDecided = false;
 };
 
 // The poll timer's counters.
@@ -235,6 +246,9 @@ struct State {
   std::vector<qint16> ActiveShows;
   qint16 ActiveShowCount = 0;
   qint16 ShowPanelsLoaded = 0;
+  // Borrowed outputs (0-based) given back and still to be parked: kept until the park goes out
+  // on a live link, and dropped when another show takes the output over first.
+  std::vector<qint16> PendingParks;
   // Most silence-detect outputs the shows on air at one time have needed since start-up.
   qint16 RequiredSilenceOutputs = 0;
 
@@ -307,9 +321,12 @@ struct State {
 // The current wall-clock time from the state's clock.
 QDateTime Now(const State& s);
 
-// Starts the grace of a switcher output (0-based) after the program routed a new source to
-// it: its detect time plus return time, or 8 + 5 seconds when those are not known.
-void StartSilenceGrace(State& s, int output);
+// Starts the grace of a switcher output (0-based) after the program routed source (0-based)
+// to it: its detect time plus return time, or 8 + 5 seconds when those are not known. A route
+// to the source the switcher already reports there is no change and starts none.
+void StartSilenceGrace(State& s, int output, int source);
+// Whether the switcher reports source (0-based) routed to output (0-based).
+bool RoutedNow(const State& s, int output, int source);
 // Ends the grace early, when the switcher reports a change of state for the output.
 void EndSilenceGrace(State& s, int output);
 // Whether the silence state of a switcher output (0-based) counts as unknown now.

@@ -45,7 +45,7 @@ bool Route(State& s, OutputEntry& output, int source) {
   }
   output.PendingRouteSource = kNone;
   // The new source's silence is not known yet: the old source's state must not raise an alarm.
-  StartSilenceGrace(s, output.Output - 1);
+  StartSilenceGrace(s, output.Output - 1, source - 1);
   return true;
 }
 

@@ -110,6 +110,7 @@ void GetActiveShows(State& s) {
     if (show.WasActive != 0 && show.ActivityState == 0) {
       FreeSilenceOuts(s, i);
       show.AlarmCanceled = false;
+      show.AlarmLogged = false;
       transitions = true;
     }
   }
@@ -120,11 +121,14 @@ void GetActiveShows(State& s) {
   for (int i = 0; i < shows; ++i) {
     ShowRecord& show = s.Shows[i];
     if (show.WasActive == 0 && show.ActivityState != 0) {
+      // Its cancel was cleared when it last ended (or carried over by an edit of the table).
       CreateSilenceMonitors(s, i);
-      show.AlarmCanceled = false;
       transitions = true;
     }
   }
+  // After the starts, so an output handed from a show that ended to one that started on the
+  // same source is not parked between them.
+  SendPendingParks(s);
   if (listChanged || transitions) {
     UpdateShows(s);
   }
@@ -140,6 +144,7 @@ void EndActiveShows(State& s) {
     show.ActivityState = 0;
     show.WasActive = 0;
     show.AlarmCanceled = false;
+    show.AlarmLogged = false;
   }
   s.ActiveShows.clear();
   s.ActiveShowCount = 0;

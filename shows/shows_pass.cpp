@@ -27,6 +27,7 @@ void ShowsPass(State& s) {
     if (ActiveShowsListed(s) > 0) {
       EndActiveShows(s);
     }
+    SendPendingParks(s);
     return;
   }
   GetActiveShows(s);
@@ -43,8 +44,14 @@ void ShowsPass(State& s) {
 
 void ResendShowMonitors(State& s) {
   if (s.ProgramMode != 1) {
+    SendPendingParks(s);
     return;
   }
+  // Shows that ended during the outage end now instead of being routed again and parked a
+  // tick later; shows that started meanwhile are routed by their start.
+  const std::vector<qint16> before(s.ActiveShows.begin(),
+                                   s.ActiveShows.begin() + ActiveShowsListed(s));
+  GetActiveShows(s);
   std::vector<int> sent;
   auto resend = [&](int output) {
     const qint16 e = MonitorEntryOf(s, output);
@@ -54,9 +61,7 @@ void ResendShowMonitors(State& s) {
     sent.push_back(output);
     SendSilenceMonitor(s, e);
   };
-  const int listed = ActiveShowsListed(s);
-  for (int p = 0; p < listed; ++p) {
-    const int show = s.ActiveShows[p];
+  for (const qint16 show : before) {
     if (ActiveShowPosition(s, show) < 0) {
       continue;
     }

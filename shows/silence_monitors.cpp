@@ -65,7 +65,12 @@ qint16 Borrow(State& s, qint16 e, qint16 input, int show, quint8 role) {
 }
 
 void StartMonitorGrace(State& s, const SilenceOut& entry) {
-  StartSilenceGrace(s, entry.Output);
+  // Routed again to what it already carries (a re-send, a handover): the detector's report
+  // still describes the right source and a live alarm must stand.
+  if (RoutedNow(s, entry.Output, entry.Source)) {
+    return;
+  }
+  StartSilenceGrace(s, entry.Output, entry.Source);
   // The detector now works with the settings just sent, not with those it reported before.
   const bool known = entry.DetectTime1 >= 1 && entry.DetectTime1 <= 500 && entry.DetectTime2 >= 0 &&
                      entry.DetectTime2 <= 500;
@@ -98,15 +103,27 @@ void ReleaseOutput(State& s, int output) {
   quint8 role = 0;
   const qint16 watcher = WatcherOf(s, output, role);
   if (watcher != kNone) {
-    // Another show still listens here: the output stays routed and the entry held for it.
+    // Another show still listens here: the output stays routed and the entry held for it,
+    // now with that show's own detector settings.
     if (e != kNone) {
-      s.SilenceOuts[e].Show = watcher;
-      s.SilenceOuts[e].Role = role;
+      SilenceOut& entry = s.SilenceOuts[e];
+      const ShowRecord& holder = s.Shows[watcher];
+      entry.Show = watcher;
+      entry.Role = role;
+      if (entry.DetectLevel != holder.DetectLevel || entry.DetectTime1 != holder.DetectTime1 ||
+          entry.DetectTime2 != holder.DetectTime2) {
+        entry.DetectLevel = holder.DetectLevel;
+        entry.DetectTime1 = holder.DetectTime1;
+        entry.DetectTime2 = holder.DetectTime2;
+        SendShowSilenceConfig(s, e);
+      }
     }
     return;
   }
-  if (output >= 0 && output < s.SwitcherOutputCount) {
-    SendSwitcherCommand(s, output + 1, kNoSource, kCommandClear);
+  // Parked later in the pass, so a show starting now on the same source takes it over as it is.
+  if (output >= 0 && output < s.SwitcherOutputCount &&
+      std::find(s.PendingParks.begin(), s.PendingParks.end(), output) == s.PendingParks.end()) {
+    s.PendingParks.push_back(static_cast<qint16>(output));
   }
   if (e != kNone) {
     SilenceOut& entry = s.SilenceOuts[e];
@@ -226,6 +243,17 @@ void FreeSilenceOuts(State& s, int show) {
   });
 }
 
+void SendPendingParks(State& s) {
+  std::erase_if(s.PendingParks, [&](qint16 output) {
+    const qint16 e = MonitorEntryOf(s, output);
+    if (e != kNone && s.SilenceOuts[e].Show != kNone) {
+      return true;  // handed over to a show that started meanwhile
+    }
+    return output >= s.SwitcherOutputCount ||
+           SendSwitcherCommand(s, output + 1, kNoSource, kCommandClear);
+  });
+}
+
 void SendSilenceMonitor(State& s, int entry) {
   Trap(s, kCreateLocation, kTitle, [&] {
     const SilenceOut& e = At(s.SilenceOuts, entry);
@@ -264,13 +292,16 @@ void UpdateShowSilenceDisplay(State& s, int show) {
     suppressed = IgnoreWindowApplies(s, rec, location) || suppressed;
 
     if (!unknown && rec.DownlinkStatus != status) {
+      // Only the silence bit ends a cancel: a peak coming or going on a silent downlink does not.
+      if (((rec.DownlinkStatus ^ status) & 1) != 0) {
+        rec.AlarmCanceled = false;
+      }
       rec.DownlinkStatus = status;
       if (status == 1) {
         rec.Alarm = 1;
       } else if (status == 0) {
         rec.Alarm = 0;
       }
-      rec.AlarmCanceled = false;
     }
     rec.AlarmSuppressed = suppressed;
 
@@ -294,6 +325,13 @@ void CheckSilenceAlarm(State& s) {
       // A suppressed show keeps its flag, so silence that outlasts an ignore window alarms.
       if (!show.AlarmSuppressed && show.Alarm != show.DownlinkStatus) {
         show.Alarm = show.DownlinkStatus;
+      }
+      // The log names the show that went silent; the outputs it borrows are hidden.
+      const bool alarming = show.Alarm == 1 && !show.AlarmSuppressed;
+      if (alarming != show.AlarmLogged) {
+        show.AlarmLogged = alarming;
+        DisplayMessage(s, show.Name + (alarming ? QStringLiteral(" Silence Alarm Status ON!")
+                                                : QStringLiteral(" Silence Alarm Status OFF!")));
       }
     }
   });

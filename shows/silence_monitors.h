@@ -16,10 +16,13 @@ qint16 FindSilenceDetectMonitorOutput(const State& s, int input);
 // (left channel), routes and configures them, and takes their present status.
 void CreateSilenceMonitors(State& s, int show);
 
-// Gives back the outputs the show borrowed: each is parked and freed unless another show
-// still watches it. Monitor fields that were never assigned are skipped.
+// Gives back the outputs the show borrowed: each is freed and owed a park (SendPendingParks)
+// unless another show still watches it. Monitor fields that were never assigned are skipped.
 void FreeSilenceOuts(State& s, int show);
 
+// Parks the outputs given back that no show took over meanwhile; those refused on a dead link
+// stay owed until a later pass.
+void SendPendingParks(State& s);
 // Routes the entry's source to its output, sends the show's detector settings and holds off
 // the output's silence state until the detector had time to see the new source.
 void SendSilenceMonitor(State& s, int entry);

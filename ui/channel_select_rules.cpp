@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "shows/show_activity.h"
+#include "shows/shows_pass.h"
 #include "storage/logs.h"
 
 namespace zrn {
@@ -90,6 +91,8 @@ void ReplaceSilenceOuts(State& s, const std::vector<int>& channels) {
   s.SilenceOuts = BuildSilenceOutTable(s.SilenceOuts, channels);
   s.SilenceOutCount = static_cast<qint16>(s.SilenceOuts.size());
   UpdateSilenceOutTable(s);
+  // What is on air takes its outputs again at once; those left out of the table are parked.
+  ShowsPass(s);
 }
 
 }  // namespace zrn

@@ -4,6 +4,7 @@
 
 #include "monitor/panel_update.h"
 #include "shows/show_activity.h"
+#include "shows/shows_pass.h"
 #include "ui/ignore_window_rules.h"
 #include "ui/time_entry.h"
 
@@ -112,6 +113,7 @@ void ClearShowRunState(ShowRecord& show) {
   show.Alarm = 0;
   show.AlarmCanceled = false;
   show.AlarmSuppressed = false;
+  show.AlarmLogged = false;
   for (auto* studio : {&show.StudioLeft, &show.StudioRight, &show.StudioCue}) {
     for (ShowChannel& channel : *studio) {
       channel.Monitor = kNone;
@@ -121,15 +123,34 @@ void ClearShowRunState(ShowRecord& show) {
 }
 
 void ReplaceShows(State& s, std::vector<ShowRecord> shows) {
+  // A show on air keeps its cancel and its logged alarm through the edit, found by its name.
+  QStringList canceled;
+  QStringList logged;
+  for (const qint16 index : s.ActiveShows) {
+    if (index >= 0 && index < static_cast<int>(s.Shows.size())) {
+      const ShowRecord& show = s.Shows[index];
+      if (show.AlarmCanceled) {
+        canceled << show.Name;
+      }
+      if (show.AlarmLogged) {
+        logged << show.Name;
+      }
+    }
+  }
   EndActiveShows(s);
   // The copies still carry the run state of the moment the editor opened; the outputs they
   // name were given back just now.
   for (ShowRecord& show : shows) {
     ClearShowRunState(show);
+    show.AlarmCanceled = canceled.contains(show.Name);
+    show.AlarmLogged = logged.contains(show.Name);
   }
   s.ShowCount = static_cast<qint16>(std::min<std::size_t>(shows.size(), 32767));
   s.Shows = std::move(shows);
   UpdateSilenceOutTable(s);
+  // What is on air starts again at once, taking over the outputs it had, so a live show alarm
+  // is neither released nor re-raised by the edit.
+  ShowsPass(s);
 }
 
 }  // namespace zrn

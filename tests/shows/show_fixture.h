@@ -83,6 +83,7 @@ class ShowsTest : public TempStateTest {
   }
   // The alarm side of a poll tick, then the show pass.
   void Tick() {
+    BeginRelayTick(s);
     LossAlarmTick(s);
     ShowsPass(s);
   }

@@ -1,5 +1,6 @@
 #include "monitor/panel_update.h"
 #include "show_fixture.h"
+#include "ui/show_editor_rules.h"
 
 namespace zrn {
 namespace {
@@ -103,7 +104,7 @@ TEST_F(ShowsPassTest, TheLatchIsRepeatedUntilReportedAndACancelLastsUntilTheNext
   Tick();
   Tick();
   EXPECT_TRUE(Wire().isEmpty());
-  EXPECT_EQ(Activity(), QStringList{kOn});
+  EXPECT_EQ(Activity().last(), kOn);
 
   cmdCancel_Click(s);
   EXPECT_EQ(Wire(), kRelease3);
@@ -125,7 +126,118 @@ TEST_F(ShowsPassTest, TheLatchIsRepeatedUntilReportedAndACancelLastsUntilTheNext
   Report(10, 0);
   Tick();
   EXPECT_EQ(Wire(), kRelease3);
-  EXPECT_EQ(Activity(), (QStringList{kOn, kCanceled, kOn, kOff}));
+  // The log names the show whose downlink went silent.
+  const QString on = QStringLiteral("Morning Silence Alarm Status ON!");
+  const QString off = QStringLiteral("Morning Silence Alarm Status OFF!");
+  EXPECT_EQ(Activity(), (QStringList{on, kOn, kCanceled, off, on, kOn, off, kOff}));
+}
+
+// A show monitor routed again to the source it already carries (a re-send after a drop, Show
+// Setup OK, the next show on the same downlink) is no change: no grace, no park, and the live
+// alarm holds the relay throughout.
+TEST_F(ShowsPassTest, ALiveShowAlarmStandsWhenItsMonitorIsRoutedAgainToTheSameSource) {
+  AddShow(QStringLiteral("Morning"), 5);
+  const int evening = AddShow(QStringLiteral("Evening"), 5, {}, QStringLiteral("14:00:01"),
+                              QStringLiteral("16:00:00"));
+  Tick();
+  Report(10, 0);
+  s.CrosspointMap[10].SourceCount = 1;
+  s.CrosspointMap[10].Sources[0] = 5;
+  Report(10, 1);
+  Tick();
+  EXPECT_EQ(Wire(), kRoute5To10 + kConfig10 + kLatch3);
+  ReportRelay(1);
+
+  auto holds = [&](const char* what) {
+    for (int tick = 0; tick < 3; ++tick) {
+      Tick();
+    }
+    EXPECT_FALSE(Wire().contains(kRelease3)) << what;
+    EXPECT_FALSE(Activity().contains(kOff)) << what;
+    EXPECT_EQ(Indicator(0), kLampRed) << what;
+  };
+  CloseSwitcherLink(s);
+  Tick();
+  OnConnected(s);
+  s.linkState.ExchangeComplete = true;
+  ResendShowMonitors(s);
+  EXPECT_EQ(Wire(), kRoute5To10 + kConfig10);
+  holds("after a reconnection");
+
+  ReplaceShows(s, s.Shows);
+  EXPECT_FALSE(Wire().contains(kPark10));
+  holds("after Show Setup OK");
+
+  At(QTime(14, 0, 1));
+  Tick();
+  EXPECT_FALSE(Wire().contains(kPark10)) << "handed over, not parked";
+  EXPECT_EQ(s.ActiveShows, std::vector<qint16>{static_cast<qint16>(evening)});
+  holds("after the handover");
+  EXPECT_EQ(Activity().count(kOn), 1);
+  EXPECT_EQ(Activity().filter(QStringLiteral("Silence Alarm Status ON!")),
+            (QStringList{"Morning Silence Alarm Status ON!", "Evening Silence Alarm Status ON!"}));
+}
+
+// What the switcher must still be told after an outage: a show that ended meanwhile is parked,
+// not routed again; a park refused on the dead link goes out once the link is back.
+TEST_F(ShowsPassTest, ParksOwedDuringAnOutageGoOutOnTheNextExchange) {
+  AddShow(QStringLiteral("Morning"), 5);
+  Tick();
+  Wire();
+  CloseSwitcherLink(s);
+  At(QTime(14, 0, 30));
+  OnConnected(s);
+  s.linkState.ExchangeComplete = true;
+  ResendShowMonitors(s);
+  EXPECT_EQ(Wire(), kPark10);
+  EXPECT_EQ(s.ActiveShowCount, 0);
+
+  At(QTime(12, 15, 0));
+  Tick();
+  Wire();
+  CloseSwitcherLink(s);
+  ReplaceShows(s, {});
+  EXPECT_TRUE(Wire().isEmpty());
+  OnConnected(s);
+  s.linkState.ExchangeComplete = true;
+  ResendShowMonitors(s);
+  EXPECT_EQ(Wire(), kPark10);
+  ResendShowMonitors(s);
+  EXPECT_TRUE(Wire().isEmpty()) << "owed once";
+}
+
+// Two shows share a monitor; when the one that set it up ends, the other's own detector
+// settings are sent to it.
+TEST_F(ShowsPassTest, ASharedMonitorTakesTheSettingsOfTheShowThatKeepsIt) {
+  AddShow(QStringLiteral("Morning"), 5, {}, QStringLiteral("12:00:00"), QStringLiteral("12:30:00"));
+  const int brunch = AddShow(QStringLiteral("Brunch"), 5);
+  s.Shows[brunch].DetectLevel = 804;
+  Tick();
+  EXPECT_EQ(Wire(), kRoute5To10 + kConfig10);
+  At(QTime(12, 30, 1));
+  Tick();
+  const QByteArray sent = Wire();
+  EXPECT_TRUE(sent.startsWith(char(0xCB))) << sent.toHex().toStdString();
+  EXPECT_FALSE(sent.contains(kPark10));
+  EXPECT_EQ(s.SilenceOuts[0].Show, brunch);
+  EXPECT_EQ(s.SilenceOuts[0].DetectLevel, 804);
+}
+
+// A peak appearing or fading on a silent downlink keeps the show's cancel in force.
+TEST_F(ShowsPassTest, APeakOnASilentDownlinkKeepsTheCancel) {
+  StartMorning();
+  Report(10, 1);
+  Tick();
+  ReportRelay(1);
+  cmdCancel_Click(s);
+  ReportRelay(0);
+  Wire();
+  for (quint8 status : {3, 1, 3, 1}) {
+    Report(10, status);
+    Tick();
+  }
+  EXPECT_TRUE(s.Shows[0].AlarmCanceled);
+  EXPECT_FALSE(Wire().contains(kLatch3));
 }
 
 TEST_F(ShowsPassTest, EachModeKeepsItsOwnAlarmOnTheRelay) {

@@ -32,6 +32,7 @@ class ChannelSelectTest : public test::TempStateTest {
     TempStateTest::SetUp();
     s.link = &link;
     s.Connected = true;
+    s.linkState.ExchangeComplete = true;
     s.SwitcherOutputCount = 16;
     s.OutputNames.clear();
     for (int k = 1; k <= 16; ++k) {
@@ -144,6 +145,7 @@ TEST_F(ChannelSelectTest, ReplacingTheTableWhileAShowIsOnAirStrandsNoOutput) {
   show.StudioLeft[0].Channel = 6;
   s.Shows = {show};
   s.ShowCount = 1;
+  s.ProgramMode = 1;
   RefreshClock(s);
   GetActiveShows(s);
   ASSERT_EQ(s.ActiveShowCount, 1);
@@ -158,14 +160,12 @@ TEST_F(ChannelSelectTest, ReplacingTheTableWhileAShowIsOnAirStrandsNoOutput) {
   Click("cmdAdd");
   Click("cmdOk");
 
-  // Both borrowed outputs are parked with no source before the table changes.
+  // The show starts again at once on the new table; the output taken out of the table is
+  // parked, the one it keeps using is not.
   EXPECT_TRUE(link.wire.contains(QByteArray::fromHex("fe00007f7f090007ff")));
-  EXPECT_TRUE(link.wire.contains(QByteArray::fromHex("fe00007f7f0a0008ff")));
-  EXPECT_EQ(s.ActiveShowCount, 0);
-  EXPECT_EQ(s.Shows[0].ActivityState, 0);
-  EXPECT_EQ(s.Shows[0].DownlinkMonitor, kNone);
-
-  // The next evaluation starts the show again on the new table: one monitor per source.
+  EXPECT_FALSE(link.wire.contains(QByteArray::fromHex("fe00007f7f0a0008ff")));
+  ASSERT_EQ(s.ActiveShowCount, 1);
+  EXPECT_EQ(s.Shows[0].DownlinkMonitor, 10);
   GetActiveShows(s);
   ASSERT_EQ(s.ActiveShowCount, 1);
   for (int source : {4, 6}) {
