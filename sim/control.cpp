@@ -107,13 +107,17 @@ QString OutputCommand(SimSwitcher& sim, const Args& args) {
 
 QString PeakCommand(SimSwitcher& sim, const Args& args) {
   const auto output = args.size() == 3 ? Channel(args[1], sim.OutputCount()) : std::nullopt;
-  const auto on = args.size() == 3 ? OnOff(args[2]) : std::nullopt;
+  std::optional<bool> on = args.size() == 3 ? OnOff(args[2]) : std::nullopt;
+  // "toggle" flips the peak, so "every 0.5 peak N toggle" plays a flickering peak meter.
+  if (output && !on && args[2] == QLatin1String("toggle")) {
+    on = (sim.State().outputs[*output].status & kStatusPeak) == 0;
+  }
   if (!output || !on) {
-    return output ? Error(QStringLiteral("usage: peak N on|off"))
+    return output ? Error(QStringLiteral("usage: peak N on|off|toggle"))
                   : RangeError("output", sim.OutputCount());
   }
   sim.SetPeak(*output, *on);
-  return QStringLiteral("ok peak %1 %2").arg(*output + 1).arg(args[2]);
+  return QStringLiteral("ok peak %1 %2").arg(*output + 1).arg(*on ? "on" : "off");
 }
 
 QString BurstCommand(SimSwitcher& sim, const Args& args) {
@@ -196,7 +200,8 @@ const std::map<QString, Handler>& Commands() {
       {QStringLiteral("help"),
        [](SimSwitcher&, const Args&) {
          return QStringLiteral(
-             "ok input N silent|audio|toggle; output N silent|audio|auto; peak N on|off; burst N; "
+             "ok input N silent|audio|toggle; output N silent|audio|auto; peak N on|off|toggle; "
+             "burst N; "
              "route IN|none OUT; relay N on|off; drop; mute on|off; send HEX; status; quit");
        }},
   };
@@ -257,6 +262,7 @@ QString StatusLine(const SimSwitcher& sim) {
       QStringLiteral("forced=") +
           (forced.isEmpty() ? QStringLiteral("-") : forced.join(QLatin1Char(','))),
       QStringLiteral("routes=") + routes.join(QLatin1Char(',')),
+      QStringLiteral("relay_commands=%1").arg(sim.RelayCommands()),
   }
       .join(QLatin1Char(' '));
 }

@@ -294,6 +294,7 @@ QString SimSwitcher::HandleSwitchCommand(const QByteArray& message) {
     Route(kNone, target);
   } else if ((command == kCommandRelayLatch || command == kCommandRelayRelease) &&
              target < RelayCount()) {
+    ++relayCommands_;
     SetRelay(target, command == kCommandRelayLatch);
   } else {
     return QStringLiteral("ignored: command or channel out of range");

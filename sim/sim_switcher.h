@@ -49,6 +49,8 @@ class SimSwitcher : public QObject {
   int ConnectionCount() const { return static_cast<int>(connections_.size()); }
   const SwitchState& State() const { return state_; }
   bool Muted() const { return muted_; }
+  // Relay latch and release commands received from monitors since start.
+  qint64 RelayCommands() const { return relayCommands_; }
 
   void SetInputAudio(int input, bool audio);
   // nullopt hands the output back to the audio of its routed input.
@@ -105,6 +107,7 @@ class SimSwitcher : public QObject {
   std::vector<std::unique_ptr<Connection>> connections_;
   int nextId_ = 1;
   bool muted_ = false;
+  qint64 relayCommands_ = 0;
   Trace* trace_ = nullptr;
   QElapsedTimer clock_;
   QTimer audioTimer_;
