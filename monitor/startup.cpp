@@ -9,6 +9,7 @@
 #include "schedule/event_scheduler.h"
 #include "storage/config_file.h"
 #include "storage/events_file.h"
+#include "storage/logs.h"
 #include "storage/shows_file.h"
 #include "switcher/link.h"
 
@@ -24,8 +25,13 @@ void Form_Load(State& s, const QString& appPath) {
   s.MaxDisplay = 100;
   s.LargeViewActive = false;
 
-  if (ReadConfiguration(s)) {
+  QString problem;
+  if (ReadConfiguration(s, &problem)) {
     UpdateOutputs(s);
+  } else if (!problem.isEmpty()) {
+    // Running without the operator's configuration must not go unnoticed.
+    s.FileNotice = problem;
+    DisplayMessage(s, problem);
   }
   ConnectToSwitcher(s);
   ReadEvents(s);
