@@ -293,9 +293,14 @@ void MainWindow::PlaceControls() {
   if (alarm_->geometry() != column) {
     alarm_->setGeometry(column);
   }
-  // The scroll bar stays beside the panels rather than out by the alarm controls.
-  const int panelWidth = std::min(columnLeft - kGap, content.width() + bar);
-  const QRect panels(0, 0, std::max(0, panelWidth), panelBottom);
+  // The area is no larger than the panels, so its scroll bars stay beside them rather than
+  // out by the alarm controls or at the foot of the window.
+  const int widest = std::max(0, columnLeft - kGap);
+  bool vertical = content.height() > panelBottom;
+  const bool horizontal = content.width() + (vertical ? bar : 0) > widest;
+  vertical = vertical || content.height() + (horizontal ? bar : 0) > panelBottom;
+  const QRect panels(0, 0, std::min(widest, content.width() + (vertical ? bar : 0)),
+                     std::min(panelBottom, content.height() + (horizontal ? bar : 0)));
   if (scroll_->geometry() != panels) {
     scroll_->setGeometry(panels);
   }
