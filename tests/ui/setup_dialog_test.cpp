@@ -18,7 +18,6 @@
 #include "support/temp_state.h"
 #include "switcher/link.h"
 #include "switcher/switcher_connection.h"
-#include "ui/broadcast_style.h"
 #include "ui/setup_dialog.h"
 
 namespace zrn {
@@ -418,19 +417,6 @@ TEST_F(SetupDialogTest, ConfirmedSetupThatCannotBeSavedSaysWhichFileAndWhy) {
         << prompt.informed[i].toStdString();
     EXPECT_FALSE(prompt.informed[i].contains(QStringLiteral("unknown error")));
   }
-}
-
-TEST_F(SetupDialogTest, Screenshots) {
-  ApplyBroadcastStyle(*qApp);
-  const QString folder = QCoreApplication::applicationDirPath() + QStringLiteral("/../screenshots");
-  QDir().mkpath(folder);
-  Open(DefaultSetupEditors());
-  Click("cmdEdit");
-  QTest::qWait(50);
-  EXPECT_TRUE(dialog->grab().save(folder + QStringLiteral("/setup_dialog.png")));
-  Click("optProgramMode1");
-  QTest::qWait(50);
-  EXPECT_TRUE(dialog->grab().save(folder + QStringLiteral("/setup_dialog_show_mode.png")));
 }
 
 }  // namespace
