@@ -295,6 +295,15 @@ TEST_P(ManyPanelsTest, EveryPanelScrollsIntoSightAndAnswersItsClick) {
   const QRect cancel = InWindow(window->CancelButton());
   EXPECT_TRUE(window->rect().contains(cancel));
   EXPECT_EQ(window->childAt(cancel.center()), window->CancelButton());
+
+  // The operator makes the window smaller: the controls come along, the panels still scroll.
+  window->resize(800, 450);
+  QCoreApplication::processEvents();
+  EXPECT_TRUE(window->rect().contains(InWindow(window->AlarmControls())));
+  EXPECT_TRUE(window->rect().contains(VisiblePanelArea()));
+  const QRect panel = ScrollTo(last);
+  EXPECT_TRUE(VisiblePanelArea().contains(panel));
+  EXPECT_EQ(window->childAt(panel.center()), window->Canvas());
 }
 
 INSTANTIATE_TEST_SUITE_P(Screen1280x720, ManyPanelsTest,
