@@ -1,7 +1,10 @@
 // Writes the README's screenshots: the main window in both views with 16 and with 300 watched
 // outputs on a 1280x720 screen, against the switcher simulator, and every dialog.
 //
-//   zrn-screenshots <folder>
+//   zrn-screenshots <folder> [<demo folder>]
+//
+// The demo folder (scripts/seed-demo ... show) gives the dialogs its schedule and its show on
+// air all day.
 
 #include <QApplication>
 #include <QDir>
@@ -52,14 +55,16 @@ void Save(const QPixmap& shot, const QString& path) {
   std::printf("%s\n", qPrintable(path));
 }
 
-void WriteConfiguration(const QString& folder, quint16 port, int outputs, const char* view) {
+void WriteConfiguration(const QString& folder, quint16 port, int outputs, const char* view,
+                        const char* mode = "Output") {
   QString ini = QStringLiteral(
                     "[CONFIGURATION]\r\nServer IP Address=127.0.0.1\r\nServer IP Port=%1\r\n"
                     "Maximum Log File Size=5000\r\nMaximum Display=100\r\nAlarm Relay=3\r\n"
-                    "Default View=%2\r\nProgram Mode=Output\r\nOutput Count=%3\r\n")
+                    "Default View=%2\r\nProgram Mode=%4\r\nOutput Count=%3\r\n")
                     .arg(port)
                     .arg(QLatin1String(view))
-                    .arg(outputs);
+                    .arg(outputs)
+                    .arg(QLatin1String(mode));
   for (int n = 1; n <= outputs; ++n) {
     ini += QStringLiteral(
                "[OUTPUT%1]\r\nOutput=%2\r\nDisplay Options=%3\r\nCustom Label=Studio %1\r\n"
@@ -106,37 +111,29 @@ void ShootWindow(zrn::sim::SimSwitcher& sim, const QString& out, int outputs, co
   QTest::qWait(1500);
 }
 
-void ShootDialogs(zrn::sim::SimSwitcher& sim, const QString& out) {
+void ShootDialogs(zrn::sim::SimSwitcher& sim, const QString& out, const QString& demo) {
   QTemporaryDir folder;
-  WriteConfiguration(folder.path(), sim.Port(), 16, "Normal");
+  const bool seeded = !demo.isEmpty();
+  WriteConfiguration(folder.path(), sim.Port(), 16, "Normal", seeded ? "Show" : "Output");
+  for (const char* file : {"ZRNEvents.dat", "ZRNShows.dat"}) {
+    if (seeded) {
+      QFile::copy(demo + QLatin1Char('/') + QLatin1String(file),
+                  folder.path() + QLatin1Char('/') + QLatin1String(file));
+    }
+  }
   zrn::Monitor monitor(folder.path() + QLatin1Char('/'));
+  zrn::MainWindow window(monitor);
   monitor.Start();
+  window.show();
   Linked(monitor);
+  // The show goes on air at the next passes of the poll timer.
+  QTest::qWait(2000);
+  if (seeded) {
+    Save(window.grab(), out + QStringLiteral("/show-mode-16.png"));
+  }
   zrn::State& s = monitor.state();
-  s.SelectedOutput = 0;
+  s.SelectedOutput = 1;
   s.SelectedShow = 0;
-  // Something to show: two timed events on the first output and one show.
-  zrn::ScheduledEvent morning;
-  morning.Time = QStringLiteral("06:00:00");
-  morning.Active = true;
-  morning.Days = 0x1F;
-  morning.Connect = true;
-  morning.Source = 3;
-  zrn::ScheduledEvent night = morning;
-  night.Time = QStringLiteral("22:30:00");
-  night.Days = 0x7F;
-  night.DisplayOption = 2;
-  night.Label = QStringLiteral("Night Relay ");
-  s.Outputs[0].Events = {morning, night};
-  s.Outputs[0].EventCount = 2;
-  zrn::ShowRecord show = zrn::MakeNewShow();
-  show.Name = QStringLiteral("Morning Drive");
-  show.StartTime = QStringLiteral("06:00:00");
-  show.EndTime = QStringLiteral("10:00:00");
-  show.Days = 0x1F;
-  show.DownlinkSource = 3;
-  s.Shows = {show};
-  s.ShowCount = 1;
 
   const auto shoot = [&](const char* file, QDialog& dialog) {
     dialog.show();
@@ -145,7 +142,11 @@ void ShootDialogs(zrn::sim::SimSwitcher& sim, const QString& out) {
     dialog.hide();
   };
   {
+    // Setup as it looks in output mode, with the watched outputs.
+    const qint16 mode = s.ProgramMode;
+    s.ProgramMode = 0;
     zrn::SetupDialog dialog(s);
+    s.ProgramMode = mode;
     shoot("setup-dialog.png", dialog);
   }
   {
@@ -187,8 +188,8 @@ void ShootDialogs(zrn::sim::SimSwitcher& sim, const QString& out) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 2) {
-    std::fprintf(stderr, "usage: zrn-screenshots <folder>\n");
+  if (argc != 2 && argc != 3) {
+    std::fprintf(stderr, "usage: zrn-screenshots <folder> [<demo folder>]\n");
     return 2;
   }
   // A screen of the size operators' smaller monitors have, whatever this machine has.
@@ -218,6 +219,7 @@ int main(int argc, char** argv) {
       ShootWindow(sim, out, outputs, view);
     }
   }
-  ShootDialogs(sim, out);
+  ShootDialogs(sim, out,
+               argc > 2 ? QDir(QString::fromLocal8Bit(argv[2])).absolutePath() : QString());
   return failures == 0 ? 0 : 1;
 }
