@@ -166,6 +166,14 @@ void ShootDialogs(zrn::sim::SimSwitcher& sim, const QString& out, const QString&
     zrn::ChannelSelectDialog dialog(s);
     shoot("channel-select-dialog.png", dialog);
   }
+  // The channel pair and ignore window editors work on the show editor's copy of the shows.
+  s.EditShows = s.Shows;
+  if (!s.EditShows.empty()) {
+    s.EditShows[0].IgnoreWindows = {{QStringLiteral("12:00:00"), QStringLiteral("12:05:00")},
+                                    {QStringLiteral("17:59:30"), QStringLiteral("18:00:30")}};
+    s.EditShows[0].IgnoreCount = 2;
+  }
+  s.ChannelSelectMode = 1;
   {
     zrn::ChannelPairDialog dialog(s);
     shoot("channel-pair-dialog.png", dialog);
