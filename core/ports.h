@@ -44,6 +44,8 @@ class Link {
   // Returns the number of bytes accepted, or -1 on a write error.
   virtual qint64 Write(const QByteArray& bytes) = 0;
   virtual bool CanWrite() const = 0;
+  // Why the last attempt or connection ended, as the system put it; empty when unknown.
+  virtual QString LastError() const { return QString(); }
 };
 
 // Message boxes and questions of the dialogs.

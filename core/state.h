@@ -308,6 +308,9 @@ struct State {
   // Rows of the main window's message list, oldest first; at most MaxDisplay.
   QStringList MessageRows;
   QString StatusBarText;
+  // A data file the program could not use at start-up, shown beside the link state until the
+  // next start.
+  QString FileNotice;
 
   // What the main window draws.
   PanelModels panels;

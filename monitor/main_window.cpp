@@ -7,12 +7,15 @@
 #include <QMenuBar>
 #include <QPainter>
 #include <QPushButton>
+#include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QStaticText>
 #include <QStatusBar>
 #include <QStyledItemDelegate>
+#include <algorithm>
 
+#include "monitor/alarm_controls_widget.h"
 #include "monitor/menu_commands.h"
 #include "monitor/monitor.h"
 #include "monitor/panel_canvas_widget.h"
@@ -79,18 +82,26 @@ MainWindow::MainWindow(Monitor& monitor, QWidget* parent) : QMainWindow(parent),
 
   BuildMenus();
 
+  // The panels scroll in their own area; the alarm controls and the message list are placed
+  // beside and below it, never over it.
+  body_ = new QWidget;
   canvas_ = new PanelCanvasWidget;
-  scroll_ = new QScrollArea;
+  body_->setPalette(canvas_->palette());
+  body_->setAutoFillBackground(true);
+  body_->installEventFilter(this);
+  setCentralWidget(body_);
+
+  scroll_ = new QScrollArea(body_);
+  scroll_->setObjectName(QStringLiteral("panelArea"));
   scroll_->setWidget(canvas_);
   scroll_->setWidgetResizable(true);
   scroll_->setFrameShape(QFrame::NoFrame);
-  setCentralWidget(scroll_);
+  scroll_->setPalette(canvas_->palette());
 
-  cancel_ = new QPushButton(QStringLiteral("Cancel"), canvas_);
-  cancel_->setToolTip(QStringLiteral("Cancel Alarm"));
-  connect(cancel_, &QPushButton::clicked, this, [this] { monitor_.CancelAlarm(); });
+  alarm_ = new AlarmControlsWidget(body_);
+  connect(alarm_, &AlarmControlsWidget::cancelClicked, this, [this] { monitor_.CancelAlarm(); });
 
-  history_ = new QListWidget(canvas_);
+  history_ = new QListWidget(body_);
   history_->setObjectName(QStringLiteral("lstDisplay"));
   history_->setUniformItemSizes(true);
   history_->setSelectionMode(QAbstractItemView::SingleSelection);
@@ -101,6 +112,11 @@ MainWindow::MainWindow(Monitor& monitor, QWidget* parent) : QMainWindow(parent),
 
   status_ = new QLabel;
   statusBar()->addWidget(status_, 1);
+  notice_ = new QLabel;
+  notice_->setObjectName(QStringLiteral("fileNotice"));
+  notice_->setStyleSheet(QStringLiteral("color: #ffb020; font-weight: bold;"));
+  notice_->hide();
+  statusBar()->addPermanentWidget(notice_);
 
   connect(canvas_, &PanelCanvasWidget::outputPanelClicked, this,
           [this](int index) { monitor_.PanelClicked(index); });
@@ -110,6 +126,10 @@ MainWindow::MainWindow(Monitor& monitor, QWidget* parent) : QMainWindow(parent),
           [this](int index, const QPoint& at) { ShowPanelMenu(index, at); });
   connect(&monitor_, &Monitor::changed, this, &MainWindow::Refresh);
   Refresh();
+}
+
+QPushButton* MainWindow::CancelButton() const {
+  return alarm_->CancelButton();
 }
 
 void MainWindow::BuildMenus() {
@@ -197,29 +217,109 @@ void MainWindow::Refresh() {
   const State& s = monitor_.state();
   const PanelModels& models = s.panels;
   canvas_->Refresh(models);
-
-  const WindowModel& w = models.window;
-  const QRect button = PanelCanvasWidget::ToPixels(w.cancelButton);
-  if (cancel_->geometry() != button) {
-    cancel_->setGeometry(button);
-  }
-  const QRect list = PanelCanvasWidget::ToPixels(w.messageList);
-  if (history_->geometry() != list) {
-    history_->setGeometry(list);
-  }
-  history_->setVisible(w.messageListVisible);
+  alarm_->Refresh(models.window);
+  history_->setVisible(models.window.messageListVisible);
   SyncHistory();
+  PlaceControls();
 
   if (status_->text() != s.StatusBarText) {
     status_->setText(s.StatusBarText);
   }
+  if (notice_->text() != s.FileNotice) {
+    notice_->setText(s.FileNotice);
+    notice_->setVisible(!s.FileNotice.isEmpty());
+  }
   // The window follows the view's size when the view changes, not on every refresh, so the
   // operator's own resizing stays.
-  const QSize size(w.width / 15, w.height / 15);
+  const QSize size(models.window.width / 15, models.window.height / 15);
   if (size != lastWindowSize_) {
     lastWindowSize_ = size;
-    resize(size);
+    FollowViewSize(size);
   }
+}
+
+QSize FittedWindowSize(const QSize& wanted, const QRect& available, const QMargins& frame) {
+  const int width = available.width() - frame.left() - frame.right();
+  const int height = available.height() - frame.top() - frame.bottom();
+  return QSize(std::max(1, std::min(wanted.width(), width)),
+               std::max(1, std::min(wanted.height(), height)));
+}
+
+void MainWindow::FollowViewSize(const QSize& size) {
+  const QScreen* screen = this->screen();
+  if (screen == nullptr) {
+    resize(size);
+    return;
+  }
+  const QRect available = screen->availableGeometry();
+  // Before the window is first shown its frame is not known; a title bar's worth is kept free.
+  const QMargins frame = isVisible() && frameGeometry() != geometry()
+                             ? QMargins(geometry().left() - frameGeometry().left(),
+                                        geometry().top() - frameGeometry().top(),
+                                        frameGeometry().right() - geometry().right(),
+                                        frameGeometry().bottom() - geometry().bottom())
+                             : QMargins(4, 32, 4, 4);
+  resize(FittedWindowSize(size, available, frame));
+  // A window grown past the screen's edge comes back onto it.
+  if (isVisible()) {
+    const QRect outer = frameGeometry();
+    const int left = std::clamp(outer.left(), available.left(),
+                                std::max(available.left(), available.right() - outer.width() + 1));
+    const int top = std::clamp(outer.top(), available.top(),
+                               std::max(available.top(), available.bottom() - outer.height() + 1));
+    if (left != outer.left() || top != outer.top()) {
+      move(left, top);
+    }
+  }
+}
+
+void MainWindow::PlaceControls() {
+  // Between the panel area and the controls beside and below it.
+  constexpr int kGap = 4;
+  const WindowModel& w = monitor_.state().panels.window;
+  const QSize area = body_->size();
+  const QRect designed = alarm_->DesignedPixels(w);
+  const QRect list = PanelCanvasWidget::ToPixels(w.messageList);
+
+  const int panelBottom = w.messageListVisible ? std::max(0, list.top() - kGap) : area.height();
+  const QSize content = canvas_->minimumSize();
+  const int bar = scroll_->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, scroll_);
+  // The alarm controls stand where the view puts them, moved right when the panels and their
+  // scroll bar need the room and left when the window is narrower than the view.
+  const int needed = content.width() + (content.height() > panelBottom ? bar : 0) + kGap;
+  int columnLeft = std::max(designed.left(), needed);
+  columnLeft = std::max(0, std::min(columnLeft, area.width() - designed.width() - kGap));
+  const QRect column(QPoint(columnLeft, designed.top()), designed.size());
+  if (alarm_->geometry() != column) {
+    alarm_->setGeometry(column);
+  }
+  // The area is no larger than the panels, so its scroll bars stay beside them rather than
+  // out by the alarm controls or at the foot of the window.
+  const int widest = std::max(0, columnLeft - kGap);
+  bool vertical = content.height() > panelBottom;
+  const bool horizontal = content.width() + (vertical ? bar : 0) > widest;
+  vertical = vertical || content.height() + (horizontal ? bar : 0) > panelBottom;
+  const QRect panels(0, 0, std::min(widest, content.width() + (vertical ? bar : 0)),
+                     std::min(panelBottom, content.height() + (horizontal ? bar : 0)));
+  if (scroll_->geometry() != panels) {
+    scroll_->setGeometry(panels);
+  }
+  // The list keeps its designed place and shrinks with a window smaller than the view.
+  constexpr int kFewestRowsHigh = 48;
+  const QRect placed(
+      list.left(), list.top(),
+      std::max(0, std::min(list.width(), area.width() - list.left() - kGap)),
+      std::max(kFewestRowsHigh, std::min(list.height(), area.height() - list.top() - kGap)));
+  if (history_->geometry() != placed) {
+    history_->setGeometry(placed);
+  }
+}
+
+bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == body_ && event->type() == QEvent::Resize) {
+    PlaceControls();
+  }
+  return QMainWindow::eventFilter(watched, event);
 }
 
 // The rows only grow at the end and drop off the front, so the list follows by editing both

@@ -11,8 +11,13 @@ class QScrollArea;
 
 namespace zrn {
 
+class AlarmControlsWidget;
 class Monitor;
 class PanelCanvasWidget;
+
+// The size the window opens at: the view's own where the screen's free area holds it with the
+// window's frame, otherwise as much of that area as there is.
+QSize FittedWindowSize(const QSize& wanted, const QRect& available, const QMargins& frame);
 
 // The main window: draws what the monitor's state says and hands clicks and menu commands
 // back to the monitor. It keeps no state of its own that the program needs.
@@ -23,26 +28,36 @@ class MainWindow final : public QMainWindow {
   explicit MainWindow(Monitor& monitor, QWidget* parent = nullptr);
 
   PanelCanvasWidget* Canvas() const { return canvas_; }
+  // The scrolling area that holds the panels.
+  QScrollArea* PanelArea() const { return scroll_; }
+  AlarmControlsWidget* AlarmControls() const { return alarm_; }
   QListWidget* History() const { return history_; }
-  QPushButton* CancelButton() const { return cancel_; }
+  QPushButton* CancelButton() const;
   QLabel* StatusText() const { return status_; }
+  // Files the program could not use, beside the link state.
+  QLabel* FileNotice() const { return notice_; }
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   void Refresh();
+  void PlaceControls();
+  void FollowViewSize(const QSize& size);
   void SyncHistory();
   void BuildMenus();
   void ShowPanelMenu(int index, const QPoint& globalPos);
   void OpenShowStatus(int panel);
 
   Monitor& monitor_;
+  QWidget* body_ = nullptr;
   QScrollArea* scroll_ = nullptr;
   PanelCanvasWidget* canvas_ = nullptr;
+  AlarmControlsWidget* alarm_ = nullptr;
   QListWidget* history_ = nullptr;
-  QPushButton* cancel_ = nullptr;
   QLabel* status_ = nullptr;
+  QLabel* notice_ = nullptr;
   QMenu* panelMenu_ = nullptr;
   QAction* enableAction_ = nullptr;
   QSize lastWindowSize_;

@@ -3,6 +3,7 @@
 #include "monitor/panel_update.h"
 #include "schedule/event_scheduler.h"
 #include "storage/events_file.h"
+#include "storage/file_io.h"
 #include "storage/logs.h"
 
 namespace zrn {
@@ -49,7 +50,9 @@ void ScheduleAccepted(State& s) {
   if (!s.DialogAccepted) {
     return;
   }
-  SaveEvents(s);
+  if (QString failure; !SaveEvents(s, &failure)) {
+    ReportFailedSave(s, failure);
+  }
   if (SelectedEntry(s) != nullptr) {
     GetNextEvent(s, s.SelectedOutput);
   }

@@ -19,8 +19,9 @@ QString EnableMenuCaption(const State& s);
 // operator, and recolours the lamps.
 void mnuEnable_Click(State& s);
 
-// After the schedule editor closed: when it saved anything, writes the events file and
-// recomputes the next event of entry SelectedOutput. Clears DialogAccepted.
+// After the schedule editor closed: when it saved anything, writes the events file (telling
+// the operator when it cannot) and recomputes the next event of entry SelectedOutput. Clears
+// DialogAccepted.
 void ScheduleAccepted(State& s);
 
 // The about box: title, version, server and the start-up requests still unanswered.

@@ -5,12 +5,17 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QToolTip>
+#include <algorithm>
 
 namespace zrn {
 
 namespace {
 
 constexpr int kTwipsPerPixel = 15;
+// Room kept right of and below the last panel.
+constexpr int kContentMargin = 4;
+// Between a position number and the lamp beside it in the large view.
+constexpr int kNumberGap = 30;
 
 const QColor kBackground(0x1d, 0x21, 0x25);
 const QColor kPanelFill(0x2b, 0x31, 0x37);
@@ -64,6 +69,48 @@ void DrawText(QPainter& p, const QRectF& rect, const QString& text, const QFont&
   p.drawText(rect, flags | Qt::TextSingleLine, shown);
 }
 
+// A position number is never cut: three and four digits take a smaller font instead, bold while
+// it stays large enough, then regular, whose thinner strokes keep small digits apart.
+void DrawNumber(QPainter& p, const QRectF& rect, const QString& text, QFont font) {
+  constexpr int kSmallestBoldTwips = 150;
+  constexpr int kSmallestTwips = 105;
+  const auto fitted = [&](const QFont& f) {
+    const qreal wanted = QFontMetricsF(f).horizontalAdvance(text);
+    return wanted <= rect.width() ? f.pixelSize()
+                                  : static_cast<int>(f.pixelSize() * rect.width() / wanted);
+  };
+  if (const int bold = fitted(font); bold < font.pixelSize()) {
+    if (bold >= kSmallestBoldTwips) {
+      font.setPixelSize(bold);
+    } else {
+      font.setBold(false);
+      font.setPixelSize(std::max(kSmallestTwips, fitted(font)));
+    }
+  }
+  p.setFont(font);
+  p.setPen(kText);
+  p.drawText(rect, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, text);
+}
+
+// The box a position number may fill: its label, kept inside the frame and, in the large view,
+// clear of the lamp.
+QRectF NumberBox(const NormalPanelView& v, const QString& text) {
+  // Every three- and four-digit number starts where the widest ones do, so they all get the
+  // same room.
+  constexpr int kWideLeft = 20;
+  Rect label = v.number;
+  if (text.size() > 2) {
+    label.left = std::min(label.left, kWideLeft);
+  }
+  return Inner(v.frame, label).intersected(Twips(v.frame).adjusted(0, 0, -kNumberGap, 0));
+}
+
+QRectF NumberBox(const LargePanelView& v) {
+  QRectF label = Inner(v.frame, v.number);
+  label.setRight(v.frame.left + v.lamp.left - kNumberGap);
+  return label;
+}
+
 QRect Grown(const QRect& r) {
   return r.adjusted(-2, -2, 2, 2);
 }
@@ -91,7 +138,7 @@ QRect PanelCanvasWidget::OutputPanelPixels(int index) const {
 }
 
 QSize PanelCanvasWidget::ContentSize() const {
-  QRect extent = ToPixels(models_.window.alarmLamp) | ToPixels(models_.window.cancelButton);
+  QRect extent;
   for (const OutputPanelModel& panel : models_.outputs) {
     if (panel.normal.visible) {
       extent |= ToPixels(panel.normal.frame);
@@ -105,30 +152,39 @@ QSize PanelCanvasWidget::ContentSize() const {
       extent |= ToPixels(show.frame);
     }
   }
-  if (models_.window.messageListVisible) {
-    extent |= ToPixels(models_.window.messageList);
+  for (const LabelModel& heading : models_.headings) {
+    if (heading.visible) {
+      extent |= ToPixels(heading.rect);
+    }
   }
-  return QSize(extent.right() + 16, extent.bottom() + 16);
+  return QSize(extent.right() + kContentMargin, extent.bottom() + kContentMargin);
+}
+
+QSize PanelCanvasWidget::sizeHint() const {
+  return ContentSize();
 }
 
 void PanelCanvasWidget::Refresh(const PanelModels& models) {
-  // The alarm lamp's colour is not part of the layout: it repaints on its own below.
-  WindowModel layout = models.window;
-  layout.alarmLampColour = models_.window.alarmLampColour;
   const bool sameShape = models.outputs.size() == models_.outputs.size() &&
                          models.shows.size() == models_.shows.size() &&
-                         models.headings == models_.headings && layout == models_.window;
+                         models.headings == models_.headings;
   if (!sameShape) {
-    models_ = models;
+    models_.outputs = models.outputs;
+    models_.shows = models.shows;
+    models_.headings = models.headings;
     setMinimumSize(ContentSize());
+    updateGeometry();
     update();
     return;
   }
   // Only panels whose model changed are repainted, so a quiet switcher costs nothing and an
-  // alarm costs one panel and the alarm lamp, not the whole grid.
+  // alarm costs one panel, not the whole grid.
+  bool moved = false;
   for (std::size_t i = 0; i < models.outputs.size(); ++i) {
     if (!(models.outputs[i] == models_.outputs[i])) {
       const QRect before = OutputPanelPixels(static_cast<int>(i));
+      moved = moved || models.outputs[i].normal.visible != models_.outputs[i].normal.visible ||
+              models.outputs[i].large.visible != models_.outputs[i].large.visible;
       models_.outputs[i] = models.outputs[i];
       update(Grown(before | OutputPanelPixels(static_cast<int>(i))));
     }
@@ -136,13 +192,14 @@ void PanelCanvasWidget::Refresh(const PanelModels& models) {
   for (std::size_t i = 0; i < models.shows.size(); ++i) {
     if (!(models.shows[i] == models_.shows[i])) {
       const QRect before = ToPixels(models_.shows[i].frame);
+      moved = moved || models.shows[i].visible != models_.shows[i].visible;
       models_.shows[i] = models.shows[i];
       update(Grown(before | ToPixels(models.shows[i].frame)));
     }
   }
-  if (!(models.window.alarmLampColour == models_.window.alarmLampColour)) {
-    models_.window.alarmLampColour = models.window.alarmLampColour;
-    update(Grown(ToPixels(models_.window.alarmLamp)));
+  if (moved) {
+    setMinimumSize(ContentSize());
+    updateGeometry();
   }
 }
 
@@ -168,13 +225,13 @@ void PanelCanvasWidget::paintEvent(QPaintEvent* event) {
     if (panel.normal.visible && needed(panel.normal.frame)) {
       const NormalPanelView& v = panel.normal;
       DrawFrame(p, v.frame);
-      DrawText(p, Inner(v.frame, v.number), panel.position, PanelFont(180, true), kText);
+      DrawNumber(p, NumberBox(v, panel.position), panel.position, PanelFont(180, true));
       DrawLamp(p, Inner(v.frame, v.lamp), panel.lamp, false);
     }
     if (panel.large.visible && needed(panel.large.frame)) {
       const LargePanelView& v = panel.large;
       DrawFrame(p, v.frame);
-      DrawText(p, Inner(v.frame, v.number), panel.position, PanelFont(200, true), kText);
+      DrawNumber(p, NumberBox(v), panel.position, PanelFont(200, true));
       DrawLamp(p, Inner(v.frame, v.lamp), panel.lamp, false);
       DrawText(p, Inner(v.frame, v.nameLine), panel.nameLine, PanelFont(180, true, true), kText);
       DrawText(p, Inner(v.frame, v.channelLine), panel.channelLine, PanelFont(170, false, true),
@@ -196,13 +253,11 @@ void PanelCanvasWidget::paintEvent(QPaintEvent* event) {
     DrawText(p, Inner(show.frame, show.source), show.sourceText, PanelFont(170, false), kDimText);
     DrawLamp(p, Inner(show.frame, show.indicator), show.indicatorColour, true);
   }
+}
 
-  const WindowModel& w = models_.window;
-  if (needed(w.alarmCaption) || needed(w.alarmLamp)) {
-    DrawText(p, Twips(w.alarmCaption), QStringLiteral("Alarm"), PanelFont(180, true), kText,
-             Qt::AlignHCenter | Qt::AlignVCenter);
-    DrawLamp(p, Twips(w.alarmLamp), w.alarmLampColour, false);
-  }
+QRect PanelCanvasWidget::NumberPixels(const OutputPanelModel& panel, bool large) {
+  const QRectF box = large ? NumberBox(panel.large) : NumberBox(panel.normal, panel.position);
+  return QRectF(box.topLeft() / kTwipsPerPixel, box.size() / kTwipsPerPixel).toAlignedRect();
 }
 
 int PanelCanvasWidget::OutputPanelAt(const QPoint& point) const {

@@ -6,8 +6,9 @@
 
 namespace zrn {
 
-// Draws the output panels of both views, the "Status" headings, the show panels and the alarm
-// lamp from their models, at 15 twips per logical pixel. Repaints only what changed.
+// Draws the output panels of both views, the "Status" headings and the show panels from their
+// models, at 15 twips per logical pixel, and grows to hold them all (the window scrolls it).
+// Repaints only what changed.
 class PanelCanvasWidget final : public QWidget {
   Q_OBJECT
 
@@ -23,6 +24,10 @@ class PanelCanvasWidget final : public QWidget {
   int ShowPanelAt(const QPoint& point) const;
 
   static QRect ToPixels(const Rect& twips);
+  // Where a panel's position number is drawn, whole, in the normal or the large view.
+  static QRect NumberPixels(const OutputPanelModel& panel, bool large);
+
+  QSize sizeHint() const override;
 
  signals:
   void outputPanelClicked(int index);
@@ -38,6 +43,7 @@ class PanelCanvasWidget final : public QWidget {
   QRect OutputPanelPixels(int index) const;
   QSize ContentSize() const;
 
+  // Only the panels and headings; the window's own controls are drawn by the window.
   PanelModels models_;
 };
 

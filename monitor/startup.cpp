@@ -25,8 +25,13 @@ void Form_Load(State& s, const QString& appPath) {
   s.MaxDisplay = 100;
   s.LargeViewActive = false;
 
-  if (ReadConfiguration(s)) {
+  QString problem;
+  if (ReadConfiguration(s, &problem)) {
     UpdateOutputs(s);
+  } else if (!problem.isEmpty()) {
+    // Running without the operator's configuration must not go unnoticed.
+    s.FileNotice = problem;
+    DisplayMessage(s, problem);
   }
   ConnectToSwitcher(s);
   ReadEvents(s);

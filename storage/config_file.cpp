@@ -134,7 +134,9 @@ void ApplyDefaults(State& s) {
 
 class EntryReader {
  public:
-  EntryReader(State& s, QStringList entries) : s_(s), entries_(std::move(entries)) {
+  // current always holds the entry being applied, so a failure can name it.
+  EntryReader(State& s, QStringList entries, QString& current)
+      : s_(s), entries_(std::move(entries)), current_(current) {
     for (const OutputEntry& entry : s_.Outputs) {
       totalEvents_ += std::max<qint16>(entry.EventCount, 0);
     }
@@ -142,6 +144,7 @@ class EntryReader {
 
   void Run() {
     for (k_ = 0; k_ < entries_.size(); ++k_) {
+      current_ = entries_[k_];
       Apply(entries_[k_]);
     }
   }
@@ -191,9 +194,11 @@ class EntryReader {
     for (const QLatin1String key : fieldKeys) {
       ++k_;
       if (k_ >= entries_.size()) {
+        current_ = e;  // the section that ends too early
         throw Failure::InputPastEnd();
       }
       const QString& field = entries_[k_];
+      current_ = field;
       if (!field.startsWith(key)) {
         continue;
       }
@@ -225,6 +230,7 @@ class EntryReader {
 
   State& s_;
   const QStringList entries_;
+  QString& current_;
   qsizetype k_ = 0;
   long long totalEvents_ = 0;
 };
@@ -242,9 +248,11 @@ void FinalChecks(State& s) {
 
 }  // namespace
 
-bool ReadConfiguration(State& s) {
+bool ReadConfiguration(State& s, QString* problem) {
   const QString path = DataPath(s, kFileName);
   bool fileFound = false;
+  QString failedEntry;
+  Failure failure;
   const bool ok =
       Trap(s, QStringLiteral("Error Reading ini file"), QStringLiteral("File Error"), [&] {
         const QFileInfo info(path);
@@ -253,22 +261,41 @@ bool ReadConfiguration(State& s) {
           return;
         }
         fileFound = true;
-        if (info.size() > kMaxFileBytes) {
-          throw Failure::OutOfMemory();
+        try {
+          if (info.size() > kMaxFileBytes) {
+            throw Failure::OutOfMemory();
+          }
+          EntryReader(s, SplitEntries(QString::fromLatin1(ReadFileBytes(path))), failedEntry).Run();
+        } catch (const Failure& f) {
+          failure = f;
+          throw;
         }
-        EntryReader(s, SplitEntries(QString::fromLatin1(ReadFileBytes(path)))).Run();
       });
   if (!ok && fileFound) {
+    const QString unreadable = UnreadableReason(path);
     // Out of the way, so the next start begins from the defaults and no later save
     // replaces the operator's file with the little that was read.
-    SetAsideDamagedFile(s, kFileName, /*move=*/true);
+    const QString keptAs = SetAsideDamagedFile(s, kFileName, /*move=*/true);
+    if (problem != nullptr) {
+      const QString what =
+          !unreadable.isEmpty() ? QStringLiteral("%1 is unreadable (%2)").arg(kFileName, unreadable)
+          : failedEntry.isEmpty()
+              ? QStringLiteral("%1 is damaged (%2)").arg(kFileName, failure.description)
+              : QStringLiteral("%1 is damaged at \"%2\" (%3)")
+                    .arg(kFileName, failedEntry, failure.description);
+      const QString where =
+          keptAs.isEmpty() ? QStringLiteral("it could not be set aside")
+                           : QStringLiteral("set aside as %1").arg(QFileInfo(keptAs).fileName());
+      *problem = QStringLiteral("Configuration not read: %1; %2").arg(what, where);
+    }
   }
   // Whatever was read, the watched entries agree with their outputs.
   FinalChecks(s);
   return ok;
 }
 
-bool WriteConfiguration(State& s) {
+bool WriteConfiguration(State& s, QString* failure) {
+  QString reason;
   try {
     QString text;
     auto line = [&text](const QString& content) {
@@ -296,10 +323,17 @@ bool WriteConfiguration(State& s) {
       entry(kCustomLabel, output.CustomLabel);
       entry(kEventCount, QString::number(output.EventCount));
     }
-    SaveFileAtomically(DataPath(s, kFileName), text.toLatin1());
+    SaveFileAtomically(DataPath(s, kFileName), text.toLatin1(), &reason);
     return true;
-  } catch (const Failure&) {
+  } catch (const Failure& f) {
+    if (reason.isEmpty()) {
+      reason = f.description;
+    }
   } catch (const std::bad_alloc&) {
+    reason = Failure::OutOfMemory().description;
+  }
+  if (failure != nullptr) {
+    *failure = SaveFailureText(DataPath(s, kFileName), reason);
   }
   return false;
 }

@@ -138,34 +138,41 @@ bool ReadEvents(State& s) {
   return true;
 }
 
-bool SaveEvents(State& s) {
-  return Trap(s, QStringLiteral("Error Saving Events"), QStringLiteral("File Error"), [&] {
-    const int outputs = std::clamp<int>(s.PanelsLoaded, 0, static_cast<int>(s.Outputs.size()));
-    ByteWriter records;
-    int written = 0;
-    for (int o = 0; o < outputs; ++o) {
-      const OutputEntry& output = s.Outputs[o];
-      const int events =
-          std::clamp<int>(output.EventCount, 0, static_cast<int>(output.Events.size()));
-      for (int e = 0; e < events; ++e) {
-        const ScheduledEvent& event = output.Events[e];
-        const QString reason = Unstorable(o, event);
-        if (!reason.isEmpty()) {
-          // One bad event must not cost the rest of the schedule.
-          WriteErrorLog(
-              s, QStringLiteral("Event %1 of output %2 not saved: %3").arg(e).arg(o).arg(reason),
-              QStringLiteral("Error Saving Events"));
-          continue;
+bool SaveEvents(State& s, QString* failure) {
+  QString reason;
+  const bool saved =
+      Trap(s, QStringLiteral("Error Saving Events"), QStringLiteral("File Error"), [&] {
+        const int outputs = std::clamp<int>(s.PanelsLoaded, 0, static_cast<int>(s.Outputs.size()));
+        ByteWriter records;
+        int written = 0;
+        for (int o = 0; o < outputs; ++o) {
+          const OutputEntry& output = s.Outputs[o];
+          const int events =
+              std::clamp<int>(output.EventCount, 0, static_cast<int>(output.Events.size()));
+          for (int e = 0; e < events; ++e) {
+            const ScheduledEvent& event = output.Events[e];
+            const QString reason = Unstorable(o, event);
+            if (!reason.isEmpty()) {
+              // One bad event must not cost the rest of the schedule.
+              WriteErrorLog(
+                  s,
+                  QStringLiteral("Event %1 of output %2 not saved: %3").arg(e).arg(o).arg(reason),
+                  QStringLiteral("Error Saving Events"));
+              continue;
+            }
+            WriteRecord(records, o, event);
+            ++written;
+          }
         }
-        WriteRecord(records, o, event);
-        ++written;
-      }
-    }
-    ByteWriter file;
-    file.I16(kVersion);
-    file.I16(written);
-    SaveFileAtomically(DataPath(s, kEventsFile), file.Bytes() + records.Bytes());
-  });
+        ByteWriter file;
+        file.I16(kVersion);
+        file.I16(written);
+        SaveFileAtomically(DataPath(s, kEventsFile), file.Bytes() + records.Bytes(), &reason);
+      });
+  if (!saved && failure != nullptr) {
+    *failure = SaveFailureText(DataPath(s, kEventsFile), reason);
+  }
+  return saved;
 }
 
 }  // namespace zrn

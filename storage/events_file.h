@@ -8,7 +8,7 @@ namespace zrn {
 bool ReadEvents(State& s);
 
 // Writes the events of the first PanelsLoaded outputs; false after an error (the previous
-// file stays whole).
-bool SaveEvents(State& s);
+// file stays whole), with the file and the reason for the operator in *failure when given.
+bool SaveEvents(State& s, QString* failure = nullptr);
 
 }  // namespace zrn

@@ -29,24 +29,58 @@ QByteArray ReadFileBytes(const QString& path) {
   return bytes;
 }
 
-void SaveFileAtomically(const QString& path, const QByteArray& bytes) {
+void SaveFileAtomically(const QString& path, const QByteArray& bytes, QString* reason) {
   QSaveFile file(path);
+  auto fail = [&](const Failure& failure) {
+    if (reason != nullptr) {
+      *reason = file.errorString();
+    }
+    throw failure;
+  };
   if (!file.open(QIODevice::WriteOnly)) {
-    throw Failure::PathFileAccess();
+    fail(Failure::PathFileAccess());
   }
   // The save file buffers everything until commit; flushing first makes a full disk or a
   // size limit show up here instead of committing a cut-off file.
   if (file.write(bytes) != bytes.size() || !file.flush()) {
+    const QString why = file.errorString();
     file.cancelWriting();
+    if (reason != nullptr) {
+      *reason = why;
+    }
     throw Failure::DeviceIo();
   }
   if (!file.commit()) {
-    throw Failure::DeviceIo();
+    fail(Failure::DeviceIo());
   }
+}
+
+QString SaveFailureText(const QString& path, const QString& reason) {
+  return QStringLiteral(
+             "%1 could not be saved: %2. The changes are in use now but will be lost "
+             "when the program stops.")
+      .arg(QDir::toNativeSeparators(path),
+           reason.isEmpty() ? QStringLiteral("unknown error") : reason);
+}
+
+void ReportFailedSave(State& s, const QString& text) {
+  if (s.prompt != nullptr) {
+    s.prompt->Inform(QStringLiteral("File Error"), text);
+  }
+}
+
+QString UnreadableReason(const QString& path) {
+  QFile file(path);
+  if (!file.exists() || file.open(QIODevice::ReadOnly)) {
+    return QString();
+  }
+  return file.errorString();
 }
 
 QString SetAsideDamagedFile(State& s, const QString& fileName, bool move) {
   const QString path = DataPath(s, fileName);
+  const QString kind =
+      UnreadableReason(path).isEmpty() ? QStringLiteral("Damaged") : QStringLiteral("Unreadable");
   const QString base = path + QStringLiteral(".bad-") + Now(s).toString("yyyyMMdd-HHmmss");
   QString target = base;
   for (int n = 2; QFileInfo::exists(target) && n < 1000; ++n) {
@@ -54,11 +88,11 @@ QString SetAsideDamagedFile(State& s, const QString& fileName, bool move) {
   }
   const bool ok = move ? QFile::rename(path, target) : QFile::copy(path, target);
   if (ok) {
-    WriteErrorLog(s, QStringLiteral("Damaged file kept as %1").arg(QFileInfo(target).fileName()),
+    WriteErrorLog(s, QStringLiteral("%1 file kept as %2").arg(kind, QFileInfo(target).fileName()),
                   QStringLiteral("Setting Aside ") + fileName);
     return target;
   }
-  WriteErrorLog(s, QStringLiteral("Damaged file could not be set aside"),
+  WriteErrorLog(s, QStringLiteral("%1 file could not be set aside").arg(kind),
                 QStringLiteral("Setting Aside ") + fileName);
   return QString();
 }

@@ -14,12 +14,21 @@ QString DataPath(const State& s, const QString& fileName);
 QByteArray ReadFileBytes(const QString& path);
 
 // Replaces the file only once the new content is completely on disk; throws Failure on any
-// error, leaving the previous file as it was.
-void SaveFileAtomically(const QString& path, const QByteArray& bytes);
+// error, leaving the previous file as it was, with the system's reason in *reason when given.
+void SaveFileAtomically(const QString& path, const QByteArray& bytes, QString* reason = nullptr);
+
+// What the operator is told about a file that could not be saved: its path and the reason.
+QString SaveFailureText(const QString& path, const QString& reason);
+// Tells the operator through the prompt port, when there is one.
+void ReportFailedSave(State& s, const QString& text);
+
+// Why a file that exists cannot be opened for reading; empty when it can.
+QString UnreadableReason(const QString& path);
 
 // Keeps a file that failed to read out of reach of later saves: copies it (or moves it, when
 // the program must not read it again) to its name + ".bad-" + a date-time stamp and writes an
-// error-log line naming the copy. Returns the new path, or an empty text when it failed.
+// error-log line naming the copy, and calling the file unreadable rather than damaged when it
+// could not even be opened. Returns the new path, or an empty text when it failed.
 QString SetAsideDamagedFile(State& s, const QString& fileName, bool move);
 
 // Little-endian reader that never reads past the end: every shortfall throws error 62.

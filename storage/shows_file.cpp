@@ -219,22 +219,29 @@ bool ReadShows(State& s) {
   return true;
 }
 
-bool SaveShows(State& s) {
-  return Trap(s, QStringLiteral("Error Saving Shows"), QStringLiteral("File Error"), [&] {
-    const int shows = StoredShowCount(s);
-    const int outs = std::clamp<int>(s.SilenceOutCount, 0, static_cast<int>(s.SilenceOuts.size()));
-    ByteWriter out;
-    out.I16(kVersion);
-    out.I16(shows);
-    for (int k = 0; k < shows; ++k) {
-      WriteShow(out, s.Shows[k], k);
-    }
-    out.I16(outs);
-    for (int k = 0; k < outs; ++k) {
-      out.I16(s.SilenceOuts[k].Output);
-    }
-    SaveFileAtomically(DataPath(s, kShowsFile), out.Bytes());
-  });
+bool SaveShows(State& s, QString* failure) {
+  QString reason;
+  const bool saved =
+      Trap(s, QStringLiteral("Error Saving Shows"), QStringLiteral("File Error"), [&] {
+        const int shows = StoredShowCount(s);
+        const int outs =
+            std::clamp<int>(s.SilenceOutCount, 0, static_cast<int>(s.SilenceOuts.size()));
+        ByteWriter out;
+        out.I16(kVersion);
+        out.I16(shows);
+        for (int k = 0; k < shows; ++k) {
+          WriteShow(out, s.Shows[k], k);
+        }
+        out.I16(outs);
+        for (int k = 0; k < outs; ++k) {
+          out.I16(s.SilenceOuts[k].Output);
+        }
+        SaveFileAtomically(DataPath(s, kShowsFile), out.Bytes(), &reason);
+      });
+  if (!saved && failure != nullptr) {
+    *failure = SaveFailureText(DataPath(s, kShowsFile), reason);
+  }
+  return saved;
 }
 
 bool PrintShows(State& s) {

@@ -14,6 +14,17 @@ namespace {
 const QString kConnectedText = QStringLiteral("Server Module Connected");
 const QString kNotConnectedText = QStringLiteral("Server Module Not Connected");
 
+QString ServerText(const State& s) {
+  return s.ServerAddress + QLatin1Char(':') + QString::number(s.ServerPort);
+}
+
+// The specified text with where the program is trying to connect and why the last try failed.
+QString NotConnectedText(const State& s) {
+  const QString reason = s.link != nullptr ? s.link->LastError() : QString();
+  return kNotConnectedText + QStringLiteral(" - connecting to ") + ServerText(s) +
+         (reason.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(reason));
+}
+
 bool TopBitSet(char byte) {
   return (static_cast<quint8>(byte) & 0x80) != 0;
 }
@@ -133,6 +144,22 @@ void CloseSwitcherLink(State& s) {
 }
 
 void ConnectToSwitcher(State& s) {
+  if (s.ServerPort < 1 || s.ServerPort > 65535) {
+    // A hand-edited port would otherwise be cut to 16 bits and dial some other port.
+    const QString refused = kNotConnectedText + QStringLiteral(
+                                                    " - port %1 is not between 1 and "
+                                                    "65535; no connection is tried")
+                                                    .arg(s.ServerPort);
+    if (s.Connected) {
+      CloseSwitcherLink(s);
+    }
+    if (s.StatusBarText != refused) {
+      WriteErrorLog(s, QStringLiteral("Server IP Port %1 refused").arg(s.ServerPort),
+                    QStringLiteral("Error Connecting to Switcher"));
+      s.StatusBarText = refused;
+    }
+    return;
+  }
   Trap(s, QStringLiteral("Error Connecting to Switcher"), QStringLiteral("Connection Error"), [&] {
     if (s.Connected) {
       CloseSwitcherLink(s);
@@ -144,6 +171,9 @@ void ConnectToSwitcher(State& s) {
       throw Failure{91, QStringLiteral("Object variable or With block variable not set")};
     }
     s.link->Open(s.ServerAddress, static_cast<quint16>(s.ServerPort));
+    if (!s.Connected) {
+      s.StatusBarText = NotConnectedText(s);
+    }
   });
 }
 
@@ -166,6 +196,7 @@ void OnConnected(State& s) {
 
 void OnClosed(State& s) {
   CloseSwitcherLink(s);
+  s.StatusBarText = NotConnectedText(s);
 }
 
 bool OnDataAvailable(State& s, const QByteArray& bytes) {

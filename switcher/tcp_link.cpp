@@ -17,6 +17,7 @@ void TcpLink::Open(const QString& address, quint16 port) {
     // Commands are a few bytes each; waiting to coalesce them would delay a relay latch.
     socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
     if (socket == socket_) {
+      lastError_.clear();
       emit connected();
     }
   });
@@ -41,6 +42,8 @@ void TcpLink::Open(const QString& address, quint16 port) {
 void TcpLink::SignalClosed(QTcpSocket* socket) {
   if (socket == socket_ && !closedSignalled_) {
     closedSignalled_ = true;
+    lastError_ =
+        socket->error() == QAbstractSocket::UnknownSocketError ? QString() : socket->errorString();
     if (writing_) {
       QMetaObject::invokeMethod(
           this,

@@ -22,6 +22,7 @@ class TcpLink final : public QObject, public Link {
   void Close() override;
   qint64 Write(const QByteArray& bytes) override;
   bool CanWrite() const override;
+  QString LastError() const override { return lastError_; }
 
  signals:
   void connected();
@@ -35,6 +36,7 @@ class TcpLink final : public QObject, public Link {
 
   QPointer<QTcpSocket> socket_;
   bool closedSignalled_ = false;
+  QString lastError_;
   // Set while a write is flushed: a connection found dead there is reported afterwards, not
   // inside the handler that wrote.
   bool writing_ = false;

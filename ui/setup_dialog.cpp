@@ -9,6 +9,8 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "monitor/panel_update.h"
+#include "schedule/event_scheduler.h"
 #include "storage/logs.h"
 #include "ui/channel_select_dialog.h"
 #include "ui/schedule_dialog.h"
@@ -71,6 +73,9 @@ SetupDialog::SetupDialog(State& s, SetupEditors editors, QWidget* parent)
 void SetupDialog::Fill() {
   // First, so every handler has an entry even if filling the controls fails.
   entries_ = CopySetupEntries(s_);
+  opened_ = s_.Outputs;
+  openedCount_ = s_.OutputCount;
+  liveOrigin_.clear();
   position_ = 0;
   loading_ = true;
   txtIpAddress_->setText(s_.ServerAddress);
@@ -301,8 +306,18 @@ void SetupDialog::ConfigureSchedule() {
     return;
   }
   StoreCustomLabel();
-  // The schedule editor works on the live table, so it must hold what this dialog shows.
+  // The schedule editor works on the live table, so it must hold what this dialog shows, and
+  // the panels must follow it while the editor is open. Cancel later puts it all back.
+  if (!liveEdited_) {
+    liveEdited_ = true;
+    liveOrigin_.resize(static_cast<std::size_t>(std::max<int>(openedCount_, 0)));
+    for (std::size_t i = 0; i < liveOrigin_.size(); ++i) {
+      liveOrigin_[i] = static_cast<int>(i);
+    }
+  }
+  liveOrigin_ = FollowSetupEntries(liveOrigin_, entries_);
   ApplySetupEntries(s_, entries_);
+  UpdateOutputs(s_);
   entries_ = CopySetupEntries(s_);
   const qint16 selected = s_.SelectedOutput;
   s_.SelectedOutput = static_cast<qint16>(position_);
@@ -380,10 +395,16 @@ void SetupDialog::accept() {
 }
 
 void SetupDialog::reject() {
-  // The list is edited "in place" as far as the operator can tell: Cancel keeps those edits
-  // for the panels, but they are saved only by a later confirmed Setup.
-  StoreCustomLabel();
-  Trap(s_, kErrorLocation, kErrorTitle, [&] { ApplySetupEntries(s_, entries_); });
+  // Cancel discards the list edits with the rest. Only the schedule editor ever put them into
+  // the live table; then the table and the panels go back to how Setup found them.
+  if (liveEdited_) {
+    Trap(s_, kErrorLocation, kErrorTitle, [&] {
+      RestoreOpenedEntries(s_, opened_, openedCount_, liveOrigin_);
+      UpdateOutputs(s_);
+      GetNextEvent(s_, kNone);
+    });
+    liveEdited_ = false;
+  }
   QDialog::reject();
 }
 

@@ -31,9 +31,9 @@ struct SetupEditors {
 SetupEditors DefaultSetupEditors();
 
 // frmSetup: the configuration and the list of watched outputs. It edits a copy of the list;
-// OK takes over everything once the address, port and display length pass, Cancel keeps the
-// list edits in memory without the settings. Nothing is saved here: after OK (DialogAccepted)
-// the caller runs SetupAccepted.
+// OK takes over everything once the address, port and display length pass, Cancel leaves the
+// watched outputs as they were when it opened. Nothing is saved here: after OK
+// (DialogAccepted) the caller runs SetupAccepted.
 //
 //   s.DialogAccepted = false;
 //   SetupDialog dialog(s, DefaultSetupEditors(), mainWindow);
@@ -54,7 +54,7 @@ class SetupDialog final : public QDialog {
   const std::vector<SetupEntry>& Entries() const { return entries_; }
 
   void accept() override;
-  // Cancel, Escape and the close button: the list edits stay in memory, unsaved.
+  // Cancel, Escape and the close button: the list edits are discarded.
   void reject() override;
 
  protected:
@@ -97,6 +97,13 @@ class SetupDialog final : public QDialog {
   std::vector<SetupEntry> entries_;
   std::vector<qint16> relays_;
   int position_ = 0;
+  // The watched outputs as Setup found them, for Cancel.
+  std::vector<OutputEntry> opened_;
+  qint16 openedCount_ = 0;
+  // Set once the list went into the live table (for the schedule editor); then liveOrigin_
+  // gives, per live entry, its place when Setup opened (-1 for one added since).
+  bool liveEdited_ = false;
+  std::vector<int> liveOrigin_;
   // Set while the dialog fills its own controls, so their change handlers stay quiet.
   bool loading_ = false;
 

@@ -172,6 +172,51 @@ void ApplySetupEntries(State& s, const std::vector<SetupEntry>& entries) {
   s.OutputCount = static_cast<qint16>(s.Outputs.size());
 }
 
+std::vector<int> FollowSetupEntries(const std::vector<int>& before,
+                                    const std::vector<SetupEntry>& entries) {
+  std::vector<int> after;
+  after.reserve(entries.size());
+  for (const SetupEntry& entry : entries) {
+    const bool known = entry.origin >= 0 && entry.origin < static_cast<int>(before.size());
+    after.push_back(known ? before[static_cast<std::size_t>(entry.origin)] : -1);
+  }
+  return after;
+}
+
+void RestoreOpenedEntries(State& s, const std::vector<OutputEntry>& opened, qint16 count,
+                          const std::vector<int>& liveOrigin) {
+  const int live = EntryCount(s);
+  std::vector<OutputEntry> outputs = opened;
+  for (int j = 0; j < live && j < static_cast<int>(liveOrigin.size()); ++j) {
+    const int k = liveOrigin[static_cast<std::size_t>(j)];
+    if (k < 0 || k >= static_cast<int>(outputs.size())) {
+      continue;
+    }
+    const OutputEntry& was = opened[static_cast<std::size_t>(k)];
+    OutputEntry restored = s.Outputs[static_cast<std::size_t>(j)];
+    if (restored.Output != was.Output) {
+      // The alarm state belonged to the channel Setup had put there.
+      restored.Output = was.Output;
+      restored.MonitoringEnabled = was.MonitoringEnabled;
+      restored.AlarmState = was.AlarmState;
+      restored.AlarmCanceled = was.AlarmCanceled;
+      restored.PendingRouteSource = was.PendingRouteSource;
+    }
+    restored.DisplayOption = was.DisplayOption;
+    restored.CustomLabel = was.CustomLabel;
+    if (restored.EventCount != was.EventCount || restored.Events.size() != was.Events.size()) {
+      restored.LastRun = was.LastRun;
+      restored.HoldOffTicks = was.HoldOffTicks;
+      restored.HoldOffEvent = was.HoldOffEvent;
+    }
+    restored.Events = was.Events;
+    restored.EventCount = was.EventCount;
+    outputs[static_cast<std::size_t>(k)] = std::move(restored);
+  }
+  s.Outputs = std::move(outputs);
+  s.OutputCount = count;
+}
+
 std::optional<SetupRefusal> ApplySetup(State& s, const SetupSettings& settings,
                                        const std::vector<SetupEntry>& entries) {
   QString address;

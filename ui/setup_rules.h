@@ -73,6 +73,18 @@ void ChooseEntryOutput(SetupEntry& entry, qint16 output);
 // next event) stay with the live entry. A new channel starts with no acknowledged alarm.
 void ApplySetupEntries(State& s, const std::vector<SetupEntry>& entries);
 
+// Where each entry of the list will stand once applied, in terms of an earlier table:
+// before[i] names the earlier place of today's live entry i; the result does the same for the
+// entries as listed (-1 for an entry added since).
+std::vector<int> FollowSetupEntries(const std::vector<int>& before,
+                                    const std::vector<SetupEntry>& entries);
+
+// Cancel after the list went live: the watched outputs as they were when Setup opened
+// (opened, count), with each live entry's run-time state (alarm, next event, last runs) kept
+// where liveOrigin traces it back to its opening place.
+void RestoreOpenedEntries(State& s, const std::vector<OutputEntry>& opened, qint16 count,
+                          const std::vector<int>& liveOrigin);
+
 // OK: checks the address, the port and the display length first and applies nothing unless
 // all pass. Then takes over the entries and every setting; a new address or port drops the
 // link so the next poll tick connects with them, and a new program mode rebuilds the view and

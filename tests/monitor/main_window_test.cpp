@@ -1,12 +1,19 @@
 #include <QApplication>
 #include <QDir>
+#include <QFileInfo>
 #include <QLabel>
 #include <QListWidget>
+#include <QMenuBar>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTest>
+#include <QTimer>
 
+#include "monitor/alarm_controls_widget.h"
 #include "monitor/loss_alarm.h"
 #include "monitor/main_window.h"
 #include "monitor/monitor.h"
@@ -21,19 +28,32 @@ namespace {
 
 using test::Bytes;
 
+// These windows are tried on a 1280x720 screen, the smallest operators use, unless a platform
+// was chosen on purpose. It must be set before the test main creates the application.
+const bool kSmallScreen = [] {
+  const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
+  if (platform.isEmpty() || platform == "offscreen") {
+    qputenv("QT_QPA_PLATFORM",
+            QByteArray("offscreen:configfile=") + ZRN_TEST_DATA_DIR "/screen-1280x720.json");
+  }
+  return true;
+}();
+
 // The whole program with its window, against a loopback server standing in for the switcher.
 class MainWindowTest : public ::testing::Test {
  protected:
-  void StartWith(const QString& defaultView, int outputs) {
+  void StartWith(const QString& defaultView, int outputs,
+                 const QString& alarmRelay = QStringLiteral("3")) {
     ASSERT_TRUE(dir.isValid());
     ASSERT_TRUE(server.listen(QHostAddress::LocalHost));
     QString ini = QStringLiteral(
                       "[CONFIGURATION]\r\nServer IP Address=127.0.0.1\r\nServer IP Port=%1\r\n"
-                      "Maximum Log File Size=5000\r\nMaximum Display=100\r\nAlarm Relay=3\r\n"
+                      "Maximum Log File Size=5000\r\nMaximum Display=100\r\nAlarm Relay=%4\r\n"
                       "Default View=%2\r\nProgram Mode=Output\r\nOutput Count=%3\r\n")
                       .arg(server.serverPort())
                       .arg(defaultView)
-                      .arg(outputs);
+                      .arg(outputs)
+                      .arg(alarmRelay);
     for (int n = 1; n <= outputs; ++n) {
       ini += QStringLiteral(
                  "[OUTPUT%1]\r\nOutput=%1\r\nDisplay Options=%2\r\nCustom Label=Studio %1\r\n"
@@ -90,18 +110,60 @@ class MainWindowTest : public ::testing::Test {
         5000);
   }
 
-  QPoint PanelCentre(int index) const {
-    const OutputPanelModel& panel = monitor->state().panels.outputs[index];
-    const Rect& frame = panel.normal.visible ? panel.normal.frame : panel.large.frame;
-    return PanelCanvasWidget::ToPixels(frame).center();
+  // More watched outputs than a configuration file can hold: output n on channel n, and past
+  // the switcher's last channel round again.
+  void Watch(int count) {
+    State& s = monitor->state();
+    s.Outputs.resize(static_cast<std::size_t>(count));
+    for (int i = 0; i < count; ++i) {
+      s.Outputs[i].Output = static_cast<qint16>(i % 256 + 1);
+      s.Outputs[i].MonitoringEnabled = true;
+      s.SilenceStatus[i % 256].Status = 0;
+    }
+    s.OutputCount = static_cast<qint16>(count);
+    UpdateOutputs(s);
+    emit monitor->changed();
+    QCoreApplication::processEvents();
   }
 
-  void SaveScreenshot(const QString& name) {
-    const QString folder =
-        QCoreApplication::applicationDirPath() + QStringLiteral("/../screenshots");
-    QDir().mkpath(folder);
-    QTest::qWait(50);
-    EXPECT_TRUE(window->grab().save(folder + QLatin1Char('/') + name));
+  QRect FramePixels(int index) const {
+    const OutputPanelModel& panel = monitor->state().panels.outputs[index];
+    return PanelCanvasWidget::ToPixels(panel.normal.visible ? panel.normal.frame
+                                                            : panel.large.frame);
+  }
+  // A widget's place in the window.
+  QRect InWindow(const QWidget* widget) const {
+    return QRect(widget->mapTo(window.get(), QPoint(0, 0)), widget->size());
+  }
+  QRect VisiblePanelArea() const { return InWindow(window->PanelArea()->viewport()); }
+  // Scrolls the panel area as the operator would until the panel is in sight; returns where
+  // the panel then stands in the window.
+  QRect ScrollTo(int index) {
+    const QRect frame = FramePixels(index);
+    window->PanelArea()->ensureVisible(frame.center().x(), frame.center().y(),
+                                       frame.width() / 2 + 2, frame.height() / 2 + 2);
+    return QRect(window->Canvas()->mapTo(window.get(), frame.topLeft()), frame.size());
+  }
+  // A click at a place in the window reaches whatever the operator sees there.
+  void ClickAt(const QPoint& inWindow) {
+    QWidget* target = window->childAt(inWindow);
+    ASSERT_NE(target, nullptr);
+    QTest::mouseClick(target, Qt::LeftButton, {}, target->mapFrom(window.get(), inWindow));
+  }
+  void ClickPanel(int index) { ClickAt(ScrollTo(index).center()); }
+  // The colour on screen at the middle of a panel's lamp, as "#rrggbb".
+  QString LampOnScreen(int index) {
+    const OutputPanelModel& panel = monitor->state().panels.outputs[index];
+    const bool large = panel.large.visible;
+    const Rect& frame = large ? panel.large.frame : panel.normal.frame;
+    const Rect& lamp = large ? panel.large.lamp : panel.normal.lamp;
+    const QPoint centre =
+        PanelCanvasWidget::ToPixels(
+            Rect{frame.left + lamp.left, frame.top + lamp.top, lamp.width, lamp.height})
+            .center();
+    ScrollTo(index);
+    const QImage shot = window->grab().toImage();
+    return shot.pixelColor(window->Canvas()->mapTo(window.get(), centre)).name();
   }
 
   QTemporaryDir dir;
@@ -134,17 +196,18 @@ TEST_F(MainWindowTest, NormalViewShowsEveryPanelAndAcknowledgesByClick) {
   // One latch of relay 3 for the three alarms.
   EXPECT_TRUE(ServerReceives(Bytes({0xFE, 0x44, 0x00, 0x00, 0x00, 0x02, 0x00, 0x46, 0xFF})));
 
-  QTest::mouseClick(window->Canvas(), Qt::LeftButton, {}, PanelCentre(8));
+  EXPECT_EQ(LampOnScreen(8), QStringLiteral("#ff0000"));
+  ClickPanel(8);
   EXPECT_EQ(s.panels.outputs[8].lamp, kLampYellow);
+  EXPECT_EQ(LampOnScreen(8), QStringLiteral("#ffff00"));
   EXPECT_TRUE(s.MessageRows.last().endsWith(QStringLiteral("[0009] Loss Alarm Canceled - User")))
       << s.MessageRows.last().toStdString();
   EXPECT_EQ(window->History()->count(), s.MessageRows.size());
   EXPECT_EQ(window->History()->item(window->History()->count() - 1)->text(), s.MessageRows.last());
 
   // A click on a green panel acknowledges nothing.
-  QTest::mouseClick(window->Canvas(), Qt::LeftButton, {}, PanelCentre(0));
+  ClickPanel(0);
   EXPECT_EQ(s.panels.outputs[0].lamp, kLampGreen);
-  SaveScreenshot(QStringLiteral("normal-view.png"));
 }
 
 TEST_F(MainWindowTest, LargeViewAndCancelReleasesTheRelay) {
@@ -161,9 +224,9 @@ TEST_F(MainWindowTest, LargeViewAndCancelReleasesTheRelay) {
   RelayStatesReported(s);
   emit monitor->changed();
   EXPECT_EQ(s.panels.window.alarmLampColour, kLampRed);
-  SaveScreenshot(QStringLiteral("large-view.png"));
+  EXPECT_EQ(LampOnScreen(12), QStringLiteral("#ff0000"));
 
-  QTest::mouseClick(window->CancelButton(), Qt::LeftButton);
+  ClickAt(InWindow(window->CancelButton()).center());
   EXPECT_TRUE(ServerReceives(Bytes({0xFE, 0x40, 0x00, 0x00, 0x00, 0x02, 0x00, 0x42, 0xFF})));
   EXPECT_TRUE(s.MessageRows.last().endsWith(QStringLiteral("Loss Alarm Report Canceled")));
 
@@ -171,6 +234,216 @@ TEST_F(MainWindowTest, LargeViewAndCancelReleasesTheRelay) {
   monitor->ToggleView();
   EXPECT_FALSE(s.LargeViewActive);
   EXPECT_TRUE(window->History()->isVisible());
+}
+
+struct ManyPanels {
+  int outputs;
+  const char* view;
+};
+
+class ManyPanelsTest : public MainWindowTest, public ::testing::WithParamInterface<ManyPanels> {};
+
+// Every panel can be brought into sight and clicked on a 1280x720 screen; the alarm controls
+// and the message list stay where they are, beside and below the scrolling panels.
+TEST_P(ManyPanelsTest, EveryPanelScrollsIntoSightAndAnswersItsClick) {
+  const ManyPanels& param = GetParam();
+  StartWith(QString::fromLatin1(param.view), 16);
+  Watch(param.outputs);
+  State& s = monitor->state();
+
+  const QRect screen = window->screen()->availableGeometry();
+  ASSERT_EQ(screen.size(), QSize(1280, 720));
+  EXPECT_TRUE(screen.contains(window->frameGeometry()))
+      << "the window fits the screen instead of opening at the view's full size";
+  const QRect area = VisiblePanelArea();
+  const QRect alarm = InWindow(window->AlarmControls());
+  EXPECT_TRUE(window->rect().contains(alarm));
+  EXPECT_FALSE(area.intersects(alarm));
+  if (window->History()->isVisible()) {
+    EXPECT_FALSE(area.intersects(InWindow(window->History())));
+  }
+
+  for (int i = 0; i < param.outputs; ++i) {
+    const QRect panel = ScrollTo(i);
+    ASSERT_TRUE(area.contains(panel)) << "panel " << i + 1;
+    ASSERT_EQ(window->childAt(panel.center()), window->Canvas()) << "panel " << i + 1;
+  }
+
+  // Output 150 and the last panel go silent; a click on each acknowledges that panel's
+  // output, not another one on the same channel.
+  const int last = param.outputs - 1;
+  s.SilenceStatus[149].Status = 1;
+  s.SilenceStatus[last % 256].Status = 1;
+  UpdateStatus(s);
+  emit monitor->changed();
+  for (const int index : {149, last}) {
+    EXPECT_EQ(LampOnScreen(index), QStringLiteral("#ff0000")) << "panel " << index + 1;
+    ClickPanel(index);
+    EXPECT_EQ(s.panels.outputs[index].lamp, kLampYellow) << "panel " << index + 1;
+    EXPECT_EQ(LampOnScreen(index), QStringLiteral("#ffff00")) << "panel " << index + 1;
+    EXPECT_TRUE(s.MessageRows.join(QLatin1Char('\n'))
+                    .contains(QStringLiteral("[%1] Loss Alarm Canceled - User")
+                                  .arg(index % 256 + 1, 4, 10, QLatin1Char('0'))))
+        << "panel " << index + 1;
+  }
+  if (param.outputs > 256 + 149) {
+    EXPECT_EQ(s.panels.outputs[149 + 256].lamp, kLampRed) << "same channel, not clicked";
+  }
+
+  QScrollBar* bar = window->PanelArea()->verticalScrollBar();
+  bar->setValue(bar->maximum());
+  EXPECT_EQ(InWindow(window->AlarmControls()), alarm) << "the alarm controls do not scroll";
+  const QRect cancel = InWindow(window->CancelButton());
+  EXPECT_TRUE(window->rect().contains(cancel));
+  EXPECT_EQ(window->childAt(cancel.center()), window->CancelButton());
+
+  // The operator makes the window smaller: the controls come along, the panels still scroll.
+  window->resize(800, 450);
+  QCoreApplication::processEvents();
+  EXPECT_TRUE(window->rect().contains(InWindow(window->AlarmControls())));
+  EXPECT_TRUE(window->rect().contains(VisiblePanelArea()));
+  const QRect panel = ScrollTo(last);
+  EXPECT_TRUE(VisiblePanelArea().contains(panel));
+  EXPECT_EQ(window->childAt(panel.center()), window->Canvas());
+}
+
+INSTANTIATE_TEST_SUITE_P(Screen1280x720, ManyPanelsTest,
+                         ::testing::Values(ManyPanels{200, "Large"}, ManyPanels{200, "Normal"},
+                                           ManyPanels{1000, "Large"}, ManyPanels{1000, "Normal"}),
+                         [](const auto& info) {
+                           return std::to_string(info.param.outputs) + info.param.view;
+                         });
+
+// The digits of a position number as drawn: runs of bright columns at least half as tall as
+// the tallest, so an ellipsis' dots do not count as digits.
+struct Ink {
+  int glyphs = 0;
+  QRect bounds;
+};
+
+Ink InkOf(const QImage& image) {
+  std::vector<int> heights(static_cast<std::size_t>(image.width()), 0);
+  Ink ink;
+  for (int x = 0; x < image.width(); ++x) {
+    int top = -1;
+    int bottom = -1;
+    for (int y = 0; y < image.height(); ++y) {
+      if (qGray(image.pixel(x, y)) > 150) {
+        top = top < 0 ? y : top;
+        bottom = y;
+        ink.bounds |= QRect(x, y, 1, 1);
+      }
+    }
+    heights[x] = top < 0 ? 0 : bottom - top + 1;
+  }
+  const int tallest = *std::max_element(heights.begin(), heights.end());
+  bool inGlyph = false;
+  for (const int h : heights) {
+    const bool tall = tallest > 0 && h * 2 >= tallest;
+    ink.glyphs += tall && !inGlyph ? 1 : 0;
+    inGlyph = h > 0 && (inGlyph || tall);
+  }
+  return ink;
+}
+
+TEST_F(MainWindowTest, PositionNumbersOfThreeAndFourDigitsAreDrawnWhole) {
+  StartWith(QStringLiteral("Normal"), 16);
+  Watch(1000);
+  for (const bool large : {false, true}) {
+    if (large) {
+      monitor->ToggleView();
+    }
+    for (const int index : {8, 98, 99, 100, 149, 998, 999}) {
+      const OutputPanelModel& panel = monitor->state().panels.outputs[index];
+      ScrollTo(index);
+      const QRect box = PanelCanvasWidget::NumberPixels(panel, large);
+      const Ink ink = InkOf(window->Canvas()->grab(box).toImage());
+      EXPECT_EQ(ink.glyphs, panel.position.size())
+          << panel.position.toStdString() << (large ? " large" : " normal");
+      EXPECT_LE(ink.bounds.width(), box.width()) << panel.position.toStdString();
+      EXPECT_GE(ink.bounds.height(), box.height() / 3) << "still legible";
+    }
+  }
+}
+
+// A configuration the program could not use is named on screen, not only in the error log.
+TEST_F(MainWindowTest, ConfigurationSetAsideIsNamedInTheStatusBarAndTheMessageList) {
+  StartWith(QStringLiteral("Normal"), 3, QStringLiteral("99999"));
+  const QString expected = QStringLiteral(
+      "Configuration not read: zrnconfig.ini is damaged at \"Alarm Relay=99999\" (Overflow); "
+      "set aside as zrnconfig.ini.bad-20261118-140500");
+  EXPECT_TRUE(window->FileNotice()->isVisible());
+  EXPECT_EQ(window->FileNotice()->text(), expected);
+  EXPECT_TRUE(window->StatusText()->text().startsWith(QStringLiteral("Server Module Connected")))
+      << "the link state keeps its place beside it";
+  ASSERT_GE(window->History()->count(), 1);
+  EXPECT_TRUE(window->History()->item(0)->text().endsWith(expected))
+      << window->History()->item(0)->text().toStdString();
+  EXPECT_TRUE(QFileInfo::exists(dir.path() + QStringLiteral("/zrnconfig.ini.bad-20261118-140500")));
+}
+
+// Setup's Cancel after removing and inserting entries leaves every panel on its own output.
+TEST_F(MainWindowTest, SetupCancelKeepsEachPanelOnItsOutput) {
+  StartWith(QStringLiteral("Normal"), 3);
+  State& s = monitor->state();
+  QAction* setup = nullptr;
+  for (QAction* menu : window->menuBar()->actions()) {
+    for (QAction* item : menu->menu()->actions()) {
+      setup = item->text() == QStringLiteral("Set&up") ? item : setup;
+    }
+  }
+  ASSERT_NE(setup, nullptr);
+  bool driven = false;
+  QTimer::singleShot(0, [&] {
+    QWidget* dialog = QApplication::activeModalWidget();
+    ASSERT_NE(dialog, nullptr);
+    auto press = [&](const QString& caption) {
+      for (QPushButton* button : dialog->findChildren<QPushButton*>()) {
+        if (button->text() == caption && button->isVisible()) {
+          QTest::mouseClick(button, Qt::LeftButton);
+          return;
+        }
+      }
+      ADD_FAILURE() << "no button " << caption.toStdString();
+    };
+    press(QStringLiteral("&Remove"));
+    press(QStringLiteral("&Insert"));
+    press(QStringLiteral("&Cancel"));
+    driven = true;
+  });
+  setup->trigger();
+  ASSERT_TRUE(driven);
+
+  ASSERT_EQ(s.OutputCount, 3);
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(s.Outputs[i].Output, i + 1);
+  }
+  for (int c = 1; c <= 3; ++c) {
+    s.SilenceStatus[c - 1].Status = 0;
+  }
+  SetSilent({1}, 1);
+  ClickPanel(0);
+  EXPECT_EQ(s.panels.outputs[0].lamp, kLampYellow);
+  EXPECT_TRUE(s.MessageRows.join(QLatin1Char('\n'))
+                  .contains(QStringLiteral("[0001] Loss Alarm Canceled - User")));
+}
+
+TEST(WindowSize, OpensAtTheViewsSizeWhereTheScreenHoldsIt) {
+  const QMargins frame(4, 30, 4, 4);
+  struct Case {
+    QSize wanted;
+    QRect screen;
+    QSize opened;
+  } cases[] = {
+      {{1035, 737}, {0, 0, 1920, 1050}, {1035, 737}},
+      {{1445, 975}, {0, 0, 1920, 1050}, {1445, 975}},
+      {{1445, 975}, {0, 0, 1366, 738}, {1358, 704}},
+      {{1445, 975}, {0, 0, 1280, 720}, {1272, 686}},
+      {{1035, 737}, {0, 0, 1280, 720}, {1035, 686}},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(FittedWindowSize(c.wanted, c.screen, frame), c.opened) << c.screen.width();
+  }
 }
 
 }  // namespace

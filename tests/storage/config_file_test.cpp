@@ -49,9 +49,9 @@ class ConfigFileTest : public test::TempStateTest {
     return t;
   }
   // Writes the lines (CRLF ends) as the configuration file and reads it into t.
-  bool Load(State& t, const QByteArrayList& lines) {
+  bool Load(State& t, const QByteArrayList& lines, QString* problem = nullptr) {
     WriteAll(kIni, lines.join("\r\n") + "\r\n");
-    return ReadConfiguration(t);
+    return ReadConfiguration(t, problem);
   }
 };
 
@@ -237,7 +237,11 @@ TEST_F(ConfigFileTest, ReadErrorsAreLoggedAndTheFileSetAside) {
   const QByteArray overflow =
       "[CONFIGURATION]\r\nServer IP Port=2001\r\nAlarm Relay=99999\r\nMaximum Display=7\r\n";
   WriteAll(kIni, overflow);
-  EXPECT_FALSE(ReadConfiguration(s));
+  QString problem;
+  EXPECT_FALSE(ReadConfiguration(s, &problem));
+  EXPECT_EQ(problem,
+            "Configuration not read: zrnconfig.ini is damaged at \"Alarm Relay=99999\" "
+            "(Overflow); set aside as zrnconfig.ini.bad-20261116-154252");
   EXPECT_EQ(s.ServerPort, 2001);                // read before the error
   EXPECT_EQ(s.MaxDisplay, 100);                 // after it: never reached
   EXPECT_TRUE(s.Outputs[0].MonitoringEnabled);  // the table stays consistent all the same
@@ -256,30 +260,59 @@ TEST_F(ConfigFileTest, ReadErrorsAreLoggedAndTheFileSetAside) {
   const struct {
     QByteArrayList lines;
     QString error;
+    // Where the operator is told the reading stopped.
+    QString at;
   } cases[] = {
       {{"Output Count=2", "[OUTPUT3]", "Output=1", "Display Options=0", "Custom Label=X",
         "Event Count=0"},
-       "Error #  9 - Subscript out of range"},
+       "Error #  9 - Subscript out of range",
+       "[OUTPUT3]"},
       {{"Output Count=2", "[OUTPUT0]", "Output=1", "Display Options=0", "Custom Label=X",
         "Event Count=0"},
-       "Error #  9 - Subscript out of range"},
+       "Error #  9 - Subscript out of range",
+       "[OUTPUT0]"},
       {{"Output Count=1", "[OUTPUT1]", "Output=4", "Display Options=0"},
-       "Error #  62 - Input past end of file"},
+       "Error #  62 - Input past end of file",
+       "[OUTPUT1]"},
       // More events than the events file could ever hold.
       {{"Output Count=2", "[OUTPUT1]", "Output=1", "Display Options=0", "Custom Label=X",
         "Event Count=20000", "[OUTPUT2]", "Output=2", "Display Options=0", "Custom Label=Y",
         "Event Count=20000"},
-       "Error #  6 - Overflow"},
+       "Error #  6 - Overflow",
+       "Event Count=20000"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.error.toStdString());
     clock.AdvanceSeconds(61);
     State t = Fresh();
-    EXPECT_FALSE(Load(t, c.lines));
+    EXPECT_FALSE(Load(t, c.lines, &problem));
     EXPECT_TRUE(ErrorLines().join('\n').contains(c.error));
+    EXPECT_TRUE(problem.contains(QStringLiteral("damaged at \"%1\"").arg(c.at)))
+        << problem.toStdString();
     EXPECT_FALSE(QFileInfo::exists(PathOf(kIni)));
   }
   EXPECT_EQ(Files().filter(".bad-").size(), 5);
+}
+
+// A file the program may not open is unreadable, not damaged, and is set aside all the same.
+TEST_F(ConfigFileTest, UnopenableFileIsReportedAsUnreadable) {
+  WriteAll(kIni, "[CONFIGURATION]\r\nServer IP Port=2001\r\n");
+  QFile::setPermissions(PathOf(kIni), QFileDevice::WriteOwner);
+  if (QFile file(PathOf(kIni)); file.open(QIODevice::ReadOnly)) {
+    // Permissions do not bind this user: a folder in the file's place cannot be opened either.
+    file.close();
+    ASSERT_TRUE(QFile::remove(PathOf(kIni)));
+    ASSERT_TRUE(QDir().mkdir(PathOf(kIni)));
+  }
+  QString problem;
+  EXPECT_FALSE(ReadConfiguration(s, &problem));
+  EXPECT_TRUE(problem.startsWith("Configuration not read: zrnconfig.ini is unreadable ("))
+      << problem.toStdString();
+  EXPECT_TRUE(problem.endsWith("); set aside as zrnconfig.ini.bad-20261116-154252"))
+      << problem.toStdString();
+  EXPECT_TRUE(ErrorLines().join('\n').contains("Unreadable file kept as zrnconfig.ini.bad-"));
+  EXPECT_FALSE(ErrorLines().join('\n').contains("Damaged"));
+  EXPECT_EQ(s.ServerPort, 1250) << "nothing of it was read";
 }
 
 TEST(NormalizeServerAddress, ClampsAndDropsLeadingZeros) {

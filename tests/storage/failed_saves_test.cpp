@@ -1,3 +1,4 @@
+#include <QDir>
 #include <functional>
 
 #include "storage/config_file.h"
@@ -14,7 +15,8 @@ using test::TempStateTest;
 
 struct DataFile {
   const char* name;
-  std::function<bool(State&)> save;
+  // Tells the operator's text for a failure through its second argument.
+  std::function<bool(State&, QString*)> save;
   // Changes what the next save would write.
   std::function<void(State&)> change;
 };
@@ -49,31 +51,39 @@ class FailedSaves : public TempStateTest {
 
 TEST_F(FailedSaves, ReadOnlyFolderLeavesEveryFileByteIdentical) {
   for (const DataFile& file : kDataFiles) {
-    ASSERT_TRUE(file.save(s)) << file.name;
+    ASSERT_TRUE(file.save(s, nullptr)) << file.name;
     const QByteArray before = ReadAll(QLatin1String(file.name));
     ASSERT_FALSE(before.isEmpty());
+    QString failure;
     file.change(s);
     {
       ReadOnlyFolder readOnly(dir.path());
       if (!readOnly.Active()) {
         GTEST_SKIP() << "no way to make a folder read-only for this user";
       }
-      EXPECT_FALSE(file.save(s)) << file.name;
+      EXPECT_FALSE(file.save(s, &failure)) << file.name;
     }
     EXPECT_EQ(ReadAll(QLatin1String(file.name)), before) << file.name;
+    // The operator is told which file and why, in the system's words.
+    EXPECT_TRUE(failure.startsWith(QDir::toNativeSeparators(PathOf(QLatin1String(file.name))) +
+                                   QStringLiteral(" could not be saved: ")))
+        << failure.toStdString();
+    EXPECT_FALSE(failure.contains(QStringLiteral("unknown error"))) << failure.toStdString();
   }
 }
 
 TEST_F(FailedSaves, FullDiskLeavesEveryFileByteIdentical) {
   for (const DataFile& file : kDataFiles) {
-    ASSERT_TRUE(file.save(s)) << file.name;
+    ASSERT_TRUE(file.save(s, nullptr)) << file.name;
     const QByteArray before = ReadAll(QLatin1String(file.name));
     file.change(s);
     bool saved = true;
+    QString failure;
     {
       FileSizeLimit limit(16);
-      saved = file.save(s);
+      saved = file.save(s, &failure);
     }
+    EXPECT_TRUE(failure.contains(QLatin1String(file.name))) << failure.toStdString();
     EXPECT_FALSE(saved) << file.name;
     EXPECT_EQ(ReadAll(QLatin1String(file.name)), before) << file.name;
   }

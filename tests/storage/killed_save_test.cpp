@@ -51,7 +51,7 @@ const SavedFile kFiles[] = {
          s.Outputs[k].CustomLabel = QStringLiteral("Run %1.%2").arg(n).arg(k);
        }
      },
-     WriteConfiguration, ReadConfiguration},
+     [](State& s) { return WriteConfiguration(s); }, [](State& s) { return ReadConfiguration(s); }},
     {"ZRNEvents.dat",
      [](State& s, int n) {
        PrepareOutputs(s, 2);
@@ -67,7 +67,7 @@ const SavedFile kFiles[] = {
          }
        }
      },
-     SaveEvents,
+     [](State& s) { return SaveEvents(s); },
      [](State& s) {
        PrepareOutputs(s, 2);
        return ReadEvents(s);
@@ -85,7 +85,7 @@ const SavedFile kFiles[] = {
          s.SilenceOuts[k].Output = static_cast<qint16>((n + k) % 256);
        }
      },
-     SaveShows, ReadShows},
+     [](State& s) { return SaveShows(s); }, ReadShows},
 };
 
 // The exact bytes of content n, from saves into a folder of their own.

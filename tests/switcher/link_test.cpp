@@ -211,6 +211,28 @@ TEST_F(Framing, SendingSplitsLongMessagesAndContinuesPartialWrites) {
   EXPECT_TRUE(link.wire.isEmpty());
 }
 
+// A hand-edited port would be cut to 16 bits and dial another port: it is refused instead.
+TEST_F(Framing, PortOutsideOneTo65535IsRefusedWithoutDialling) {
+  for (const qint32 port : {0, -5, 65536, 70000, 99999}) {
+    SCOPED_TRACE(port);
+    s.ServerPort = port;
+    ConnectToSwitcher(s);
+    ConnectToSwitcher(s);
+    EXPECT_EQ(link.opens, 0);
+    EXPECT_EQ(s.StatusBarText,
+              QStringLiteral("Server Module Not Connected - port %1 is not between 1 and 65535; "
+                             "no connection is tried")
+                  .arg(port));
+  }
+  const QStringList lines = ErrorLines();
+  ASSERT_EQ(lines.size(), 5) << "one line per refused port, not one per attempt";
+  EXPECT_TRUE(lines[3].endsWith(QStringLiteral("Server IP Port 70000 refused")))
+      << lines[3].toStdString();
+  s.ServerPort = 65535;
+  ConnectToSwitcher(s);
+  EXPECT_EQ(link.lastPort, 65535);
+}
+
 TEST_F(Framing, NewConnectionStartsCleanAndChangesAreLoggedOncePerChange) {
   s.ReceiveBuffer = Bytes({0xF6, 0x01});
   s.linkState.NoResponseCount = 201;
@@ -222,7 +244,8 @@ TEST_F(Framing, NewConnectionStartsCleanAndChangesAreLoggedOncePerChange) {
 
   OnClosed(s);
   EXPECT_FALSE(s.Connected);
-  EXPECT_EQ(s.StatusBarText, QStringLiteral("Server Module Not Connected"));
+  EXPECT_EQ(s.StatusBarText,
+            QStringLiteral("Server Module Not Connected - connecting to 127.0.0.1:1250"));
   link.wire.clear();
   EXPECT_FALSE(SendToSwitcher(s, Bytes({0xF5})));
   EXPECT_TRUE(link.wire.isEmpty()) << "nothing goes out on a dead link";

@@ -18,7 +18,6 @@
 #include "support/temp_state.h"
 #include "switcher/link.h"
 #include "switcher/switcher_connection.h"
-#include "ui/broadcast_style.h"
 #include "ui/setup_dialog.h"
 
 namespace zrn {
@@ -223,8 +222,17 @@ TEST_F(SetupDialogTest, ChannelIsChosenByTypingItsNumber) {
   EXPECT_FALSE(Get<QPushButton>("CmdConfigure")->isEnabled());
 }
 
-TEST_F(SetupDialogTest, CancelAfterAddKeepsTheEntryInMemoryButSavesNothing) {
-  Open();
+// Cancel discards every list edit, also those the schedule editor saw in the live table, and
+// the panels stay on their own outputs; what the poll timer changed meanwhile stays.
+TEST_F(SetupDialogTest, CancelLeavesTheWatchedOutputsAsSetupFoundThem) {
+  SetupEditors editors;
+  editors.schedule = [](State& st, QWidget*) {
+    OutputEntry& entry = st.Outputs.at(static_cast<std::size_t>(st.SelectedOutput));
+    entry.Events = {Event(QStringLiteral("12:00:00"), QStringLiteral("Noon"))};
+    entry.EventCount = 1;
+    st.DialogAccepted = true;
+  };
+  Open(editors);
   Click("CmdAdd");
   EXPECT_EQ(Get<QGroupBox>("FrOutputSelect")->title(), QStringLiteral("Monitor Outputs (4)"));
   ASSERT_TRUE(Get<QComboBox>("cmbOutputSelect")->isEnabled()) << "Add starts editing";
@@ -233,13 +241,37 @@ TEST_F(SetupDialogTest, CancelAfterAddKeepsTheEntryInMemoryButSavesNothing) {
   Type("txtCustom", QStringLiteral("Tx,B"));
   QTest::keyClick(Get<QLineEdit>("txtCustom"), Qt::Key_Return);
   EXPECT_TRUE(dialog->isVisible()) << "Enter in the label stores it, it does not confirm";
+  EXPECT_EQ(dialog->Entries()[3].edited.CustomLabel, QStringLiteral("TxB"))
+      << "labels refuse commas";
+  Click("CmdStart");
+  Click("cmdRemove");
+  Click("CmdInsert");
+  TypeChannel(QStringLiteral("5"));
+  Click("cmdConfigSchedule");
+  ASSERT_EQ(s.Outputs[0].Output, 5) << "the schedule editor works on the list as shown";
+  ASSERT_EQ(s.Outputs[1].Output, 7);
+  s.Outputs[1].AlarmState = 1;  // a poll tick meanwhile
 
   Click("cmdCancel");
   EXPECT_FALSE(s.DialogAccepted);
-  ASSERT_EQ(s.OutputCount, 4);
-  EXPECT_EQ(s.Outputs[3].Output, 9);
-  EXPECT_EQ(s.Outputs[3].DisplayOption, 2);
-  EXPECT_EQ(s.Outputs[3].CustomLabel, QStringLiteral("TxB")) << "labels refuse commas";
+  ASSERT_EQ(s.OutputCount, 3);
+  ASSERT_EQ(s.Outputs.size(), 3u);
+  const int channels[] = {3, 7, 12};
+  const int events[] = {0, 2, 0};
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(s.Outputs[i].Output, channels[i]);
+    EXPECT_EQ(s.Outputs[i].EventCount, events[i]);
+    EXPECT_EQ(s.Outputs[i].CustomLabel, QStringLiteral("Studio"));
+  }
+  EXPECT_EQ(s.Outputs[1].AlarmState, 1) << "the live acknowledgement stays";
+  EXPECT_EQ(s.Outputs[1].Events[1].Label, QStringLiteral("Night       "));
+  ASSERT_EQ(s.panels.outputs.size(), 3u);
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(
+        s.panels.outputs[i].toolTip,
+        QStringLiteral("PGM %1    [%2]").arg(channels[i]).arg(channels[i], 4, 10, QChar(u'0')))
+        << "panel " << i + 1 << " names its own output";
+  }
   EXPECT_TRUE(Files().isEmpty()) << "nothing is saved";
 }
 
@@ -363,17 +395,28 @@ TEST_F(SetupDialogTest, ConfirmedSetupKeepsEachScheduleOnItsOutputAcrossARestart
   EXPECT_TRUE(ErrorLines().isEmpty()) << ErrorLines().join(QLatin1Char('\n')).toStdString();
 }
 
-TEST_F(SetupDialogTest, Screenshots) {
-  ApplyBroadcastStyle(*qApp);
-  const QString folder = QCoreApplication::applicationDirPath() + QStringLiteral("/../screenshots");
-  QDir().mkpath(folder);
-  Open(DefaultSetupEditors());
-  Click("cmdEdit");
-  QTest::qWait(50);
-  EXPECT_TRUE(dialog->grab().save(folder + QStringLiteral("/setup_dialog.png")));
-  Click("optProgramMode1");
-  QTest::qWait(50);
-  EXPECT_TRUE(dialog->grab().save(folder + QStringLiteral("/setup_dialog_show_mode.png")));
+// A confirmed Setup that cannot be saved tells the operator which files and why, instead of
+// closing without a word.
+TEST_F(SetupDialogTest, ConfirmedSetupThatCannotBeSavedSaysWhichFileAndWhy) {
+  Open();
+  Click("cmdOk");
+  ASSERT_TRUE(s.DialogAccepted);
+  {
+    test::ReadOnlyFolder readOnly(dir.path());
+    if (!readOnly.Active()) {
+      GTEST_SKIP() << "no way to make a folder read-only for this user";
+    }
+    SetupAccepted(s);
+  }
+  ASSERT_EQ(prompt.informed.size(), 3);
+  const char* files[] = {"zrnconfig.ini", "ZRNShows.dat", "ZRNEvents.dat"};
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(prompt.titles[i], QStringLiteral("File Error"));
+    const QString path = QDir::toNativeSeparators(PathOf(QString::fromLatin1(files[i])));
+    EXPECT_TRUE(prompt.informed[i].startsWith(path + QStringLiteral(" could not be saved: ")))
+        << prompt.informed[i].toStdString();
+    EXPECT_FALSE(prompt.informed[i].contains(QStringLiteral("unknown error")));
+  }
 }
 
 }  // namespace
