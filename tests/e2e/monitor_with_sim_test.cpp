@@ -1,4 +1,6 @@
+#include <unistd.h>
 #include <QFile>
+#include <QProcess>
 #include <QTemporaryDir>
 
 #include "e2e/sim_process.h"
@@ -162,6 +164,22 @@ TEST_F(MonitorWithSim, AShowOnAirWatchesItsDownlinkAndTakesAStudio) {
   EXPECT_TRUE(
       QTest::qWaitFor([&] { return sim->Status(QStringLiteral("relays_on")) == "1"; }, 5000));
   EXPECT_TRUE(ActivityLog().contains(QStringLiteral("Loss Alarm Report On")));
+  EXPECT_TRUE(ActivityLog().contains(QStringLiteral("Drive Time Silence Alarm Status ON!")));
+
+  // The link drops with the downlink still silent: the monitors are routed again to what they
+  // already carry, and the alarm holds the relay all along.
+  sim->Command(QStringLiteral("drop"));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !s.Connected; }, 5000));
+  ASSERT_TRUE(WaitForExchange());
+  QElapsedTimer held;
+  held.start();
+  while (held.elapsed() < 6000) {
+    ASSERT_EQ(sim->Status(QStringLiteral("relays_on")), QStringLiteral("1"))
+        << "released " << held.elapsed() << " ms after the reconnection";
+    QTest::qWait(250);
+  }
+  EXPECT_EQ(s.panels.shows[0].indicatorColour, kLampRed);
+  EXPECT_FALSE(ActivityLog().contains(QStringLiteral("Loss Alarm Report Off")));
   QTest::qWait(100);
   window.grab().save(QCoreApplication::applicationDirPath() +
                      QStringLiteral("/../screenshots/show-mode.png"));
@@ -192,6 +210,81 @@ TEST_F(MonitorWithSim, AShowOnAirWatchesItsDownlinkAndTakesAStudio) {
       },
       5000))
       << sim->Status(QStringLiteral("routes")).toStdString();
+}
+
+// CPU seconds a process has used, from /proc.
+double CpuSeconds(qint64 pid) {
+  QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
+  if (!stat.open(QIODevice::ReadOnly)) {
+    return -1;
+  }
+  const QString line = QString::fromLatin1(stat.readAll());
+  // Fields after the command name, which is in parentheses: utime and stime are 14 and 15.
+  const QStringList fields = line.mid(line.lastIndexOf(QLatin1Char(')')) + 2).split(' ');
+  return (fields.value(11).toDouble() + fields.value(12).toDouble()) / sysconf(_SC_CLK_TCK);
+}
+
+// Two monitor programs configured with the same alarm relay, each watching its own output: the
+// relay stays latched while either wants it, without a command storm or a busy processor.
+TEST_F(MonitorWithSim, TwoMonitorsShareOneRelayCalmly) {
+  QTemporaryDir folders[2];
+  QProcess monitors[2];
+  for (int m = 0; m < 2; ++m) {
+    // The program keeps its files beside itself, so each runs from its own folder.
+    const QString program = folders[m].path() + QStringLiteral("/zrn-pennaro");
+    ASSERT_TRUE(QFile::copy(QCoreApplication::applicationDirPath() + QStringLiteral("/zrn-pennaro"),
+                            program));
+    ASSERT_TRUE(
+        test::WriteMonitorConfig(folders[m].path(), port, 1, QStringLiteral("Output"), 2 + m));
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    monitors[m].setProcessEnvironment(env);
+    monitors[m].start(program, {});
+    ASSERT_TRUE(monitors[m].waitForStarted(5000));
+  }
+  auto log = [&](int m) {
+    QFile file(folders[m].path() + QStringLiteral("/EventLog.txt"));
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+  };
+  ASSERT_TRUE(QTest::qWaitFor(
+      [&] { return sim->Status(QStringLiteral("connections")) == QStringLiteral("2"); }, 10000));
+  QTest::qWait(2000);  // both exchanges complete
+  auto relayOn = [&] { return sim->Status(QStringLiteral("relays_on")) == QStringLiteral("1"); };
+
+  // The first monitor wants the relay, the second does not: neither fights the other.
+  sim->Command(QStringLiteral("input 2 silent"));
+  ASSERT_TRUE(QTest::qWaitFor(relayOn, 10000));
+  const qint64 before = sim->Status(QStringLiteral("relay_commands")).toLongLong();
+  const double cpuBefore[2] = {CpuSeconds(monitors[0].processId()),
+                               CpuSeconds(monitors[1].processId())};
+  QElapsedTimer window;
+  window.start();
+  while (window.elapsed() < 10000) {
+    ASSERT_TRUE(relayOn()) << "released after " << window.elapsed() << " ms";
+    QTest::qWait(500);
+  }
+  const double seconds = window.elapsed() / 1000.0;
+  EXPECT_LT(sim->Status(QStringLiteral("relay_commands")).toLongLong() - before, 10);
+  for (int m = 0; m < 2; ++m) {
+    const double used = CpuSeconds(monitors[m].processId()) - cpuBefore[m];
+    EXPECT_LT(used / seconds, 0.02) << "monitor " << m << " used " << used << " s";
+  }
+
+  // Both want it, then the one that latched it no longer does: it stays latched for the other.
+  sim->Command(QStringLiteral("input 3 silent"));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return log(1).contains("Loss Alarm Report On"); }, 10000));
+  sim->Command(QStringLiteral("input 2 audio"));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return log(0).contains("Loss Alarm Report Off"); }, 10000));
+  QTest::qWait(2000);
+  EXPECT_TRUE(relayOn());
+  sim->Command(QStringLiteral("input 3 audio"));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !relayOn(); }, 10000));
+  EXPECT_LT(sim->Status(QStringLiteral("relay_commands")).toLongLong(), 12);
+
+  for (QProcess& monitor : monitors) {
+    monitor.terminate();
+    monitor.waitForFinished(3000);
+  }
 }
 
 }  // namespace

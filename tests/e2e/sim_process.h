@@ -17,10 +17,10 @@ inline quint16 FreePort() {
   return probe.serverPort();
 }
 
-// A configuration that watches outputs 1..watched of the switcher on 127.0.0.1:port, with relay
-// 1 as the alarm relay, written into folder.
+// A configuration that watches `watched` outputs from output `first` of the switcher on
+// 127.0.0.1:port, with relay 1 as the alarm relay, written into folder.
 inline bool WriteMonitorConfig(const QString& folder, quint16 port, int watched,
-                               const QString& mode = QStringLiteral("Output")) {
+                               const QString& mode = QStringLiteral("Output"), int first = 1) {
   QString ini = QStringLiteral(
                     "[CONFIGURATION]\r\nServer IP Address=127.0.0.1\r\nServer IP Port=%1\r\n"
                     "Maximum Log File Size=5000\r\nMaximum Display=100\r\nAlarm Relay=1\r\n"
@@ -30,9 +30,10 @@ inline bool WriteMonitorConfig(const QString& folder, quint16 port, int watched,
                     .arg(watched);
   for (int n = 1; n <= watched; ++n) {
     ini += QStringLiteral(
-               "[OUTPUT%1]\r\nOutput=%1\r\nDisplay Options=0\r\nCustom Label=None\r\n"
+               "[OUTPUT%1]\r\nOutput=%2\r\nDisplay Options=0\r\nCustom Label=None\r\n"
                "Event Count=0\r\n")
-               .arg(n);
+               .arg(n)
+               .arg(first + n - 1);
   }
   QFile file(folder + QStringLiteral("/zrnconfig.ini"));
   const QByteArray bytes = ini.toLatin1();

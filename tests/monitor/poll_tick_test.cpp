@@ -159,6 +159,21 @@ TEST_F(PollTimer, UnansweredRequestsAreRepeatedEvery61TicksAndNamedAfterFive) {
   EXPECT_EQ(repeatedAt.size(), 7u) << "nothing is repeated once all is answered";
 }
 
+// Requests cannot be answered on a dead link: they are neither repeated nor counted, and the
+// status bar keeps saying the link is down.
+TEST_F(PollTimer, NothingIsRepeatedOrNamedIntoADeadLink) {
+  OnDataAvailable(s, test::kTypeRequest);
+  CloseSwitcherLink(s);
+  link.wire.clear();
+  for (int tick = 0; tick < 500; ++tick) {
+    Tick();
+  }
+  EXPECT_FALSE(link.wire.contains(static_cast<char>(0xF2)));
+  EXPECT_TRUE(Reports().filter(QStringLiteral("No answer")).isEmpty());
+  EXPECT_TRUE(s.StatusBarText.startsWith(QStringLiteral("Server Module Not Connected")))
+      << s.StatusBarText.toStdString();
+}
+
 TEST_F(PollTimer, ACompletedExchangeSendsTheRouteHeldBackWhileTheLinkWasDown) {
   ScheduledEvent route = Event("10:00:00", kEveryDay);
   route.Connect = true;
