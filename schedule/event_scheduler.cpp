@@ -40,7 +40,9 @@ bool IsChannel(int channel) {
 
 // Routes source to the entry's output; false when nothing was sent.
 bool Route(State& s, OutputEntry& output, int source) {
-  if (!SendSwitcherCommand(s, output.Output, source, kCommandConnect)) {
+  // A new connection's exchange decides what the switcher has; the route waits for it.
+  if (!s.linkState.ExchangeComplete ||
+      !SendSwitcherCommand(s, output.Output, source, kCommandConnect)) {
     return false;
   }
   output.PendingRouteSource = kNone;

@@ -4,6 +4,7 @@
 #include "storage/events_file.h"
 #include "support/fake_link.h"
 #include "support/temp_state.h"
+#include "switcher/link.h"
 
 namespace zrn {
 namespace {
@@ -46,6 +47,13 @@ TEST_F(Startup, FirstStartWithoutAnyFile) {
   // The shows file is created with the one new show, which never runs.
   EXPECT_EQ(ReadAll(QStringLiteral("ZRNShows.dat")).mid(4, 9), QByteArray("\x08New Show"));
   EXPECT_TRUE(ErrorLines().isEmpty());
+
+  // Closing on a live link is logged as closing, not as an outage.
+  OnConnected(s);
+  Form_Unload(s);
+  const QString log = QString::fromUtf8(ReadAll(QStringLiteral("EventLog.txt")));
+  EXPECT_TRUE(log.endsWith(QStringLiteral("Monitor Closed\r\n")));
+  EXPECT_FALSE(log.contains(QStringLiteral("Server Module Not Connected")));
 }
 
 TEST_F(Startup, TheViewIsTheOneTheConfigurationNames) {

@@ -172,8 +172,12 @@ TEST_F(DueEvents, RoutesNeedASourceAndALiveLink) {
   EXPECT_EQ(s.Outputs[0].PendingRouteSource, 12);
   EXPECT_FALSE(InSilenceGrace(s, 6));
 
+  // A new connection sends nothing before its exchange completes.
   OnConnected(s);
   s.MessageRows.clear();
+  SendPendingRoutes(s);
+  EXPECT_TRUE(link.wire.isEmpty());
+  s.linkState.ExchangeComplete = true;
   SendPendingRoutes(s);
   SendPendingRoutes(s);
   EXPECT_EQ(link.wire, Bytes({0xFE, 0x04, 0x00, 0x0B, 0x00, 0x06, 0x00, 0x15, 0xFF}));

@@ -37,6 +37,7 @@ class ScheduleTest : public TempStateTest {
     TempStateTest::SetUp();
     s.link = &link;
     OnConnected(s);
+    s.linkState.ExchangeComplete = true;
     s.MessageRows.clear();
     s.OutputNames[11] = QStringLiteral("Studio A");
     s.InputNames[4] = QStringLiteral("Sat 1");

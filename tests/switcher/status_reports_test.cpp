@@ -107,6 +107,14 @@ TEST_F(StatusReports, ChangeOfStateItemsPastTheOutputCountAreSkippedOneByOne) {
                  0x06, 0x00, 0x40, 0x07, 0x00, 0x40, 0x04, 0x00, 0x01, 0x34, 0xFF}));
   EXPECT_EQ(s.SilenceStatus[4].Status, 1);
   EXPECT_EQ(s.panels.outputs[0].lamp, kLampRed);
+  EXPECT_EQ(Reports().filter(QStringLiteral("[0005] Silence Alarm Status ON!")).size(), 1);
+  // In show mode the hidden outputs' lines are not written.
+  s.ProgramMode = 1;
+  s.MessageRows.clear();
+  Receive(Bytes({0xCB, 0x0A, 0x01, 0x00, 0x04, 0x00, 0x00, 0x0F, 0xFF}));
+  EXPECT_EQ(s.SilenceStatus[4].Status, 0);
+  EXPECT_TRUE(Reports().isEmpty());
+  s.ProgramMode = 0;
   // Output 9 (index 8) does not exist on this switcher: its item changes nothing.
   Receive(Bytes({0xCB, 0x0A, 0x02, 0x00, 0x08, 0x00, 0x01, 0x04, 0x00, 0x00, 0x19, 0xFF}));
   EXPECT_EQ(s.SilenceStatus[8].Status, 0);
