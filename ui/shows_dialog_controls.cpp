@@ -140,7 +140,7 @@ QLayout* ShowsDialog::BuildShowFields() {
   cmbDownlinkSource_ = new QComboBox;
   cmbDownlinkSource_->setObjectName(QStringLiteral("cmbDownlinkSource"));
   cmbDownlinkSource_->setMaxVisibleItems(20);
-  MakeTypedChannelList(cmbDownlinkSource_, false);
+  MakeTypedChannelList(cmbDownlinkSource_);
   connect(cmbDownlinkSource_, &QComboBox::currentIndexChanged, this, &ShowsDialog::DownlinkChosen);
 
   auto* grid = new QGridLayout;

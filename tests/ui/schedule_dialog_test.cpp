@@ -9,6 +9,7 @@
 #include <QTreeWidget>
 #include <stdexcept>
 
+#include "support/person.h"
 #include "support/scripted_prompt.h"
 #include "support/temp_state.h"
 #include "ui/broadcast_style.h"
@@ -61,8 +62,7 @@ class ScheduleDialogTest : public test::TempStateTest {
   }
   void Open() {
     dialog = std::make_unique<ScheduleDialog>(s);
-    dialog->show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(dialog.get()));
+    person.Open(*dialog);
   }
   QStringList Row(int i) const {
     const QTreeWidgetItem* item = List()->topLevelItem(i);
@@ -93,6 +93,7 @@ class ScheduleDialogTest : public test::TempStateTest {
   }
 
   ScriptedPrompt prompt;
+  test::Person person;
   std::unique_ptr<ScheduleDialog> dialog;
 };
 
@@ -175,9 +176,7 @@ TEST_F(ScheduleDialogTest, SavesAreCheckedFirstAndKeepTimeOrder) {
   ASSERT_TRUE(Sources()->isEnabled());
   Click(4);
   EXPECT_EQ(prompt.titles.last(), QStringLiteral("Source Error"));
-  Sources()->lineEdit()->selectAll();
-  QTest::keyClicks(Sources()->lineEdit(), QStringLiteral("3"));
-  QTest::keyClick(Sources()->lineEdit(), Qt::Key_Return);
+  person.Enter(QStringLiteral("Undefined"), QStringLiteral("3"));
   EXPECT_EQ(Sources()->currentIndex(), 3);
   Child<QLineEdit>(*dialog, QStringLiteral("txtCustom"))->setText(QStringLiteral("News, 6pm"));
   Click(4);
