@@ -325,6 +325,8 @@ bool ScheduleDialog::SaveCurrentEvent() {
     QWidget* culprit = cmbAutoSource_;
     if (error->title == QStringLiteral("Time Error")) {
       culprit = txtAutoTime_;
+    } else if (error->title == QStringLiteral("Day Error")) {
+      culprit = chkAutoDay_.front();
     } else if (error->title == QStringLiteral("Label Error")) {
       culprit = txtCustom_;
     }

@@ -171,6 +171,17 @@ TEST_F(ScheduleDialogTest, SavesAreCheckedFirstAndKeepTimeOrder) {
   EXPECT_EQ(TimeBox()->text(), QStringLiteral("06:05:00"));
   EXPECT_TRUE(dialog->isVisible()) << "Enter never closes the editor";
 
+  // An event on no day is refused, naming the days.
+  for (int d = 0; d < 7; ++d) {
+    Tick(Day(d));
+  }
+  Click(4);
+  EXPECT_EQ(prompt.informed.last(),
+            QStringLiteral("No day is ticked in Day Options.  Please tick at least one day."));
+  EXPECT_EQ(prompt.titles.last(), QStringLiteral("Day Error"));
+  EXPECT_EQ(s.Outputs[0].EventCount, 2);
+  Click(7);
+
   // Routing needs a source; labels refuse commas.
   Tick(Connect());
   ASSERT_TRUE(Sources()->isEnabled());
