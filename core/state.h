@@ -51,11 +51,13 @@ struct ShowChannel {
   qint16 Channel = kNone;
   qint16 Monitor = kNone;
   quint8 Status = 0;
+  bool operator==(const ShowChannel&) const = default;
 };
 
 struct IgnoreWindow {
   QString StartTime;
   QString EndTime;
+  bool operator==(const IgnoreWindow&) const = default;
 };
 
 struct ShowRecord {
@@ -88,6 +90,7 @@ struct ShowRecord {
   // Run-time: an ignore window applies or there is no downlink monitor, so the show's alarm
   // is not counted.
   bool AlarmSuppressed = false;
+  bool operator==(const ShowRecord&) const = default;
 };
 
 struct SilenceOut {

@@ -244,6 +244,28 @@ TEST_F(ShowsDialogTest, DaysAndDatesSurviveMovingAway) {
   EXPECT_EQ(s.Shows[1].StartDate, QStringLiteral("01/01/2025"));
 }
 
+TEST_F(ShowsDialogTest, AShowEndingBeforeItStartsIsRefusedNamingTheDate) {
+  Open(1);
+  person.Click(QStringLiteral("Edit the current show"));
+  person.Click(QStringLiteral("End Date"));
+  person.Type(QStringLiteral("12312024"));
+  EXPECT_EQ(Get<QDateEdit>("DTPickerEnd")->date(), QDate(2024, 12, 31));
+  person.Click(QStringLiteral("OK"));
+  EXPECT_EQ(prompt.informed, QStringList{QStringLiteral(
+                                 "The End Date is before the Start Date.  Please enter an End "
+                                 "Date on or after the Start Date.")});
+  EXPECT_TRUE(dialog->isVisible());
+  EXPECT_EQ(QApplication::focusWidget(), Get<QDateEdit>("DTPickerEnd"));
+  EXPECT_EQ(s.Shows[1].EndDate, QStringLiteral("12/31/2025")) << "nothing taken over";
+  EXPECT_FALSE(QFile::exists(PathOf(QStringLiteral("ZRNShows.dat"))));
+
+  person.Click(QStringLiteral("End Date"));
+  person.Type(QStringLiteral("06302026"));
+  person.Click(QStringLiteral("OK"));
+  EXPECT_FALSE(dialog->isVisible());
+  EXPECT_EQ(s.Shows[1].EndDate, QStringLiteral("06/30/2026"));
+}
+
 TEST_F(ShowsDialogTest, SubEditorsWorkOnTheCurrentShow) {
   Open(1);
   Click("cmdEdit");
