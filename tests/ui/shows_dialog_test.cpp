@@ -8,7 +8,6 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QTest>
-#include <QTimer>
 
 #include "monitor/poll_tick.h"
 #include "shows/shows_pass.h"
@@ -29,19 +28,6 @@ ShowRecord Show(const QString& name) {
   ShowRecord show = MakeNewShow();
   show.Name = name;
   return show;
-}
-
-// Runs act on the dialog that the next exec() shows, then closes whatever is still modal.
-template <class Dialog>
-void WhenModal(std::function<void(Dialog&)> act) {
-  QTimer::singleShot(0, [act] {
-    if (auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget())) {
-      act(*dialog);
-    }
-    if (auto* still = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
-      still->reject();
-    }
-  });
 }
 
 // A switcher of 16 inputs and outputs whose start-up exchange is complete, in show mode; the
@@ -269,7 +255,7 @@ TEST_F(ShowsDialogTest, AShowEndingBeforeItStartsIsRefusedNamingTheDate) {
 TEST_F(ShowsDialogTest, SubEditorsWorkOnTheCurrentShow) {
   Open(1);
   Click("cmdEdit");
-  WhenModal<ChannelPairDialog>([](ChannelPairDialog& pairs) {
+  test::WhenModal([](QDialog& pairs) {
     EXPECT_EQ(pairs.windowTitle(), QStringLiteral("Configure Show Outputs"));
     pairs.findChild<QPushButton*>(QStringLiteral("cmdEdit"))->click();
     pairs.findChild<QComboBox*>(QStringLiteral("cmbLeftChan"))->setCurrentIndex(5);
@@ -282,7 +268,7 @@ TEST_F(ShowsDialogTest, SubEditorsWorkOnTheCurrentShow) {
   EXPECT_EQ(Get<QListWidget>("lstShowDests")->item(0)->data(Qt::UserRole).toString(),
             QStringLiteral("Ch.0000"));
 
-  WhenModal<QDialog>([](QDialog& windows) {
+  test::WhenModal([](QDialog& windows) {
     EXPECT_EQ(windows.windowTitle(), QStringLiteral("Silence Ignore Windows"));
   });
   Click("cmdEditSched");
@@ -295,7 +281,11 @@ TEST_F(ShowsDialogTest, SetupOpensTheEditorAtTheFirstShow) {
   s.SelectedShow = 3;
   SetupDialog setup(s);
   int shown = -1;
-  WhenModal<ShowsDialog>([&](ShowsDialog& editor) { shown = editor.CurrentIndex(); });
+  test::WhenModal([&](QDialog& editor) {
+    if (auto* shows = qobject_cast<ShowsDialog*>(&editor)) {
+      shown = shows->CurrentIndex();
+    }
+  });
   setup.findChild<QPushButton*>(QStringLiteral("cmdConfigShow"))->click();
   EXPECT_EQ(shown, 0);
 }
