@@ -34,7 +34,6 @@ class Person {
     window.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window)) << qPrintable(window.windowTitle());
   }
-  QWidget& Window() const { return *window_; }
 
   // The visible control named by caption: the field a label stands for, the first field in a
   // frame of that title, a button of that text (mnemonic & left out) or tool tip or, failing
@@ -118,11 +117,12 @@ class Person {
   }
 
   // Clicks near the left edge, inside a check box's box and on a list's text rather than
-  // its arrow.
+  // its arrow. A greyed control fails the test: the click would do nothing.
   void Click(QWidget* control) const {
     if (control == nullptr) {
       return;
     }
+    EXPECT_TRUE(control->isEnabled()) << qPrintable(control->objectName()) << " is greyed";
     QTest::mouseClick(control, Qt::LeftButton, {},
                       QPoint(std::min(8, control->width() / 2), control->height() / 2));
   }
