@@ -51,11 +51,13 @@ struct ShowChannel {
   qint16 Channel = kNone;
   qint16 Monitor = kNone;
   quint8 Status = 0;
+  bool operator==(const ShowChannel&) const = default;
 };
 
 struct IgnoreWindow {
   QString StartTime;
   QString EndTime;
+  bool operator==(const IgnoreWindow&) const = default;
 };
 
 struct ShowRecord {
@@ -90,6 +92,7 @@ struct ShowRecord {
   bool AlarmSuppressed = false;
   // Run-time: the log last said this show's silence alarm is on.
   bool AlarmLogged = false;
+  bool operator==(const ShowRecord&) const = default;
 };
 
 struct SilenceOut {

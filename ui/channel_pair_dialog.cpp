@@ -11,6 +11,7 @@
 #include <QVBoxLayout>
 
 #include "storage/logs.h"
+#include "ui/discard_changes.h"
 #include "ui/typed_channel_list.h"
 
 namespace zrn {
@@ -88,7 +89,7 @@ void ChannelPairDialog::BuildControls() {
   auto* cmdCancel = Button(QStringLiteral("cmdCancel"), QStringLiteral("&Cancel"),
                            QStringLiteral("Abandon any changes and close the form"));
   connect(cmdOk, &QPushButton::clicked, this, &ChannelPairDialog::accept);
-  connect(cmdCancel, &QPushButton::clicked, this, &ChannelPairDialog::reject);
+  connect(cmdCancel, &QPushButton::clicked, this, [this] { QDialog::reject(); });
   auto* closeRow = new QHBoxLayout;
   closeRow->addStretch(1);
   closeRow->addWidget(cmdOk);
@@ -115,6 +116,7 @@ void ChannelPairDialog::Fill() {
   updating_ = false;
   SetEditing(false);
   groups_ = ShowChannelGroups(At(s_.EditShows, s_.SelectedShow), mode_);
+  opened_ = groups_;
   show_ = s_.SelectedShow;
   FillList(groups_.empty() ? kNone : 0);
 }
@@ -214,6 +216,27 @@ void ChannelPairDialog::SaveGroup() {
   if (QTreeWidgetItem* row = lvList_->topLevelItem(current_)) {
     row->setText(0, ChannelGroupText(s_, mode_, group));
   }
+}
+
+bool ChannelPairDialog::Changed() const {
+  if (groups_ != opened_) {
+    return true;
+  }
+  if (!editing_ || current_ < 0 || current_ >= static_cast<int>(groups_.size())) {
+    return false;
+  }
+  const ChannelGroup& group = groups_[static_cast<std::size_t>(current_)];
+  return ChannelGroup{ChannelOfPairItem(cmbChan_[0]->currentIndex()),
+                      ChannelOfPairItem(cmbChan_[1]->currentIndex()),
+                      ChannelOfPairItem(cmbChan_[2]->currentIndex())} != group;
+}
+
+void ChannelPairDialog::reject() {
+  Prompt& prompt = s_.prompt != nullptr ? *s_.prompt : fallbackPrompt_;
+  if (Changed() && !MayDiscardChanges(prompt, windowTitle())) {
+    return;
+  }
+  QDialog::reject();
 }
 
 int ChannelPairDialog::exec() {

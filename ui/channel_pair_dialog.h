@@ -36,6 +36,8 @@ class ChannelPairDialog final : public QDialog {
   // Opens only in mode 1 or 2, for a show of the working copy.
   int exec() override;
   void accept() override;
+  // Escape and the close box: asks before changed groups are dropped.
+  void reject() override;
 
  private:
   void BuildControls();
@@ -48,11 +50,14 @@ class ChannelPairDialog final : public QDialog {
   void EditOrSave();
   void SaveGroup();
   void SetEditing(bool on);
+  // The groups or the lists being edited differ from what the show holds.
+  bool Changed() const;
 
   State& s_;
   int mode_ = 0;
   int show_ = -1;
   std::vector<ChannelGroup> groups_;
+  std::vector<ChannelGroup> opened_;
   int current_ = kNone;
   bool editing_ = false;
   // Set while the dialog fills its lists, so their handlers stay quiet.

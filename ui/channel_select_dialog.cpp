@@ -163,8 +163,10 @@ void ChannelSelectDialog::RemoveSelected() {
 }
 
 void ChannelSelectDialog::RemoveAll() {
-  // The count label follows at the next add or remove.
-  Trap(s_, QStringLiteral("Error Removing All Items"), kListError, [&] { lvList_->clear(); });
+  Trap(s_, QStringLiteral("Error Removing All Items"), kListError, [&] {
+    lvList_->clear();
+    ShowSelectedCount();
+  });
 }
 
 std::vector<int> ChannelSelectDialog::ChosenChannels() const {

@@ -11,6 +11,7 @@
 #include <QVBoxLayout>
 
 #include "storage/logs.h"
+#include "ui/discard_changes.h"
 #include "ui/ignore_window_rules.h"
 #include "ui/time_entry.h"
 
@@ -47,6 +48,7 @@ IgnoreWindowDialog::IgnoreWindowDialog(State& s, QWidget* parent)
     const ShowRecord& show = At(s_.EditShows, s_.SelectedShow);
     show_ = s_.SelectedShow;
     windows_ = ShowIgnoreWindows(show);
+    opened_ = windows_;
     lblShow_->setText(show.Name);
   });
   FillList();
@@ -102,7 +104,7 @@ void IgnoreWindowDialog::BuildControls() {
   auto* cmdOk = Button(QStringLiteral("cmdOk"), QStringLiteral("OK"), QString());
   auto* cmdCancel = Button(QStringLiteral("cmdCancel"), QStringLiteral("&Cancel"), QString());
   connect(cmdOk, &QPushButton::clicked, this, &IgnoreWindowDialog::accept);
-  connect(cmdCancel, &QPushButton::clicked, this, &IgnoreWindowDialog::reject);
+  connect(cmdCancel, &QPushButton::clicked, this, [this] { QDialog::reject(); });
   auto* closeRow = new QHBoxLayout;
   closeRow->addStretch(1);
   closeRow->addWidget(cmdOk);
@@ -173,6 +175,13 @@ void IgnoreWindowDialog::accept() {
   } else {
     QDialog::reject();
   }
+}
+
+void IgnoreWindowDialog::reject() {
+  if (windows_ != opened_ && !MayDiscardChanges(Ask(), windowTitle())) {
+    return;
+  }
+  QDialog::reject();
 }
 
 bool IgnoreWindowDialog::eventFilter(QObject* watched, QEvent* event) {

@@ -30,6 +30,8 @@ class IgnoreWindowDialog final : public QDialog {
   // Opens only for a show of the working copy.
   int exec() override;
   void accept() override;
+  // Escape and the close box: asks before changed windows are dropped.
+  void reject() override;
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -45,6 +47,7 @@ class IgnoreWindowDialog final : public QDialog {
   State& s_;
   int show_ = -1;
   std::vector<IgnoreWindow> windows_;
+  std::vector<IgnoreWindow> opened_;
   MessageBoxPrompt fallbackPrompt_;
 
   QLabel* lblShow_ = nullptr;

@@ -18,6 +18,8 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "ui/typed_channel_list.h"
+
 namespace zrn {
 
 namespace {
@@ -188,11 +190,8 @@ QLayout* ScheduleDialog::BuildFields() {
           [this](bool on) { cmbAutoSource_->setEnabled(editing_ && on); });
   cmbAutoSource_ = new QComboBox(route);
   cmbAutoSource_->setObjectName(QStringLiteral("cmbAutoSource"));
-  cmbAutoSource_->setEditable(true);
-  cmbAutoSource_->setInsertPolicy(QComboBox::NoInsert);
-  cmbAutoSource_->setCompleter(nullptr);
   cmbAutoSource_->setMaxVisibleItems(20);
-  cmbAutoSource_->lineEdit()->installEventFilter(this);
+  MakeTypedChannelList(cmbAutoSource_);
   routeColumn->addWidget(chkConnect_);
   routeColumn->addWidget(cmbAutoSource_);
   fields->addWidget(route);
@@ -326,6 +325,8 @@ bool ScheduleDialog::SaveCurrentEvent() {
     QWidget* culprit = cmbAutoSource_;
     if (error->title == QStringLiteral("Time Error")) {
       culprit = txtAutoTime_;
+    } else if (error->title == QStringLiteral("Day Error")) {
+      culprit = chkAutoDay_.front();
     } else if (error->title == QStringLiteral("Label Error")) {
       culprit = txtCustom_;
     }
@@ -459,11 +460,6 @@ bool ScheduleDialog::eventFilter(QObject* watched, QEvent* event) {
     if (watched == txtAutoTime_) {
       return TimeBoxKey(key);
     }
-    if (watched == cmbAutoSource_->lineEdit()) {
-      return SourceListKey(key);
-    }
-  } else if (event->type() == QEvent::FocusOut && watched == cmbAutoSource_->lineEdit()) {
-    RestoreSourceText();
   }
   return QDialog::eventFilter(watched, event);
 }
@@ -495,22 +491,6 @@ bool ScheduleDialog::TimeBoxKey(QKeyEvent* key) {
     return true;
   }
   return false;
-}
-
-bool ScheduleDialog::SourceListKey(QKeyEvent* key) {
-  if (!IsEnter(key)) {
-    return false;
-  }
-  const QString text = cmbAutoSource_->currentText().trimmed();
-  bool numeric = false;
-  const int input = text.toInt(&numeric);
-  if (numeric && input >= 0 && input < cmbAutoSource_->count()) {
-    cmbAutoSource_->setCurrentIndex(input);
-  } else if (const int found = cmbAutoSource_->findText(text, Qt::MatchFixedString); found >= 0) {
-    cmbAutoSource_->setCurrentIndex(found);
-  }
-  RestoreSourceText();
-  return true;
 }
 
 void ScheduleDialog::RestoreSourceText() {

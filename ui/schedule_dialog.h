@@ -63,7 +63,6 @@ class ScheduleDialog final : public QDialog {
   void RowChosen();
 
   bool TimeBoxKey(QKeyEvent* key);
-  bool SourceListKey(QKeyEvent* key);
   void RestoreSourceText();
   Prompt& Ask();
 

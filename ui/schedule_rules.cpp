@@ -52,6 +52,12 @@ std::optional<FieldError> CheckEventFields(const EventFields& fields) {
     return FieldError{QStringLiteral("Time Error"),
                       QStringLiteral("Invalid Time entered.  Please enter as HH:MM:SS")};
   }
+  // An event on no day never runs, so saving it would only look like a schedule.
+  if ((fields.days & 0x7F) == 0) {
+    return FieldError{QStringLiteral("Day Error"),
+                      QStringLiteral("No day is ticked in Day Options.  Please tick at least "
+                                     "one day.")};
+  }
   // The label can become the output's custom label, and a comma would cut it in the
   // configuration file.
   if (fields.label.contains(QLatin1Char(','))) {

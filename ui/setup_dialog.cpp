@@ -23,13 +23,6 @@ namespace {
 
 const QString kErrorLocation = QStringLiteral("Error Initialzing Form");
 const QString kErrorTitle = QStringLiteral("Setup Error");
-// Typed channel numbers from here on are no channel at all.
-constexpr qint64 kTypedChannelLimit = 16384;
-
-bool AllDigits(const QString& text) {
-  return !text.isEmpty() &&
-         std::all_of(text.begin(), text.end(), [](QChar c) { return c.isDigit(); });
-}
 
 }  // namespace
 
@@ -194,68 +187,6 @@ void SetupDialog::OutputChosen(int item) {
   cmdConfigure_->setEnabled(item != 0 && static_cast<bool>(editors_.silenceDetect));
 }
 
-void SetupDialog::RestoreOutputChoice() {
-  loading_ = true;
-  const int item = OutputChoiceIndex(s_, Current().edited.Output);
-  cmbOutputSelect_->setCurrentIndex(item);
-  cmbOutputSelect_->setEditText(cmbOutputSelect_->itemText(item));
-  loading_ = false;
-}
-
-// The operator types a channel number and Enter, U for "Undefined", Escape to go back.
-bool SetupDialog::OutputListKey(QKeyEvent* key) {
-  QLineEdit* edit = cmbOutputSelect_->lineEdit();
-  const QString typed = edit->text();
-  auto choose = [this](int item) {
-    if (cmbOutputSelect_->currentIndex() == item) {
-      OutputChosen(item);
-    }
-    cmbOutputSelect_->setCurrentIndex(item);
-    loading_ = true;
-    cmbOutputSelect_->setEditText(cmbOutputSelect_->itemText(item));
-    loading_ = false;
-  };
-  switch (key->key()) {
-    case Qt::Key_Escape:
-      RestoreOutputChoice();
-      return true;
-    case Qt::Key_Return:
-    case Qt::Key_Enter: {
-      const qint64 n = AllDigits(typed) ? FieldNumber(typed) : 0;
-      if (n >= 1 && n <= s_.SwitcherOutputCount) {
-        choose(static_cast<int>(n));
-      } else {
-        RestoreOutputChoice();
-      }
-      return true;
-    }
-    case Qt::Key_U:
-      if (key->modifiers() & (Qt::ControlModifier | Qt::AltModifier)) {
-        return false;
-      }
-      choose(0);
-      return true;
-    case Qt::Key_Backspace:
-      edit->setText(AllDigits(typed) ? typed.chopped(1) : QString());
-      return true;
-    default:
-      break;
-  }
-  const QString text = key->text();
-  if (text.size() == 1 && text[0].isDigit()) {
-    const QString base = AllDigits(typed) && !edit->hasSelectedText() ? typed : QString();
-    const QString next = base + text;
-    if (FieldNumber(next) >= kTypedChannelLimit) {
-      RestoreOutputChoice();
-    } else {
-      edit->setText(next);
-    }
-    return true;
-  }
-  // Other characters are discarded; navigation keys keep working.
-  return !text.isEmpty() && text[0].isPrint();
-}
-
 void SetupDialog::StoreCustomLabel() {
   if (loading_ || !editing_) {
     return;
@@ -283,13 +214,6 @@ bool SetupDialog::eventFilter(QObject* watched, QEvent* event) {
       }
     } else if (event->type() == QEvent::FocusOut) {
       StoreCustomLabel();
-    }
-  } else if (cmbOutputSelect_ != nullptr && watched == cmbOutputSelect_->lineEdit()) {
-    if (event->type() == QEvent::KeyPress) {
-      return OutputListKey(static_cast<QKeyEvent*>(event));
-    }
-    if (event->type() == QEvent::FocusOut && !entries_.empty()) {
-      RestoreOutputChoice();
     }
   }
   return QDialog::eventFilter(watched, event);

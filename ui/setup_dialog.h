@@ -76,8 +76,6 @@ class SetupDialog final : public QDialog {
   void RemoveEntry();
 
   void OutputChosen(int item);
-  bool OutputListKey(QKeyEvent* key);
-  void RestoreOutputChoice();
   void StoreCustomLabel();
   void DisplayOptionChosen(int option);
 

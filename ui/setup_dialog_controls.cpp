@@ -12,6 +12,8 @@
 #include <QRegularExpressionValidator>
 #include <QVBoxLayout>
 
+#include "ui/typed_channel_list.h"
+
 namespace zrn {
 
 namespace {
@@ -132,11 +134,8 @@ QGroupBox* SetupDialog::BuildOutputGroup() {
   cmbOutputSelect_ = new QComboBox;
   cmbOutputSelect_->setObjectName(QStringLiteral("cmbOutputSelect"));
   cmbOutputSelect_->setToolTip(QStringLiteral("Choose the output for the current window"));
-  cmbOutputSelect_->setEditable(true);
-  cmbOutputSelect_->setInsertPolicy(QComboBox::NoInsert);
-  cmbOutputSelect_->setCompleter(nullptr);
   cmbOutputSelect_->setMinimumWidth(280);
-  cmbOutputSelect_->lineEdit()->installEventFilter(this);
+  MakeTypedChannelList(cmbOutputSelect_, true);
   lblDestinationSelect->setBuddy(cmbOutputSelect_);
   connect(cmbOutputSelect_, &QComboBox::currentIndexChanged, this, &SetupDialog::OutputChosen);
   destination->addWidget(lblDestinationSelect);

@@ -88,6 +88,17 @@ QString ShowDateText(const QDate& date) {
   return date.toString(kDateFormat);
 }
 
+int FirstShowEndingBeforeItStarts(const std::vector<ShowRecord>& shows) {
+  for (std::size_t i = 0; i < shows.size(); ++i) {
+    const QDate start = ShowDate(shows[i].StartDate);
+    const QDate end = ShowDate(shows[i].EndDate);
+    if (start.isValid() && end.isValid() && end < start) {
+      return static_cast<int>(i);
+    }
+  }
+  return -1;
+}
+
 void StoreShowFields(ShowRecord& show, const ShowFields& fields) {
   show.Name = fields.name;
   if (const std::optional<QString> start = EnteredTime(fields.startTime)) {

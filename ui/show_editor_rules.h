@@ -42,6 +42,9 @@ struct ShowFields {
   QDate endDate;
 };
 
+// Index of the first show whose end date lies before its start date; -1 when none does.
+int FirstShowEndingBeforeItStarts(const std::vector<ShowRecord>& shows);
+
 // Writes the fields into the show. A time field that does not read as a time keeps the stored
 // time, so the file never receives a malformed one.
 void StoreShowFields(ShowRecord& show, const ShowFields& fields);

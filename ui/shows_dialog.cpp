@@ -14,6 +14,7 @@
 #include "storage/logs.h"
 #include "storage/shows_file.h"
 #include "ui/channel_pair_dialog.h"
+#include "ui/discard_changes.h"
 #include "ui/ignore_window_dialog.h"
 #include "ui/schedule_rules.h"
 #include "ui/show_editor_rules.h"
@@ -40,6 +41,7 @@ ShowsDialog::ShowsDialog(State& s, QWidget* parent)
   BuildControls();
   Trap(s_, QStringLiteral("Error Loading Show Form"), QStringLiteral("Display Error"), [&] {
     s_.EditShows = ShowsForEditing(s_);
+    opened_ = s_.EditShows;
     FillLists();
   });
   current_ = s_.SelectedShow >= 0 && s_.SelectedShow < Count() ? s_.SelectedShow : 0;
@@ -311,6 +313,15 @@ Prompt& ShowsDialog::Ask() {
 
 void ShowsDialog::accept() {
   UpdateTempStruct();
+  if (const int wrong = FirstShowEndingBeforeItStarts(s_.EditShows); wrong >= 0) {
+    DisplayShowInfo(wrong);
+    EnableDisabelControls(true);
+    Ask().Inform(QStringLiteral("Entry Error"),
+                 QStringLiteral("The End Date is before the Start Date.  Please enter an End "
+                                "Date on or after the Start Date."));
+    dtPickerEnd_->setFocus();
+    return;
+  }
   const bool replaced =
       Trap(s_, kUpdateError, QStringLiteral("List Error"), [&] { ReplaceShows(s_, s_.EditShows); });
   if (!replaced) {
@@ -322,6 +333,14 @@ void ShowsDialog::accept() {
                                 "will be lost when the program stops."));
   }
   QDialog::accept();
+}
+
+void ShowsDialog::reject() {
+  UpdateTempStruct();
+  if (s_.EditShows != opened_ && !MayDiscardChanges(Ask(), windowTitle())) {
+    return;
+  }
+  QDialog::reject();
 }
 
 bool ShowsDialog::eventFilter(QObject* watched, QEvent* event) {

@@ -3,6 +3,7 @@
 #include <QDate>
 #include <QDialog>
 #include <array>
+#include <vector>
 
 #include "core/state.h"
 #include "ui/message_box_prompt.h"
@@ -34,7 +35,10 @@ class ShowsDialog final : public QDialog {
   // Index into EditShows of the show on display; 0 while the copy is empty.
   int CurrentIndex() const { return current_; }
 
+  // Refuses a show that ends before it starts.
   void accept() override;
+  // Escape and the close box: asks before changed shows are dropped.
+  void reject() override;
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -72,6 +76,8 @@ class ShowsDialog final : public QDialog {
   Prompt& Ask();
 
   State& s_;
+  // The working copy as it was opened, to tell whether anything was changed.
+  std::vector<ShowRecord> opened_;
   int current_ = 0;
   // The editing controls were unlocked by Edit or Add; they stay so until the dialog closes.
   bool editing_ = false;

@@ -140,7 +140,7 @@ QLayout* ShowsDialog::BuildShowFields() {
   cmbDownlinkSource_ = new QComboBox;
   cmbDownlinkSource_->setObjectName(QStringLiteral("cmbDownlinkSource"));
   cmbDownlinkSource_->setMaxVisibleItems(20);
-  MakeTypedChannelList(cmbDownlinkSource_, false);
+  MakeTypedChannelList(cmbDownlinkSource_);
   connect(cmbDownlinkSource_, &QComboBox::currentIndexChanged, this, &ShowsDialog::DownlinkChosen);
 
   auto* grid = new QGridLayout;
@@ -237,7 +237,7 @@ QLayout* ShowsDialog::BuildCloseButtons() {
   auto* cmdOk = Button(QStringLiteral("cmdOk"), QStringLiteral("OK"), QString());
   auto* cmdCancel = Button(QStringLiteral("cmdCancel"), QStringLiteral("&Cancel"), QString());
   connect(cmdOk, &QPushButton::clicked, this, &ShowsDialog::accept);
-  connect(cmdCancel, &QPushButton::clicked, this, &ShowsDialog::reject);
+  connect(cmdCancel, &QPushButton::clicked, this, [this] { QDialog::reject(); });
   auto* row = new QHBoxLayout;
   row->addStretch(1);
   row->addWidget(cmdOk);

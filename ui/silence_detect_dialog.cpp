@@ -3,14 +3,11 @@
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QFocusEvent>
 #include <QFormLayout>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QLabel>
-#include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QVBoxLayout>
@@ -19,6 +16,7 @@
 #include "core/failure.h"
 #include "storage/logs.h"
 #include "switcher/commands.h"
+#include "ui/typed_channel_list.h"
 
 namespace zrn {
 
@@ -30,11 +28,6 @@ const QString kCategory = QStringLiteral("CrossPoint Grid Error");
 // The lists by their index: 0 the alarm device, 1 silence threshold, 2 detect time, 3 return
 // time, 4 peak threshold, 5 hold time.
 enum List { kDevice = 0, kSilenceThreshold, kDetectTime, kReturnTime, kPeakThreshold, kHoldTime };
-
-bool AllDigits(const QString& text) {
-  return !text.isEmpty() &&
-         std::all_of(text.begin(), text.end(), [](QChar c) { return c.isDigit(); });
-}
 
 QRadioButton* MakeOption(const QString& caption, const QString& name, QButtonGroup* group, int id,
                          QWidget* parent) {
@@ -74,11 +67,12 @@ void SilenceDetectDialog::BuildControls() {
   }
 
   QComboBox* devices = cmbDetect_[kDevice];
-  devices->setEditable(true);
-  devices->setInsertPolicy(QComboBox::NoInsert);
-  devices->setCompleter(nullptr);
   devices->setMinimumContentsLength(22);
-  devices->lineEdit()->installEventFilter(this);
+  // Devices are typed by number; an unreported one kept in the list has its own position.
+  MakeTypedChannelList(devices, true, [this](int n) {
+    const int position = DevicePosition(deviceItems_, n - 1);
+    return position > 0 ? position : -1;
+  });
   connect(devices, &QComboBox::activated, this, [this](int index) { deviceSelection_ = index; });
 
   const char* const detectCaptions[] = {"Silence Detect Enabled", "Peak Detect Enabled"};
@@ -334,76 +328,6 @@ void SilenceDetectDialog::RebuildDeviceList(int type, int device, bool keepUnrep
     list->addItem(item.text);
   }
   frDevice_->setVisible(type == 2 || type == 3);
-}
-
-bool SilenceDetectDialog::eventFilter(QObject* watched, QEvent* event) {
-  if (watched == cmbDetect_[kDevice]->lineEdit()) {
-    if (event->type() == QEvent::KeyPress) {
-      return DeviceListKey(static_cast<QKeyEvent*>(event));
-    }
-    if (event->type() == QEvent::FocusOut &&
-        static_cast<QFocusEvent*>(event)->reason() != Qt::PopupFocusReason) {
-      TakeTypedDevice();
-    }
-  }
-  return QDialog::eventFilter(watched, event);
-}
-
-bool SilenceDetectDialog::DeviceListKey(QKeyEvent* key) {
-  QLineEdit* edit = cmbDetect_[kDevice]->lineEdit();
-  if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) {
-    TakeTypedDevice();
-    return true;
-  }
-  if (key->key() == Qt::Key_Escape) {
-    RestoreDevice();
-    return true;
-  }
-  const QString typed = key->text();
-  const bool backspace = key->key() == Qt::Key_Backspace;
-  if (backspace || (typed.size() == 1 && typed[0].isDigit())) {
-    QString text = edit->text();
-    int at = edit->cursorPosition();
-    if (!AllDigits(text)) {
-      // A digit starts a device number in place of the shown name.
-      text.clear();
-      at = 0;
-    } else if (edit->hasSelectedText()) {
-      at = edit->selectionStart();
-      text.remove(at, edit->selectedText().size());
-    } else if (backspace && at > 0) {
-      text.remove(--at, 1);
-    }
-    if (!backspace) {
-      text.insert(at++, typed);
-    }
-    if (text.size() > 5 || text.toInt() >= 16384) {
-      RestoreDevice();
-    } else {
-      edit->setText(text);
-      edit->setCursorPosition(at);
-    }
-    return true;
-  }
-  if (typed == QStringLiteral("U") || typed == QStringLiteral("u")) {
-    deviceSelection_ = 0;
-    RestoreDevice();
-    return true;
-  }
-  // Other characters are ignored; keys without text (arrows, Tab) work as usual.
-  return typed.size() == 1 && typed[0].isPrint();
-}
-
-void SilenceDetectDialog::TakeTypedDevice() {
-  const QString text = cmbDetect_[kDevice]->currentText();
-  if (AllDigits(text)) {
-    const int n = text.toInt();
-    const int position = n >= 1 ? DevicePosition(deviceItems_, n - 1) : 0;
-    if (position > 0) {
-      deviceSelection_ = position;
-    }
-  }
-  RestoreDevice();
 }
 
 void SilenceDetectDialog::RestoreDevice() {

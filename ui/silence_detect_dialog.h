@@ -39,7 +39,6 @@ class SilenceDetectDialog final : public QDialog {
 
  protected:
   void showEvent(QShowEvent* event) override;
-  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   void BuildControls();
@@ -52,8 +51,6 @@ class SilenceDetectDialog final : public QDialog {
   void RebuildDeviceList(int type, int device, bool keepUnreported);
   DetectMode ChosenMode() const;
 
-  bool DeviceListKey(QKeyEvent* key);
-  void TakeTypedDevice();
   void RestoreDevice();
   Prompt& Ask();
 

@@ -10,7 +10,8 @@ namespace zrn {
 
 namespace {
 
-// More digits than any channel count needs are not collected.
+// Typed numbers from here on are no channel at all; nor are longer texts of leading zeros.
+constexpr int kChannelLimit = 16384;
 constexpr int kMostDigits = 5;
 
 bool AllDigits(const QString& text) {
@@ -20,12 +21,12 @@ bool AllDigits(const QString& text) {
 
 }  // namespace
 
-TypedChannelList::TypedChannelList(QComboBox* list, bool undefinedKey)
-    : QObject(list), list_(list), undefinedKey_(undefinedKey) {
+TypedChannelList::TypedChannelList(QComboBox* list, TypedChannelOptions options)
+    : QObject(list), list_(list), options_(std::move(options)) {
   list_->setEditable(true);
   list_->setInsertPolicy(QComboBox::NoInsert);
   list_->setCompleter(nullptr);
-  list_->lineEdit()->installEventFilter(this);
+  list_->installEventFilter(this);
 }
 
 void TypedChannelList::Restore() {
@@ -35,21 +36,28 @@ void TypedChannelList::Restore() {
 void TypedChannelList::Choose(int item) {
   list_->setCurrentIndex(item);
   Restore();
+  emit list_->activated(item);
+}
+
+int TypedChannelList::ItemOf(int n) const {
+  if (options_.itemOf) {
+    return options_.itemOf(n);
+  }
+  return n >= 1 && n < list_->count() ? n : -1;
 }
 
 void TypedChannelList::Take() {
   const QString typed = list_->lineEdit()->text().trimmed();
-  const int channels = list_->count() - 1;
-  const int n = AllDigits(typed) && typed.size() <= kMostDigits ? typed.toInt() : 0;
-  if (n >= 1 && n <= channels) {
-    Choose(n);
+  const int item = AllDigits(typed) && typed.size() <= kMostDigits ? ItemOf(typed.toInt()) : -1;
+  if (item > 0 && item < list_->count()) {
+    Choose(item);
   } else {
     Restore();
   }
 }
 
 bool TypedChannelList::eventFilter(QObject* watched, QEvent* event) {
-  if (watched != list_->lineEdit()) {
+  if (watched != list_ || list_->lineEdit() == nullptr) {
     return QObject::eventFilter(watched, event);
   }
   if (event->type() == QEvent::FocusOut) {
@@ -59,12 +67,15 @@ bool TypedChannelList::eventFilter(QObject* watched, QEvent* event) {
     }
     return false;
   }
-  if (event->type() != QEvent::KeyPress) {
-    return false;
+  if (event->type() == QEvent::KeyPress) {
+    return Key(*static_cast<QKeyEvent*>(event));
   }
-  auto* key = static_cast<QKeyEvent*>(event);
+  return false;
+}
+
+bool TypedChannelList::Key(const QKeyEvent& key) {
   QLineEdit* edit = list_->lineEdit();
-  switch (key->key()) {
+  switch (key.key()) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
       Take();
@@ -80,19 +91,21 @@ bool TypedChannelList::eventFilter(QObject* watched, QEvent* event) {
     default:
       break;
   }
-  if ((key->modifiers() & (Qt::ControlModifier | Qt::AltModifier)) != 0) {
+  if ((key.modifiers() & (Qt::ControlModifier | Qt::AltModifier)) != 0) {
     return false;
   }
-  const QString text = key->text();
+  const QString text = key.text();
   if (text.size() == 1 && text[0].isDigit()) {
     const QString typed = edit->text();
-    const QString base = AllDigits(typed) && !edit->hasSelectedText() ? typed : QString();
-    if (base.size() < kMostDigits) {
-      edit->setText(base + text);
+    const QString next = (AllDigits(typed) && !edit->hasSelectedText() ? typed : QString()) + text;
+    if (next.size() > kMostDigits || next.toInt() >= kChannelLimit) {
+      Restore();
+    } else {
+      edit->setText(next);
     }
     return true;
   }
-  if (undefinedKey_ && (key->key() == Qt::Key_U)) {
+  if (options_.undefinedKey && key.key() == Qt::Key_U) {
     Choose(0);
     return true;
   }
@@ -100,8 +113,11 @@ bool TypedChannelList::eventFilter(QObject* watched, QEvent* event) {
   return text.size() == 1 && text[0].isPrint();
 }
 
-void MakeTypedChannelList(QComboBox* list, bool undefinedKey) {
-  new TypedChannelList(list, undefinedKey);
+void MakeTypedChannelList(QComboBox* list, bool undefinedKey, std::function<int(int n)> itemOf) {
+  TypedChannelOptions options;
+  options.undefinedKey = undefinedKey;
+  options.itemOf = std::move(itemOf);
+  new TypedChannelList(list, std::move(options));
 }
 
 }  // namespace zrn

@@ -1,12 +1,12 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QDir>
-#include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
 #include <QTreeWidget>
 
 #include "storage/shows_file.h"
+#include "support/person.h"
 #include "support/scripted_prompt.h"
 #include "support/temp_state.h"
 #include "ui/broadcast_style.h"
@@ -41,7 +41,7 @@ class ChannelPairDialogTest : public test::TempStateTest {
   void Open(int mode) {
     s.ChannelSelectMode = static_cast<qint16>(mode);
     dialog = std::make_unique<ChannelPairDialog>(s);
-    dialog->show();
+    person.Open(*dialog);
   }
   template <class T>
   T* Get(const char* name) {
@@ -63,15 +63,9 @@ class ChannelPairDialogTest : public test::TempStateTest {
     list->clearSelection();
     list->setCurrentItem(list->topLevelItem(row));
   }
-  // Types a channel number into a channel list and presses Enter.
-  void TypeChannel(const char* list, const QString& number) {
-    QLineEdit* edit = Get<QComboBox>(list)->lineEdit();
-    edit->selectAll();
-    QTest::keyClicks(edit, number);
-    QTest::keyClick(edit, Qt::Key_Return);
-  }
 
   test::ScriptedPrompt prompt;
+  test::Person person;
   std::unique_ptr<ChannelPairDialog> dialog;
 };
 
@@ -105,9 +99,10 @@ TEST_F(ChannelPairDialogTest, EditSaveAndOkWriteTheGroups) {
   Click("cmdEdit");
   EXPECT_EQ(Get<QPushButton>("cmdEdit")->text(), QStringLiteral("Save"));
   EXPECT_FALSE(Get<QPushButton>("cmdAdd")->isEnabled());
-  TypeChannel("cmbLeftChan", QStringLiteral("3"));
-  TypeChannel("cmbRightChan", QStringLiteral("17"));  // beyond the inputs: stays undefined
-  TypeChannel("cmbCueChan", QStringLiteral("16"));
+  person.Enter(QStringLiteral("Left Channel"), QStringLiteral("3"));
+  person.Enter(QStringLiteral("Right Channel"),
+               QStringLiteral("17"));  // beyond the inputs: stays undefined
+  person.Enter(QStringLiteral("Cue Channel"), QStringLiteral("16"));
   Click("cmdEdit");
   EXPECT_EQ(Get<QPushButton>("cmdEdit")->toolTip(), QStringLiteral("Edit the current selection"));
   EXPECT_EQ(Lines().at(1), QStringLiteral("Studio 3(0003),  Not Defined(16383),  Studio 16(0016)"));
@@ -123,7 +118,7 @@ TEST_F(ChannelPairDialogTest, EditSaveAndOkWriteTheGroups) {
 TEST_F(ChannelPairDialogTest, OkWhileEditingAnsweredNoKeepsTheGroup) {
   Open(1);
   Click("cmdEdit");
-  TypeChannel("cmbLeftChan", QStringLiteral("9"));
+  person.Enter(QStringLiteral("Left Channel"), QStringLiteral("9"));
   prompt.answers = {Prompt::Answer::No};
   Click("cmdOk");
   EXPECT_EQ(prompt.asked, QStringList{QStringLiteral(

@@ -102,6 +102,7 @@ TEST_F(ChannelSelectTest, ListsEveryOutputAndAddsWithoutDuplicates) {
   EXPECT_EQ(Label("lblOutCount"), QStringLiteral("Selected: 3"));
   Click("cmdRemoveAll");
   EXPECT_TRUE(Keys("lvList").isEmpty());
+  EXPECT_EQ(Label("lblOutCount"), QStringLiteral("Selected: 0")) << "the count follows at once";
   Click("cmdCancel");
   EXPECT_EQ(s.SilenceOutCount, 2) << "Cancel writes nothing";
 }

@@ -9,6 +9,7 @@
 #include <QTreeWidget>
 #include <stdexcept>
 
+#include "support/person.h"
 #include "support/scripted_prompt.h"
 #include "support/temp_state.h"
 #include "ui/broadcast_style.h"
@@ -61,8 +62,7 @@ class ScheduleDialogTest : public test::TempStateTest {
   }
   void Open() {
     dialog = std::make_unique<ScheduleDialog>(s);
-    dialog->show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(dialog.get()));
+    person.Open(*dialog);
   }
   QStringList Row(int i) const {
     const QTreeWidgetItem* item = List()->topLevelItem(i);
@@ -93,6 +93,7 @@ class ScheduleDialogTest : public test::TempStateTest {
   }
 
   ScriptedPrompt prompt;
+  test::Person person;
   std::unique_ptr<ScheduleDialog> dialog;
 };
 
@@ -170,14 +171,23 @@ TEST_F(ScheduleDialogTest, SavesAreCheckedFirstAndKeepTimeOrder) {
   EXPECT_EQ(TimeBox()->text(), QStringLiteral("06:05:00"));
   EXPECT_TRUE(dialog->isVisible()) << "Enter never closes the editor";
 
+  // An event on no day is refused, naming the days.
+  for (int d = 0; d < 7; ++d) {
+    Tick(Day(d));
+  }
+  Click(4);
+  EXPECT_EQ(prompt.informed.last(),
+            QStringLiteral("No day is ticked in Day Options.  Please tick at least one day."));
+  EXPECT_EQ(prompt.titles.last(), QStringLiteral("Day Error"));
+  EXPECT_EQ(s.Outputs[0].EventCount, 2);
+  Click(7);
+
   // Routing needs a source; labels refuse commas.
   Tick(Connect());
   ASSERT_TRUE(Sources()->isEnabled());
   Click(4);
   EXPECT_EQ(prompt.titles.last(), QStringLiteral("Source Error"));
-  Sources()->lineEdit()->selectAll();
-  QTest::keyClicks(Sources()->lineEdit(), QStringLiteral("3"));
-  QTest::keyClick(Sources()->lineEdit(), Qt::Key_Return);
+  person.Enter(QStringLiteral("Undefined"), QStringLiteral("3"));
   EXPECT_EQ(Sources()->currentIndex(), 3);
   Child<QLineEdit>(*dialog, QStringLiteral("txtCustom"))->setText(QStringLiteral("News, 6pm"));
   Click(4);

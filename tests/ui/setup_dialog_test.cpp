@@ -14,6 +14,7 @@
 #include "monitor/setup_commands.h"
 #include "monitor/startup.h"
 #include "support/fake_link.h"
+#include "support/person.h"
 #include "support/scripted_prompt.h"
 #include "support/temp_state.h"
 #include "switcher/link.h"
@@ -69,7 +70,7 @@ class SetupDialogTest : public test::TempStateTest {
 
   void Open(SetupEditors editors = {}) {
     dialog = std::make_unique<SetupDialog>(s, std::move(editors));
-    dialog->show();
+    person.Open(*dialog);
   }
   template <class T>
   T* Get(const char* name) {
@@ -84,15 +85,14 @@ class SetupDialogTest : public test::TempStateTest {
     QTest::keyClick(edit, Qt::Key_Backspace);
     QTest::keyClicks(edit, text);
   }
-  QLineEdit* ChannelTyping() { return Get<QComboBox>("cmbOutputSelect")->lineEdit(); }
   void TypeChannel(const QString& digits) {
-    QTest::keyClicks(ChannelTyping(), digits);
-    QTest::keyClick(ChannelTyping(), Qt::Key_Return);
+    person.Enter(QStringLiteral("Monitor Destination"), digits);
   }
   QString ChannelShown() { return Get<QComboBox>("cmbOutputSelect")->currentText(); }
 
   test::ScriptedPrompt prompt;
   test::FakeLink link;
+  test::Person person;
   std::unique_ptr<SetupDialog> dialog;
 };
 
@@ -198,28 +198,6 @@ TEST_F(SetupDialogTest, NewPortDropsTheLinkAndTheNextPollTickConnectsThere) {
   PollTick(s);
   ASSERT_TRUE(second.waitForNewConnection(5000));
   EXPECT_TRUE(QTest::qWaitFor([&] { return s.Connected; }, 5000));
-}
-
-TEST_F(SetupDialogTest, ChannelIsChosenByTypingItsNumber) {
-  Open();
-  Click("cmdEdit");
-  TypeChannel(QStringLiteral("12"));
-  EXPECT_EQ(ChannelShown(), QStringLiteral("[0012] PGM 12"));
-  EXPECT_EQ(dialog->Entries()[0].edited.Output, 12);
-
-  TypeChannel(QStringLiteral("17"));  // beyond the switcher
-  EXPECT_EQ(ChannelShown(), QStringLiteral("[0012] PGM 12"));
-  QTest::keyClicks(ChannelTyping(), QStringLiteral("16384"));
-  EXPECT_EQ(ChannelTyping()->text(), QStringLiteral("[0012] PGM 12")) << "16384 is no channel";
-
-  QTest::keyClicks(ChannelTyping(), QStringLiteral("4x"));
-  EXPECT_EQ(ChannelTyping()->text(), QStringLiteral("4")) << "other characters are discarded";
-  QTest::keyClick(ChannelTyping(), Qt::Key_Escape);
-  EXPECT_TRUE(dialog->isVisible()) << "Escape in the list does not close Setup";
-
-  QTest::keyClicks(ChannelTyping(), QStringLiteral("u"));
-  EXPECT_EQ(dialog->Entries()[0].edited.Output, kNone);
-  EXPECT_FALSE(Get<QPushButton>("CmdConfigure")->isEnabled());
 }
 
 // Cancel discards every list edit, also those the schedule editor saw in the live table, and

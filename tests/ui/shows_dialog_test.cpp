@@ -8,12 +8,12 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QTest>
-#include <QTimer>
 
 #include "monitor/poll_tick.h"
 #include "shows/shows_pass.h"
 #include "storage/shows_file.h"
 #include "support/fake_link.h"
+#include "support/person.h"
 #include "support/scripted_prompt.h"
 #include "support/temp_state.h"
 #include "ui/broadcast_style.h"
@@ -28,19 +28,6 @@ ShowRecord Show(const QString& name) {
   ShowRecord show = MakeNewShow();
   show.Name = name;
   return show;
-}
-
-// Runs act on the dialog that the next exec() shows, then closes whatever is still modal.
-template <class Dialog>
-void WhenModal(std::function<void(Dialog&)> act) {
-  QTimer::singleShot(0, [act] {
-    if (auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget())) {
-      act(*dialog);
-    }
-    if (auto* still = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
-      still->reject();
-    }
-  });
 }
 
 // A switcher of 16 inputs and outputs whose start-up exchange is complete, in show mode; the
@@ -73,7 +60,7 @@ class ShowsDialogTest : public test::TempStateTest {
   void Open(int selected = 0) {
     s.SelectedShow = static_cast<qint16>(selected);
     dialog = std::make_unique<ShowsDialog>(s);
-    dialog->show();
+    person.Open(*dialog);
   }
   template <class T>
   T* Get(const char* name) {
@@ -103,6 +90,7 @@ class ShowsDialogTest : public test::TempStateTest {
 
   test::ScriptedPrompt prompt;
   test::FakeLink link;
+  test::Person person;
   std::unique_ptr<ShowsDialog> dialog;
 };
 
@@ -206,10 +194,8 @@ TEST_F(ShowsDialogTest, DetectListsAndDownlinkStoreTheirCodes) {
   Click("cmdEdit");
   threshold->setCurrentIndex(1);
   Get<QComboBox>("cmbDetect3")->setCurrentIndex(12);
-  Enter(downlink->lineEdit(), QStringLiteral("16"));
+  person.Enter(QStringLiteral("Downlink Source"), QStringLiteral("16"));
   EXPECT_EQ(downlink->currentText(), QStringLiteral("[0016] Line 16"));
-  Enter(downlink->lineEdit(), QStringLiteral("17"));
-  EXPECT_EQ(downlink->currentText(), QStringLiteral("[0016] Line 16")) << "no input 17";
   Click("cmdOk");
 
   EXPECT_EQ(s.Shows[0].DetectLevel, 1224);
@@ -244,10 +230,32 @@ TEST_F(ShowsDialogTest, DaysAndDatesSurviveMovingAway) {
   EXPECT_EQ(s.Shows[1].StartDate, QStringLiteral("01/01/2025"));
 }
 
+TEST_F(ShowsDialogTest, AShowEndingBeforeItStartsIsRefusedNamingTheDate) {
+  Open(1);
+  person.Click(QStringLiteral("Edit the current show"));
+  person.Click(QStringLiteral("End Date"));
+  person.Type(QStringLiteral("12312024"));
+  EXPECT_EQ(Get<QDateEdit>("DTPickerEnd")->date(), QDate(2024, 12, 31));
+  person.Click(QStringLiteral("OK"));
+  EXPECT_EQ(prompt.informed, QStringList{QStringLiteral(
+                                 "The End Date is before the Start Date.  Please enter an End "
+                                 "Date on or after the Start Date.")});
+  EXPECT_TRUE(dialog->isVisible());
+  EXPECT_EQ(QApplication::focusWidget(), Get<QDateEdit>("DTPickerEnd"));
+  EXPECT_EQ(s.Shows[1].EndDate, QStringLiteral("12/31/2025")) << "nothing taken over";
+  EXPECT_FALSE(QFile::exists(PathOf(QStringLiteral("ZRNShows.dat"))));
+
+  person.Click(QStringLiteral("End Date"));
+  person.Type(QStringLiteral("06302026"));
+  person.Click(QStringLiteral("OK"));
+  EXPECT_FALSE(dialog->isVisible());
+  EXPECT_EQ(s.Shows[1].EndDate, QStringLiteral("06/30/2026"));
+}
+
 TEST_F(ShowsDialogTest, SubEditorsWorkOnTheCurrentShow) {
   Open(1);
   Click("cmdEdit");
-  WhenModal<ChannelPairDialog>([](ChannelPairDialog& pairs) {
+  test::WhenModal([](QDialog& pairs) {
     EXPECT_EQ(pairs.windowTitle(), QStringLiteral("Configure Show Outputs"));
     pairs.findChild<QPushButton*>(QStringLiteral("cmdEdit"))->click();
     pairs.findChild<QComboBox*>(QStringLiteral("cmbLeftChan"))->setCurrentIndex(5);
@@ -260,7 +268,7 @@ TEST_F(ShowsDialogTest, SubEditorsWorkOnTheCurrentShow) {
   EXPECT_EQ(Get<QListWidget>("lstShowDests")->item(0)->data(Qt::UserRole).toString(),
             QStringLiteral("Ch.0000"));
 
-  WhenModal<QDialog>([](QDialog& windows) {
+  test::WhenModal([](QDialog& windows) {
     EXPECT_EQ(windows.windowTitle(), QStringLiteral("Silence Ignore Windows"));
   });
   Click("cmdEditSched");
@@ -273,7 +281,11 @@ TEST_F(ShowsDialogTest, SetupOpensTheEditorAtTheFirstShow) {
   s.SelectedShow = 3;
   SetupDialog setup(s);
   int shown = -1;
-  WhenModal<ShowsDialog>([&](ShowsDialog& editor) { shown = editor.CurrentIndex(); });
+  test::WhenModal([&](QDialog& editor) {
+    if (auto* shows = qobject_cast<ShowsDialog*>(&editor)) {
+      shown = shows->CurrentIndex();
+    }
+  });
   setup.findChild<QPushButton*>(QStringLiteral("cmdConfigShow"))->click();
   EXPECT_EQ(shown, 0);
 }
@@ -300,7 +312,7 @@ TEST_F(ShowsDialogTest, ReplacingTheTableOfAShowOnAirKeepsOneMonitorPerSource) {
 
   Open();
   Click("cmdEdit");
-  Enter(Get<QComboBox>("cmbDownlinkSource")->lineEdit(), QStringLiteral("6"));
+  person.Enter(QStringLiteral("Downlink Source"), QStringLiteral("6"));
   ShowsPass(s);  // the poll timer goes on while the editor is open
   link.wire.clear();
   Click("cmdOk");

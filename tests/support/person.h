@@ -1,0 +1,170 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <QAbstractButton>
+#include <QApplication>
+#include <QComboBox>
+#include <QDialog>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTest>
+#include <QTimer>
+#include <algorithm>
+#include <functional>
+#include <ostream>
+
+// Readable failure messages for texts.
+inline void PrintTo(const QString& text, std::ostream* os) {
+  *os << '"' << text.toStdString() << '"';
+}
+
+namespace zrn::test {
+
+// Drives a window the way an operator does: the window is shown and made active, controls are
+// found by what is written on or beside them, clicks land on the control, and keys go to
+// whatever has the focus, as the keyboard's do.
+class Person {
+ public:
+  // Shows the window and waits until it is the active one, so keys reach its focus widget.
+  void Open(QWidget& window) {
+    window_ = &window;
+    window.show();
+    QApplication::setActiveWindow(&window);
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window)) << qPrintable(window.windowTitle());
+  }
+
+  // The visible control named by caption: the field a label stands for, the first field in a
+  // frame of that title, a button of that text (mnemonic & left out) or tool tip or, failing
+  // those, a list or text box now showing that text. Fails the test when there is none, or
+  // more than one of the first kind that matches.
+  QWidget* Find(const QString& caption) const {
+    if (window_ == nullptr) {
+      ADD_FAILURE() << "no window open";
+      return nullptr;
+    }
+    const auto seen = [](const QWidget* w) { return w->isVisible(); };
+    const std::function<QList<QWidget*>()> kinds[] = {
+        [&] {
+          QList<QWidget*> found;
+          for (QLabel* label : window_->findChildren<QLabel*>()) {
+            if (seen(label) && Plain(label->text()) == caption && label->buddy() != nullptr) {
+              found << label->buddy();
+            }
+          }
+          return found;
+        },
+        [&] {
+          QList<QWidget*> found;
+          for (QGroupBox* frame : window_->findChildren<QGroupBox*>()) {
+            if (seen(frame) && Plain(frame->title()) == caption) {
+              for (QWidget* child : frame->findChildren<QWidget*>()) {
+                if (seen(child) && child->focusPolicy() != Qt::NoFocus &&
+                    child->focusProxy() == nullptr) {
+                  found << child;
+                  break;
+                }
+              }
+            }
+          }
+          return found;
+        },
+        [&] {
+          QList<QWidget*> found;
+          for (QAbstractButton* button : window_->findChildren<QAbstractButton*>()) {
+            if (seen(button) && Plain(button->text()) == caption) {
+              found << button;
+            }
+          }
+          return found;
+        },
+        [&] {
+          QList<QWidget*> found;
+          for (QAbstractButton* button : window_->findChildren<QAbstractButton*>()) {
+            if (seen(button) && button->toolTip() == caption) {
+              found << button;
+            }
+          }
+          return found;
+        },
+        [&] {
+          QList<QWidget*> found;
+          for (QComboBox* list : window_->findChildren<QComboBox*>()) {
+            if (seen(list) && list->currentText() == caption) {
+              found << list;
+            }
+          }
+          for (QLineEdit* box : window_->findChildren<QLineEdit*>()) {
+            if (seen(box) && box->text() == caption && box->focusProxy() == nullptr) {
+              found << box;
+            }
+          }
+          return found;
+        },
+    };
+    for (const auto& kind : kinds) {
+      const QList<QWidget*> found = kind();
+      if (found.size() > 1) {
+        ADD_FAILURE() << found.size() << " controls read \"" << caption.toStdString() << '"';
+      }
+      if (!found.isEmpty()) {
+        return found.front();
+      }
+    }
+    ADD_FAILURE() << "nothing on screen reads \"" << caption.toStdString() << '"';
+    return nullptr;
+  }
+
+  // Clicks near the left edge, inside a check box's box and on a list's text rather than
+  // its arrow. A greyed control fails the test: the click would do nothing.
+  void Click(QWidget* control) const {
+    if (control == nullptr) {
+      return;
+    }
+    EXPECT_TRUE(control->isEnabled()) << qPrintable(control->objectName()) << " is greyed";
+    QTest::mouseClick(control, Qt::LeftButton, {},
+                      QPoint(std::min(8, control->width() / 2), control->height() / 2));
+  }
+  void Click(const QString& caption) const { Click(Find(caption)); }
+
+  // Keys typed at the keyboard: each goes to the widget that has the focus when it is typed.
+  void Type(const QString& keys) const {
+    for (const QChar c : keys) {
+      QWidget* focus = QApplication::focusWidget();
+      ASSERT_NE(focus, nullptr) << "no control has the focus";
+      QTest::keyClicks(focus, QString(c));
+    }
+  }
+  void Press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) const {
+    QWidget* focus = QApplication::focusWidget();
+    ASSERT_NE(focus, nullptr) << "no control has the focus";
+    QTest::keyClick(focus, key, modifiers);
+  }
+  // Clicks into a field, types there and presses Enter.
+  void Enter(const QString& caption, const QString& keys) const {
+    Click(caption);
+    Type(keys);
+    Press(Qt::Key_Return);
+  }
+
+  static QString Plain(QString text) { return text.remove(QLatin1Char('&')); }
+
+ private:
+  QWidget* window_ = nullptr;
+};
+
+// Runs act on the dialog the next exec() shows, once it is up; whatever is still modal after
+// that is closed without a question, so a test never hangs on a dialog left open.
+inline void WhenModal(std::function<void(QDialog&)> act) {
+  QTimer::singleShot(0, [act] {
+    if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
+      act(*dialog);
+    }
+    if (auto* still = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
+      still->done(QDialog::Rejected);
+    }
+  });
+}
+
+}  // namespace zrn::test
