@@ -1,6 +1,5 @@
 #include <QApplication>
 #include <QComboBox>
-#include <QDir>
 #include <QPushButton>
 #include <QTest>
 #include <QTreeWidget>
@@ -9,7 +8,6 @@
 #include "support/person.h"
 #include "support/scripted_prompt.h"
 #include "support/temp_state.h"
-#include "ui/broadcast_style.h"
 #include "ui/channel_pair_dialog.h"
 
 namespace zrn {
@@ -152,17 +150,5 @@ TEST_F(ChannelPairDialogTest, OtherModesCloseAtOnce) {
   EXPECT_EQ(noShow.exec(), QDialog::Rejected);
   EXPECT_FALSE(ErrorLines().isEmpty());
 }
-
-TEST_F(ChannelPairDialogTest, Screenshot) {
-  ApplyBroadcastStyle(*qApp);
-  const QString folder = QCoreApplication::applicationDirPath() + QStringLiteral("/../screenshots");
-  QDir().mkpath(folder);
-  Open(1);
-  Choose(1);
-  Click("cmdEdit");
-  QTest::qWait(50);
-  EXPECT_TRUE(dialog->grab().save(folder + QStringLiteral("/channel_pair_dialog.png")));
-}
-
 }  // namespace
 }  // namespace zrn

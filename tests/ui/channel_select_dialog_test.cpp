@@ -1,5 +1,4 @@
 #include <QApplication>
-#include <QDir>
 #include <QLabel>
 #include <QPushButton>
 #include <QTest>
@@ -10,7 +9,6 @@
 #include "storage/shows_file.h"
 #include "support/fake_link.h"
 #include "support/temp_state.h"
-#include "ui/broadcast_style.h"
 #include "ui/channel_select_dialog.h"
 
 namespace zrn {
@@ -182,16 +180,5 @@ TEST_F(ChannelSelectTest, ReplacingTheTableWhileAShowIsOnAirStrandsNoOutput) {
     EXPECT_EQ(e.Show, kNone);
   }
 }
-
-TEST_F(ChannelSelectTest, Screenshot) {
-  ApplyBroadcastStyle(*qApp);
-  const QString folder = QCoreApplication::applicationDirPath() + QStringLiteral("/../screenshots");
-  QDir().mkpath(folder);
-  Open();
-  Select("lvChannel", {3, 4});
-  QTest::qWait(50);
-  EXPECT_TRUE(dialog->grab().save(folder + QStringLiteral("/channel_select_dialog.png")));
-}
-
 }  // namespace
 }  // namespace zrn

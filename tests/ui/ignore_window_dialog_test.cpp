@@ -1,5 +1,4 @@
 #include <QApplication>
-#include <QDir>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
@@ -8,7 +7,6 @@
 #include "storage/shows_file.h"
 #include "support/scripted_prompt.h"
 #include "support/temp_state.h"
-#include "ui/broadcast_style.h"
 #include "ui/ignore_window_dialog.h"
 
 namespace zrn {
@@ -123,20 +121,5 @@ TEST_F(IgnoreWindowDialogTest, OpensOnlyForAShowOfTheWorkingCopy) {
   EXPECT_EQ(lost.exec(), QDialog::Rejected);
   EXPECT_FALSE(ErrorLines().isEmpty());
 }
-
-TEST_F(IgnoreWindowDialogTest, Screenshot) {
-  ApplyBroadcastStyle(*qApp);
-  const QString folder = QCoreApplication::applicationDirPath() + QStringLiteral("/../screenshots");
-  QDir().mkpath(folder);
-  s.EditShows[1].IgnoreWindows = {{QStringLiteral("07:58:30"), QStringLiteral("08:01:00")},
-                                  {QStringLiteral("12:00:00"), QStringLiteral("12:00:45")}};
-  s.EditShows[1].IgnoreCount = 2;
-  Open();
-  Enter("txtStartTime", QStringLiteral("165930"));
-  Enter("txtEndTime", QStringLiteral("170015"));
-  QTest::qWait(50);
-  EXPECT_TRUE(dialog->grab().save(folder + QStringLiteral("/ignore_window_dialog.png")));
-}
-
 }  // namespace
 }  // namespace zrn

@@ -2,7 +2,6 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDateEdit>
-#include <QDir>
 #include <QGroupBox>
 #include <QLineEdit>
 #include <QListWidget>
@@ -16,7 +15,6 @@
 #include "support/person.h"
 #include "support/scripted_prompt.h"
 #include "support/temp_state.h"
-#include "ui/broadcast_style.h"
 #include "ui/channel_pair_dialog.h"
 #include "ui/setup_dialog.h"
 #include "ui/shows_dialog.h"
@@ -338,31 +336,5 @@ TEST_F(ShowsDialogTest, ReplacingTheTableOfAShowOnAirKeepsOneMonitorPerSource) {
     EXPECT_EQ(e.Source, kNone) << "output " << e.Output << " still held";
   }
 }
-
-TEST_F(ShowsDialogTest, Screenshot) {
-  ApplyBroadcastStyle(*qApp);
-  const QString folder = QCoreApplication::applicationDirPath() + QStringLiteral("/../screenshots");
-  QDir().mkpath(folder);
-  ShowRecord& show = s.Shows[1];
-  show.Name = QStringLiteral("Morning Drive");
-  show.StartTime = QStringLiteral("06:00:00");
-  show.EndTime = QStringLiteral("09:59:59");
-  show.StartDate = QStringLiteral("01/05/2026");
-  show.Days = 31;
-  show.DownlinkSource = 2;
-  show.OutputLeft = {0, 2};
-  show.OutputRight = {1, 3};
-  show.OutputCue = {kNone, 4};
-  show.OutputCount = 2;
-  show.StudioLeft[0].Channel = 6;
-  show.StudioRight[0].Channel = 7;
-  show.IgnoreWindows = {{QStringLiteral("07:58:30"), QStringLiteral("08:01:00")}};
-  show.IgnoreCount = 1;
-  Open(1);
-  Click("cmdEdit");
-  QTest::qWait(50);
-  EXPECT_TRUE(dialog->grab().save(folder + QStringLiteral("/shows_dialog.png")));
-}
-
 }  // namespace
 }  // namespace zrn
