@@ -1,5 +1,6 @@
 #include <QComboBox>
 #include <QDialog>
+#include <QPushButton>
 #include <functional>
 #include <memory>
 
@@ -221,6 +222,12 @@ TEST_P(TypedChannelListTest, TypedNumberAndEnterChooseTheChannelAndEscapeTakesBa
   if (c.undefinedKey) {
     person.Type(QStringLiteral("u"));
     EXPECT_EQ(list->currentText(), QStringLiteral("Undefined"));
+    // Setup has nothing to configure for an undefined output.
+    for (const QPushButton* button : dialog->findChildren<QPushButton*>()) {
+      if (button->text() == QStringLiteral("Configure Silence Detect")) {
+        EXPECT_FALSE(button->isEnabled());
+      }
+    }
     person.Type(c.typed);
     person.Press(Qt::Key_Enter);
     EXPECT_EQ(list->currentText(), c.chosen);
