@@ -36,10 +36,10 @@ bool RoutedNow(const State& s, int output, int source) {
   return route.SourceCount > 0 && route.Sources[0] == source;
 }
 
-void StartSilenceGrace(State& s, int output, int source) {
+bool StartSilenceGrace(State& s, int output, int source) {
   if (output < 0 || output >= std::max<int>(s.SwitcherOutputCount, 0) ||
       RoutedNow(s, output, source)) {
-    return;
+    return false;
   }
   if (static_cast<int>(s.SilenceGraceUntil.size()) <= output) {
     s.SilenceGraceUntil.resize(output + 1);
@@ -54,6 +54,7 @@ void StartSilenceGrace(State& s, int output, int source) {
     }
   }
   s.SilenceGraceUntil[output] = Now(s).addSecs(detect + ret);
+  return true;
 }
 
 void EndSilenceGrace(State& s, int output) {

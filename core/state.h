@@ -329,8 +329,8 @@ QDateTime Now(const State& s);
 
 // Starts the grace of a switcher output (0-based) after the program routed source (0-based)
 // to it: its detect time plus return time, or 8 + 5 seconds when those are not known. A route
-// to the source the switcher already reports there is no change and starts none.
-void StartSilenceGrace(State& s, int output, int source);
+// to the source the switcher already reports there is no change and starts none (false).
+bool StartSilenceGrace(State& s, int output, int source);
 // Whether the switcher reports source (0-based) routed to output (0-based).
 bool RoutedNow(const State& s, int output, int source);
 // Ends the grace early, when the switcher reports a change of state for the output.

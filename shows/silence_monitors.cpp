@@ -41,6 +41,17 @@ quint8 RoleOfStudio(int k) {
   return static_cast<quint8>(2 + k);
 }
 
+// Gives entry the show's detector settings; false when it had them already.
+bool TakeDetectorSettings(SilenceOut& entry, const ShowRecord& show) {
+  const bool changed = entry.DetectLevel != show.DetectLevel ||
+                       entry.DetectTime1 != show.DetectTime1 ||
+                       entry.DetectTime2 != show.DetectTime2;
+  entry.DetectLevel = show.DetectLevel;
+  entry.DetectTime1 = show.DetectTime1;
+  entry.DetectTime2 = show.DetectTime2;
+  return changed;
+}
+
 // Takes entry e for input on behalf of show, or joins the show that already watches input
 // through it; returns the borrowed output.
 qint16 Borrow(State& s, qint16 e, qint16 input, int show, quint8 role) {
@@ -50,9 +61,7 @@ qint16 Borrow(State& s, qint16 e, qint16 input, int show, quint8 role) {
     entry.Source = input;
     entry.Show = static_cast<qint16>(show);
     entry.Role = role;
-    entry.DetectLevel = owner.DetectLevel;
-    entry.DetectTime1 = owner.DetectTime1;
-    entry.DetectTime2 = owner.DetectTime2;
+    TakeDetectorSettings(entry, owner);
     SendSilenceMonitor(s, e);
   }
   // Already routed and configured for the show that holds it; routing it again would only
@@ -67,10 +76,9 @@ qint16 Borrow(State& s, qint16 e, qint16 input, int show, quint8 role) {
 void StartMonitorGrace(State& s, const SilenceOut& entry) {
   // Routed again to what it already carries (a re-send, a handover): the detector's report
   // still describes the right source and a live alarm must stand.
-  if (RoutedNow(s, entry.Output, entry.Source)) {
+  if (!StartSilenceGrace(s, entry.Output, entry.Source)) {
     return;
   }
-  StartSilenceGrace(s, entry.Output, entry.Source);
   // The detector now works with the settings just sent, not with those it reported before.
   const bool known = entry.DetectTime1 >= 1 && entry.DetectTime1 <= 500 && entry.DetectTime2 >= 0 &&
                      entry.DetectTime2 <= 500;
@@ -107,14 +115,9 @@ void ReleaseOutput(State& s, int output) {
     // now with that show's own detector settings.
     if (e != kNone) {
       SilenceOut& entry = s.SilenceOuts[e];
-      const ShowRecord& holder = s.Shows[watcher];
       entry.Show = watcher;
       entry.Role = role;
-      if (entry.DetectLevel != holder.DetectLevel || entry.DetectTime1 != holder.DetectTime1 ||
-          entry.DetectTime2 != holder.DetectTime2) {
-        entry.DetectLevel = holder.DetectLevel;
-        entry.DetectTime1 = holder.DetectTime1;
-        entry.DetectTime2 = holder.DetectTime2;
+      if (TakeDetectorSettings(entry, s.Shows[watcher])) {
         SendShowSilenceConfig(s, e);
       }
     }
