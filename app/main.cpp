@@ -1,5 +1,6 @@
 #include <QApplication>
 
+#include "alerts/alerts.h"
 #include "monitor/main_window.h"
 #include "monitor/monitor.h"
 #include "ui/broadcast_style.h"
@@ -13,7 +14,11 @@ int main(int argc, char** argv) {
   zrn::MainWindow window(monitor);
   zrn::MessageBoxPrompt prompt(&window);
   monitor.state().prompt = &prompt;
+  zrn::Alerts alerts(monitor);
+  window.AttachAlerts(alerts);
   monitor.Start();
+  // After the start-up read, so its file folder is known and its errors reach the error log.
+  alerts.Start();
   window.show();
   return app.exec();
 }

@@ -164,6 +164,8 @@ struct LinkState {
   // Leading bytes of the receive buffer already searched for an end byte without finding one,
   // so a message trickling in byte by byte is not searched again from its start.
   qsizetype eomSearchedBytes = 0;
+  // Messages and keep-alive bytes taken from the switcher since start, for the status endpoint.
+  quint64 messagesDecoded = 0;
   // Per message type; an empty entry drops the message.
   std::array<MessageHandler, 256> handlers;
 };

@@ -22,16 +22,6 @@ int PanelledOutputs(const State& s) {
   return std::min(WatchedCount(s), static_cast<int>(s.panels.outputs.size()));
 }
 
-bool OutputInAlarm(const State& s, int index) {
-  const OutputEntry& entry = s.Outputs[index];
-  return s.panels.outputs[index].lamp == kLampRed && entry.AlarmState == 0 && !entry.AlarmCanceled;
-}
-
-bool ShowInAlarm(const ShowRecord& show) {
-  return show.Alarm == 1 && !show.AlarmCanceled && !show.AlarmSuppressed &&
-         show.DownlinkMonitor != kNone;
-}
-
 // The active shows that name a show of the table.
 template <class Visit>
 void ForEachActiveShow(const State& s, Visit&& visit) {
@@ -87,6 +77,16 @@ void ReleaseStrayRelay(State& s, bool usable) {
 }
 
 }  // namespace
+
+bool OutputInAlarm(const State& s, int index) {
+  const OutputEntry& entry = s.Outputs[index];
+  return s.panels.outputs[index].lamp == kLampRed && entry.AlarmState == 0 && !entry.AlarmCanceled;
+}
+
+bool ShowInAlarm(const ShowRecord& show) {
+  return show.Alarm == 1 && !show.AlarmCanceled && !show.AlarmSuppressed &&
+         show.DownlinkMonitor != kNone;
+}
 
 int RelayTableSize(const State& s) {
   // Until the relay names arrive the table holds no reported state, so no relay is known.

@@ -9,6 +9,11 @@ int RelayTableSize(const State& s);
 // AlarmRelay names a relay of that table; one beyond it counts as none.
 bool AlarmRelayUsable(const State& s);
 
+// Whether watched output index's silence holds the relay: a red lamp neither acknowledged nor
+// cancelled.
+bool OutputInAlarm(const State& s, int index);
+// Whether an active show's silence holds the relay: in alarm, not cancelled, not suppressed.
+bool ShowInAlarm(const ShowRecord& show);
 // Whether the loss alarm wants the relay latched: in output mode a red lamp that was neither
 // acknowledged nor cancelled; in show mode an active show in alarm, not cancelled and not
 // suppressed.

@@ -15,6 +15,7 @@
 #include <QStyledItemDelegate>
 #include <algorithm>
 
+#include "alerts/alerts.h"
 #include "monitor/alarm_controls_widget.h"
 #include "monitor/menu_commands.h"
 #include "monitor/monitor.h"
@@ -23,11 +24,13 @@
 #include "shows/show_status.h"
 #include "storage/shows_file.h"
 #include "ui/about_dialog.h"
+#include "ui/alerts_dialog.h"
 #include "ui/schedule_dialog.h"
 #include "ui/setup_dialog.h"
 #include "ui/show_silence_status_dialog.h"
 #include "ui/shows_dialog.h"
 #include "ui/silence_detect_dialog.h"
+#include "window/desktop_alerts.h"
 
 namespace zrn {
 
@@ -128,12 +131,25 @@ MainWindow::MainWindow(Monitor& monitor, QWidget* parent) : QMainWindow(parent),
   Refresh();
 }
 
+void MainWindow::AttachAlerts(Alerts& alerts) {
+  auto* action = new QAction(QStringLiteral("&Alerts..."), fileMenu_);
+  connect(action, &QAction::triggered, this, [this, &alerts] {
+    monitor_.Run("Error in Alerts", [this, &alerts] {
+      AlertsDialog dialog(alerts, monitor_.state(), this);
+      dialog.exec();
+    });
+  });
+  fileMenu_->insertAction(printAction_, action);
+  desktop_ = new DesktopAlerts(alerts, this);
+}
+
 QPushButton* MainWindow::CancelButton() const {
   return alarm_->CancelButton();
 }
 
 void MainWindow::BuildMenus() {
   QMenu* file = menuBar()->addMenu(QStringLiteral("&File"));
+  fileMenu_ = file;
   file->addAction(QStringLiteral("Set&up"), this, [this] {
     monitor_.Run("Error in Setup", [this] {
       State& s = monitor_.state();
@@ -153,7 +169,7 @@ void MainWindow::BuildMenus() {
       dialog.exec();
     });
   });
-  file->addAction(QStringLiteral("&Print Show List to Text File"), this, [this] {
+  printAction_ = file->addAction(QStringLiteral("&Print Show List to Text File"), this, [this] {
     monitor_.Run("Error Saving Shows to text file", [this] { PrintShows(monitor_.state()); });
   });
   file->addAction(QStringLiteral("Toggle &View"), this, [this] { monitor_.ToggleView(); });

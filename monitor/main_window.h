@@ -12,6 +12,8 @@ class QScrollArea;
 namespace zrn {
 
 class AlarmControlsWidget;
+class Alerts;
+class DesktopAlerts;
 class Monitor;
 class PanelCanvasWidget;
 
@@ -36,6 +38,9 @@ class MainWindow final : public QMainWindow {
   QLabel* StatusText() const { return status_; }
   // Files the program could not use, beside the link state.
   QLabel* FileNotice() const { return notice_; }
+  // Adds File > Alerts... and the desktop's alerts (tray, notifications, title, tone).
+  void AttachAlerts(Alerts& alerts);
+  DesktopAlerts* Desktop() const { return desktop_; }
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -58,6 +63,9 @@ class MainWindow final : public QMainWindow {
   QListWidget* history_ = nullptr;
   QLabel* status_ = nullptr;
   QLabel* notice_ = nullptr;
+  QMenu* fileMenu_ = nullptr;
+  QAction* printAction_ = nullptr;
+  DesktopAlerts* desktop_ = nullptr;
   QMenu* panelMenu_ = nullptr;
   QAction* enableAction_ = nullptr;
   QSize lastWindowSize_;

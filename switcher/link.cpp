@@ -80,6 +80,7 @@ void ProcessFront(State& s) {
     }
 
     const auto type = static_cast<quint8>(buffer[0]);
+    ++s.linkState.messagesDecoded;
     if (type == 0xF5) {
       Consume(s, 1);
       s.linkState.NoResponseCount = 0;

@@ -13,6 +13,10 @@
 #include <QTest>
 #include <QTimer>
 
+#include <QSettings>
+#include <QSystemTrayIcon>
+
+#include "alerts/alerts.h"
 #include "monitor/alarm_controls_widget.h"
 #include "monitor/loss_alarm.h"
 #include "monitor/main_window.h"
@@ -20,8 +24,11 @@
 #include "monitor/panel_canvas_widget.h"
 #include "monitor/panel_update.h"
 #include "support/bytes.h"
+#include "support/person.h"
+#include "support/scripted_prompt.h"
 #include "support/temp_state.h"
 #include "ui/broadcast_style.h"
+#include "window/desktop_alerts.h"
 
 namespace zrn {
 namespace {
@@ -426,6 +433,87 @@ TEST_F(MainWindowTest, SetupCancelKeepsEachPanelOnItsOutput) {
   EXPECT_EQ(s.panels.outputs[0].lamp, kLampYellow);
   EXPECT_TRUE(s.MessageRows.join(QLatin1Char('\n'))
                   .contains(QStringLiteral("[0001] Loss Alarm Canceled - User")));
+}
+
+// File > Alerts... as an operator fills it in, then a silence as the desktop shows it: title,
+// tray lamp and summary, a notification and the tone, all ended by the acknowledgement.
+TEST_F(MainWindowTest, AlertsReachTheDesktopUntilAcknowledged) {
+  StartWith(QStringLiteral("Normal"), 3);
+  State& s = monitor->state();
+  test::ScriptedPrompt prompt;
+  s.prompt = &prompt;
+  {
+    QSettings ini(dir.path() + QStringLiteral("/ZRNAlerts.ini"), QSettings::IniFormat);
+    ini.setValue(QStringLiteral("Status/Port"), 0);  // any free port
+  }
+  Alerts alerts(*monitor);
+  window->AttachAlerts(alerts);
+  alerts.Start();
+  DesktopAlerts* desktop = window->Desktop();
+  ASSERT_NE(desktop, nullptr);
+  EXPECT_EQ(window->windowTitle(), QStringLiteral("ZRN Pennaro"));
+
+  QAction* item = nullptr;
+  for (QAction* menu : window->menuBar()->actions()) {
+    for (QAction* action : menu->menu()->actions()) {
+      item = action->text() == QStringLiteral("&Alerts...") ? action : item;
+    }
+  }
+  ASSERT_NE(item, nullptr) << "File > Alerts...";
+  bool driven = false;
+  QTimer::singleShot(0, [&] {
+    auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+    ASSERT_NE(dialog, nullptr);
+    test::Person person;
+    person.Open(*dialog);
+    person.Click(QStringLiteral("Sound until acknowledged"));
+    // Another address without a token is refused and the dialog stays.
+    person.Click(QStringLiteral("Address"));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_A, Qt::ControlModifier);
+    person.Type(QStringLiteral("0.0.0.0"));
+    person.Click(QStringLiteral("OK"));
+    EXPECT_EQ(prompt.informed.value(0),
+              QStringLiteral("Status endpoint on 0.0.0.0 needs a token."));
+    EXPECT_TRUE(dialog->isVisible());
+    person.Click(QStringLiteral("Address"));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_A, Qt::ControlModifier);
+    person.Type(QStringLiteral("127.0.0.1"));
+    person.Click(QStringLiteral("OK"));
+    EXPECT_FALSE(dialog->isVisible());
+    driven = true;
+  });
+  item->trigger();
+  ASSERT_TRUE(driven);
+  {
+    const QSettings ini(dir.path() + QStringLiteral("/ZRNAlerts.ini"), QSettings::IniFormat);
+    EXPECT_TRUE(ini.value(QStringLiteral("Desktop/Sound")).toBool());
+    EXPECT_TRUE(ini.value(QStringLiteral("Desktop/TrayIcon")).toBool());
+    EXPECT_EQ(ini.value(QStringLiteral("Status/Address")).toString(), QStringLiteral("127.0.0.1"));
+  }
+  EXPECT_NE(alerts.EndpointPort(), 0) << "the endpoint listens again on a free port";
+
+  const auto trayPixel = [&] {
+    return desktop->Tray()->icon().pixmap(32, 32).toImage().pixelColor(16, 16).name();
+  };
+  EXPECT_EQ(trayPixel(), QStringLiteral("#00ff00"));
+  SetSilent({3}, 1);
+  EXPECT_EQ(window->windowTitle(), QStringLiteral("ALARM - ZRN Pennaro"));
+  EXPECT_EQ(trayPixel(), QStringLiteral("#ff0000"));
+  EXPECT_EQ(desktop->Tray()->toolTip(), QStringLiteral("ZRN Pennaro\n1 output silent: Studio 3"));
+  EXPECT_EQ(desktop->Notifications().value(0),
+            QStringLiteral("Loss alarm: Studio 3 (output 3) is silent"));
+  EXPECT_TRUE(desktop->TonePlaying());
+
+  SetSilent({1}, 1);
+  EXPECT_EQ(desktop->Tray()->toolTip(),
+            QStringLiteral("ZRN Pennaro\n2 outputs silent: Out 0001, Studio 3"));
+  ClickPanel(0);
+  ClickPanel(2);
+  EXPECT_EQ(window->windowTitle(), QStringLiteral("ZRN Pennaro"));
+  EXPECT_EQ(trayPixel(), QStringLiteral("#ffff00"));
+  EXPECT_FALSE(desktop->TonePlaying()) << "the tone ends with the acknowledgement";
+  EXPECT_EQ(desktop->Notifications().size(), 2);
+  s.prompt = nullptr;
 }
 
 TEST(WindowSize, OpensAtTheViewsSizeWhereTheScreenHoldsIt) {

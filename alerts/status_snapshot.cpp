@@ -1,0 +1,253 @@
+#include "alerts/status_snapshot.h"
+
+#include <QJsonArray>
+#include <algorithm>
+
+#include "core/state.h"
+#include "monitor/loss_alarm.h"
+#include "monitor/output_panels.h"
+#include "monitor/panel_update.h"
+#include "shows/show_panels.h"
+
+namespace zrn {
+
+namespace {
+
+constexpr int kMessagesShown = 20;
+
+// Label values may hold anything a switcher names a channel; the format escapes three characters.
+QString LabelValue(const QString& text) {
+  QString out;
+  out.reserve(text.size());
+  for (const QChar c : text) {
+    if (c == QLatin1Char('\\')) {
+      out += QLatin1String("\\\\");
+    } else if (c == QLatin1Char('"')) {
+      out += QLatin1String("\\\"");
+    } else if (c == QLatin1Char('\n')) {
+      out += QLatin1String("\\n");
+    } else {
+      out += c;
+    }
+  }
+  return out;
+}
+
+class Exposition {
+ public:
+  void Family(const char* name, const char* type, const char* help) {
+    text_ += QStringLiteral("# HELP %1 %2\n# TYPE %1 %3\n")
+                 .arg(QLatin1String(name), QLatin1String(help), QLatin1String(type));
+  }
+  void Sample(const char* name, const QString& labels, double value) {
+    text_ += QLatin1String(name);
+    if (!labels.isEmpty()) {
+      text_ += QLatin1Char('{') + labels + QLatin1Char('}');
+    }
+    text_ += QLatin1Char(' ') + QString::number(value, 'g', 12) + QLatin1Char('\n');
+  }
+  QByteArray Bytes() const { return text_.toUtf8(); }
+
+ private:
+  QString text_;
+};
+
+QString OutputLabels(const OutputStatus& o) {
+  return QStringLiteral("panel=\"%1\",output=\"%2\",name=\"%3\"")
+      .arg(LabelValue(o.panel))
+      .arg(o.output)
+      .arg(LabelValue(o.name));
+}
+
+}  // namespace
+
+QString LampName(const Rgb& c) {
+  if (c == kLampGreen) {
+    return QStringLiteral("green");
+  }
+  if (c == kLampRed) {
+    return QStringLiteral("red");
+  }
+  if (c == kLampYellow) {
+    return QStringLiteral("yellow");
+  }
+  if (c == kLampCyan) {
+    return QStringLiteral("cyan");
+  }
+  return QStringLiteral("grey");
+}
+
+StatusSnapshot TakeStatusSnapshot(const State& s, const AlertCounters& counters) {
+  StatusSnapshot snap;
+  snap.time = Now(s);
+  snap.linkUp = s.Connected;
+  snap.exchangeComplete = s.Connected && s.linkState.ExchangeComplete;
+  snap.address = s.ServerAddress;
+  snap.port = s.ServerPort;
+  snap.statusBar = s.StatusBarText;
+  snap.showMode = s.ProgramMode == 1;
+  snap.largeView = s.LargeViewActive;
+  if (AlarmRelayUsable(s)) {
+    snap.relay = s.AlarmRelay;
+    snap.relayName =
+        s.AlarmRelay - 1 < s.RelayNames.size() ? s.RelayNames[s.AlarmRelay - 1] : QString();
+    snap.relayReported = s.RelayStates[s.AlarmRelay - 1] == 1;
+  }
+  snap.relayWanted = s.lossAlarm.wantedRelay != kNone;
+  snap.alarmLamp = LampName(s.panels.window.alarmLampColour);
+
+  const int outputs = std::min(WatchedCount(s), static_cast<int>(s.panels.outputs.size()));
+  snap.outputs.reserve(outputs);
+  for (int i = 0; i < outputs; ++i) {
+    const OutputEntry& entry = s.Outputs[i];
+    const OutputPanelModel& panel = s.panels.outputs[i];
+    OutputStatus o;
+    o.panel = panel.position;
+    o.output = entry.Output == kNone ? 0 : entry.Output;
+    o.name = PanelName(s, entry);
+    o.nameLine = panel.nameLine;
+    o.channelLine = panel.channelLine;
+    o.toolTip = panel.toolTip;
+    o.lamp = LampName(panel.lamp);
+    o.silent = panel.lamp == kLampRed || panel.lamp == kLampYellow;
+    o.inAlarm = OutputInAlarm(s, i);
+    o.acknowledged = panel.lamp == kLampYellow;
+    o.canceled = entry.AlarmCanceled && panel.lamp == kLampRed;
+    o.monitoring = entry.MonitoringEnabled;
+    snap.outputs.push_back(std::move(o));
+  }
+
+  const int shows = std::clamp<int>(s.ShowCount, 0, static_cast<int>(s.Shows.size()));
+  const int active = std::min(ActiveShowsListed(s), static_cast<int>(s.panels.shows.size()));
+  for (int p = 0; p < active; ++p) {
+    const qint16 index = s.ActiveShows[p];
+    if (index < 0 || index >= shows) {
+      continue;
+    }
+    const ShowPanelModel& panel = s.panels.shows[p];
+    ShowStatus show;
+    show.name = s.Shows[index].Name;
+    show.outputs = panel.outputsText;
+    show.source = panel.sourceText;
+    show.indicator = LampName(panel.indicatorColour);
+    show.inAlarm = ShowInAlarm(s.Shows[index]);
+    snap.shows.push_back(std::move(show));
+  }
+
+  const int rows = static_cast<int>(s.MessageRows.size());
+  snap.messages = s.MessageRows.mid(std::max(0, rows - kMessagesShown));
+  snap.counters = counters;
+  return snap;
+}
+
+QByteArray MetricsText(const StatusSnapshot& snap) {
+  Exposition m;
+  m.Family("zrn_link_up", "gauge", "Whether the TCP link to the switcher is connected.");
+  m.Sample("zrn_link_up", {}, snap.linkUp ? 1 : 0);
+  m.Family("zrn_exchange_complete", "gauge",
+           "Whether the start-up exchange of the present connection has completed.");
+  m.Sample("zrn_exchange_complete", {}, snap.exchangeComplete ? 1 : 0);
+  m.Family("zrn_last_message_age_seconds", "gauge",
+           "Seconds since the last message from the switcher.");
+  m.Sample("zrn_last_message_age_seconds", {}, snap.counters.lastMessageAgeSeconds);
+
+  struct OutputFact {
+    const char* name;
+    const char* help;
+    bool OutputStatus::*flag;
+  };
+  const OutputFact facts[] = {
+      {"zrn_output_silent", "Whether the watched output is silent (lamp red or yellow).",
+       &OutputStatus::silent},
+      {"zrn_output_in_alarm", "Whether the watched output's silence holds the alarm relay.",
+       &OutputStatus::inAlarm},
+      {"zrn_output_acknowledged", "Whether the watched output's silence was acknowledged.",
+       &OutputStatus::acknowledged},
+      {"zrn_output_monitoring", "Whether monitoring of the watched output is on.",
+       &OutputStatus::monitoring},
+  };
+  for (const OutputFact& fact : facts) {
+    m.Family(fact.name, "gauge", fact.help);
+    for (const OutputStatus& o : snap.outputs) {
+      m.Sample(fact.name, OutputLabels(o), o.*fact.flag ? 1 : 0);
+    }
+  }
+
+  const QString relay =
+      QStringLiteral("relay=\"%1\",name=\"%2\"").arg(snap.relay).arg(LabelValue(snap.relayName));
+  m.Family("zrn_relay_wanted", "gauge", "Whether the loss alarm wants the alarm relay latched.");
+  m.Sample("zrn_relay_wanted", relay, snap.relayWanted ? 1 : 0);
+  m.Family("zrn_relay_reported", "gauge", "Whether the switcher reports the alarm relay latched.");
+  m.Sample("zrn_relay_reported", relay, snap.relayReported ? 1 : 0);
+
+  m.Family("zrn_show_in_alarm", "gauge", "Whether the active show's downlink is in alarm.");
+  for (const ShowStatus& show : snap.shows) {
+    m.Sample("zrn_show_in_alarm", QStringLiteral("show=\"%1\"").arg(LabelValue(show.name)),
+             show.inAlarm ? 1 : 0);
+  }
+
+  m.Family("zrn_alarms_raised_total", "counter", "Loss and show alarms raised since start.");
+  m.Sample("zrn_alarms_raised_total", {}, static_cast<double>(snap.counters.alarmsRaised));
+  m.Family("zrn_messages_decoded_total", "counter",
+           "Messages decoded from the switcher since start.");
+  m.Sample("zrn_messages_decoded_total", {}, static_cast<double>(snap.counters.messagesDecoded));
+  m.Family("zrn_webhook_queued", "gauge", "Webhook events waiting to be delivered.");
+  m.Sample("zrn_webhook_queued", {}, snap.counters.webhookQueued);
+  m.Family("zrn_webhook_dropped_total", "counter",
+           "Webhook events dropped because the queue was full.");
+  m.Sample("zrn_webhook_dropped_total", {}, static_cast<double>(snap.counters.webhookDropped));
+  return m.Bytes();
+}
+
+QJsonObject StatusJson(const StatusSnapshot& snap) {
+  QJsonArray outputs;
+  for (const OutputStatus& o : snap.outputs) {
+    outputs.append(QJsonObject{{QStringLiteral("panel"), o.panel},
+                               {QStringLiteral("output"), o.output},
+                               {QStringLiteral("name"), o.name},
+                               {QStringLiteral("nameLine"), o.nameLine},
+                               {QStringLiteral("channelLine"), o.channelLine},
+                               {QStringLiteral("toolTip"), o.toolTip},
+                               {QStringLiteral("lamp"), o.lamp},
+                               {QStringLiteral("silent"), o.silent},
+                               {QStringLiteral("inAlarm"), o.inAlarm},
+                               {QStringLiteral("acknowledged"), o.acknowledged},
+                               {QStringLiteral("canceled"), o.canceled},
+                               {QStringLiteral("monitoring"), o.monitoring}});
+  }
+  QJsonArray shows;
+  for (const ShowStatus& show : snap.shows) {
+    shows.append(QJsonObject{{QStringLiteral("name"), show.name},
+                             {QStringLiteral("outputs"), show.outputs},
+                             {QStringLiteral("source"), show.source},
+                             {QStringLiteral("indicator"), show.indicator},
+                             {QStringLiteral("inAlarm"), show.inAlarm}});
+  }
+  const AlertCounters& c = snap.counters;
+  return QJsonObject{
+      {QStringLiteral("time"), snap.time.toString(Qt::ISODate)},
+      {QStringLiteral("link"),
+       QJsonObject{{QStringLiteral("up"), snap.linkUp},
+                   {QStringLiteral("exchangeComplete"), snap.exchangeComplete},
+                   {QStringLiteral("address"), snap.address},
+                   {QStringLiteral("port"), snap.port},
+                   {QStringLiteral("lastMessageAgeSeconds"), c.lastMessageAgeSeconds}}},
+      {QStringLiteral("statusBar"), snap.statusBar},
+      {QStringLiteral("mode"), snap.showMode ? QStringLiteral("shows") : QStringLiteral("outputs")},
+      {QStringLiteral("view"), snap.largeView ? QStringLiteral("large") : QStringLiteral("normal")},
+      {QStringLiteral("alarmLamp"), snap.alarmLamp},
+      {QStringLiteral("relay"), QJsonObject{{QStringLiteral("number"), snap.relay},
+                                            {QStringLiteral("name"), snap.relayName},
+                                            {QStringLiteral("wanted"), snap.relayWanted},
+                                            {QStringLiteral("reported"), snap.relayReported}}},
+      {QStringLiteral("outputs"), outputs},
+      {QStringLiteral("shows"), shows},
+      {QStringLiteral("messages"), QJsonArray::fromStringList(snap.messages)},
+      {QStringLiteral("counters"),
+       QJsonObject{{QStringLiteral("alarmsRaised"), static_cast<double>(c.alarmsRaised)},
+                   {QStringLiteral("messagesDecoded"), static_cast<double>(c.messagesDecoded)},
+                   {QStringLiteral("webhookQueued"), c.webhookQueued},
+                   {QStringLiteral("webhookDropped"), static_cast<double>(c.webhookDropped)}}}};
+}
+
+}  // namespace zrn

@@ -1,0 +1,355 @@
+#include <QAbstractHttpServer>
+#include <QFile>
+#include <QHttpServerRequest>
+#include <QHttpServerResponder>
+#include <QImage>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QSettings>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+
+#include "alerts/alerts.h"
+#include "alerts/status_server.h"
+#include "e2e/sim_process.h"
+#include "monitor/monitor.h"
+#include "monitor/panel_models.h"
+#include "storage/logs.h"
+#include "support/temp_state.h"
+
+namespace zrn {
+namespace {
+
+using test::FreePort;
+using test::SimProcess;
+
+struct Reply {
+  int status = 0;
+  QByteArray body;
+};
+
+Reply Fetch(quint16 port, const QString& path, const QByteArray& authorization = {},
+            const QByteArray& verb = "GET") {
+  static QNetworkAccessManager net;
+  QNetworkRequest request(QUrl(QStringLiteral("http://127.0.0.1:%1%2").arg(port).arg(path)));
+  if (!authorization.isEmpty()) {
+    request.setRawHeader("Authorization", authorization);
+  }
+  QNetworkReply* reply = net.sendCustomRequest(request, verb);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return reply->isFinished(); }, 5000));
+  Reply r{reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(), reply->readAll()};
+  reply->deleteLater();
+  return r;
+}
+
+// The value of the one sample whose line starts with prefix, or -1.
+double Sample(const QByteArray& metrics, const QString& prefix) {
+  for (const QString& line : QString::fromUtf8(metrics).split(QLatin1Char('\n'))) {
+    if (line.startsWith(prefix)) {
+      return line.section(QLatin1Char(' '), -1).toDouble();
+    }
+  }
+  return -1;
+}
+
+// What promtool says about an exposition; empty when it passes.
+QString PromtoolCheckMetrics(const QByteArray& metrics) {
+  QProcess promtool;
+  promtool.start(QStringLiteral("promtool"), {QStringLiteral("check"), QStringLiteral("metrics")});
+  if (!promtool.waitForStarted(5000)) {
+    return QStringLiteral("promtool did not start (scripts/setup installs it)");
+  }
+  promtool.write(metrics);
+  promtool.closeWriteChannel();
+  promtool.waitForFinished(10000);
+  const QString said =
+      QString::fromUtf8(promtool.readAllStandardOutput() + promtool.readAllStandardError());
+  return promtool.exitCode() == 0 ? QString()
+                                  : said + QStringLiteral(" (exit %1)").arg(promtool.exitCode());
+}
+
+// A chat or paging system's webhook, recording what it is sent.
+class Receiver final : public QAbstractHttpServer {
+ public:
+  struct Delivery {
+    QJsonObject event;
+    QByteArray body;
+    QByteArray signature;
+  };
+  std::vector<Delivery> got;
+
+  QStringList Kinds() const {
+    QStringList kinds;
+    for (const Delivery& d : got) {
+      kinds << d.event.value(QStringLiteral("event")).toString() + QLatin1Char(' ') +
+                   d.event.value(QStringLiteral("panel")).toString() +
+                   (d.event.contains(QStringLiteral("on"))
+                        ? (d.event.value(QStringLiteral("on")).toBool() ? QStringLiteral("on")
+                                                                        : QStringLiteral("off"))
+                        : QString());
+    }
+    return kinds;
+  }
+
+ protected:
+  bool handleRequest(const QHttpServerRequest& request, QTcpSocket* socket) override {
+    got.push_back({QJsonDocument::fromJson(request.body()).object(), request.body(),
+                   request.value("X-ZRN-Signature")});
+    makeResponder(request, socket).write(QHttpServerResponder::StatusCode::NoContent);
+    return true;
+  }
+  void missingHandler(const QHttpServerRequest&, QTcpSocket*) override {}
+};
+
+// The whole monitor with its alerts against the simulator in its own process.
+class AlertsWithSim : public ::testing::Test {
+ protected:
+  void Launch(quint16 hookPort) {
+    ASSERT_TRUE(dir.isValid());
+    port = FreePort();
+    sim = std::make_unique<SimProcess>(port);
+    ASSERT_TRUE(sim->Start()) << "zrn-switcher-sim did not start";
+    ASSERT_TRUE(test::WriteMonitorConfig(dir.path(), port, 4));
+    {
+      QSettings ini(dir.path() + QStringLiteral("/ZRNAlerts.ini"), QSettings::IniFormat);
+      ini.setValue(QStringLiteral("Status/Port"), 0);
+      ini.setValue(QStringLiteral("Webhook/Url"),
+                   QStringLiteral("http://127.0.0.1:%1/hook").arg(hookPort));
+      ini.setValue(QStringLiteral("Webhook/Secret"), QStringLiteral("studio-secret"));
+      ini.setValue(QStringLiteral("Webhook/MaxRetrySeconds"), 2);
+    }
+    monitor = std::make_unique<Monitor>(dir.path() + QLatin1Char('/'));
+    alerts = std::make_unique<Alerts>(*monitor);
+    monitor->Start();
+    alerts->Start();
+    ASSERT_NE(alerts->EndpointPort(), 0);
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] {
+          return monitor->state().linkState.ExchangeComplete && monitor->state().requests.Req1 == 0;
+        },
+        10000));
+    ASSERT_TRUE(LampBecomes(1, kLampGreen));
+  }
+
+  bool LampBecomes(int panel, const Rgb& colour) {
+    return QTest::qWaitFor([&] { return monitor->state().panels.outputs[panel].lamp == colour; },
+                           10000);
+  }
+
+  QByteArray Metrics() { return Fetch(alerts->EndpointPort(), QStringLiteral("/metrics")).body; }
+
+  QTemporaryDir dir;
+  quint16 port = 0;
+  std::unique_ptr<SimProcess> sim;
+  std::unique_ptr<Monitor> monitor;
+  std::unique_ptr<Alerts> alerts;
+};
+
+const QString kSilent2 = QStringLiteral("zrn_output_silent{panel=\"02\",output=\"2\",");
+const QString kAlarm2 = QStringLiteral("zrn_output_in_alarm{panel=\"02\",output=\"2\",");
+
+TEST_F(AlertsWithSim, MetricsStatusPageAndWebhookFollowASilence) {
+  Receiver hook;
+  const quint16 hookPort = hook.listen(QHostAddress::LocalHost);
+  Launch(hookPort);
+  const State& s = monitor->state();
+
+  QByteArray metrics = Metrics();
+  EXPECT_EQ(PromtoolCheckMetrics(metrics), QString());
+  EXPECT_EQ(Sample(metrics, QStringLiteral("zrn_link_up ")), 1);
+  EXPECT_EQ(Sample(metrics, kSilent2), 0);
+  EXPECT_EQ(Sample(metrics, QStringLiteral("zrn_alarms_raised_total ")), 0);
+  EXPECT_GT(Sample(metrics, QStringLiteral("zrn_messages_decoded_total ")), 10);
+
+  sim->Command(QStringLiteral("input 2 silent"));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return Sample(Metrics(), kAlarm2) == 1; }, 10000));
+  ASSERT_TRUE(QTest::qWaitFor(
+      [&] { return Sample(Metrics(), QStringLiteral("zrn_relay_reported{relay=\"1\"")) == 1; },
+      5000));
+  metrics = Metrics();
+  EXPECT_EQ(PromtoolCheckMetrics(metrics), QString());
+  EXPECT_EQ(Sample(metrics, kSilent2), 1);
+  EXPECT_EQ(Sample(metrics, QStringLiteral("zrn_relay_wanted{relay=\"1\"")), 1);
+  EXPECT_EQ(Sample(metrics, QStringLiteral("zrn_alarms_raised_total ")), 1);
+  EXPECT_EQ(Sample(metrics, QStringLiteral("zrn_output_silent{panel=\"01\"")), 0);
+
+  // The JSON carries what each panel shows.
+  const QJsonObject status =
+      QJsonDocument::fromJson(Fetch(alerts->EndpointPort(), QStringLiteral("/api/status")).body)
+          .object();
+  const QJsonArray outputs = status.value(QStringLiteral("outputs")).toArray();
+  ASSERT_EQ(outputs.size(), 4);
+  const char* const lampNames[] = {"green", "red"};
+  for (int i = 0; i < 4; ++i) {
+    const QJsonObject o = outputs[i].toObject();
+    const OutputPanelModel& panel = s.panels.outputs[i];
+    EXPECT_EQ(o.value(QStringLiteral("panel")).toString(), panel.position);
+    EXPECT_EQ(o.value(QStringLiteral("toolTip")).toString(), panel.toolTip);
+    EXPECT_EQ(o.value(QStringLiteral("nameLine")).toString(), panel.nameLine);
+    EXPECT_EQ(o.value(QStringLiteral("channelLine")).toString(), panel.channelLine);
+    EXPECT_EQ(o.value(QStringLiteral("lamp")).toString(),
+              QLatin1String(lampNames[panel.lamp == kLampRed]));
+  }
+  EXPECT_EQ(outputs[1].toObject().value(QStringLiteral("lamp")).toString(), QStringLiteral("red"));
+  EXPECT_EQ(status.value(QStringLiteral("statusBar")).toString(), s.StatusBarText);
+
+  // The status page as a browser draws it: the silent output's lamp is red.
+  const QString chromium = QStandardPaths::findExecutable(QStringLiteral("chromium"));
+  ASSERT_FALSE(chromium.isEmpty()) << "chromium is missing (scripts/setup installs it)";
+  QTemporaryDir shots;
+  const QString png = qEnvironmentVariableIsSet("ZRN_STATUS_PAGE_SHOT")
+                          ? qEnvironmentVariable("ZRN_STATUS_PAGE_SHOT")
+                          : shots.path() + QStringLiteral("/status.png");
+  const QString url = QStringLiteral("http://127.0.0.1:%1/").arg(alerts->EndpointPort());
+  const QStringList common{QStringLiteral("--headless"),
+                           QStringLiteral("--no-sandbox"),
+                           QStringLiteral("--disable-gpu"),
+                           QStringLiteral("--user-data-dir=") + shots.path(),
+                           QStringLiteral("--virtual-time-budget=3000"),
+                           QStringLiteral("--window-size=900,520")};
+  const auto browse = [&](const QStringList& what) {
+    QProcess browser;
+    browser.start(chromium, common + what + QStringList{url});
+    // The page asks this process for its data, so the event loop runs while the browser does.
+    EXPECT_TRUE(QTest::qWaitFor([&] { return browser.state() == QProcess::NotRunning; }, 60000));
+    return browser.readAllStandardOutput();
+  };
+  const QString dom = QString::fromUtf8(browse({QStringLiteral("--dump-dom")}));
+  const QRegularExpression panel2(QStringLiteral("id=\"output-02\"[^>]*>.*?class=\"lamp (\\w+)\""));
+  EXPECT_EQ(panel2.match(dom).captured(1), QStringLiteral("red")) << dom.left(400).toStdString();
+  EXPECT_EQ(QRegularExpression(QStringLiteral("id=\"output-01\"[^>]*>.*?class=\"lamp (\\w+)\""))
+                .match(dom)
+                .captured(1),
+            QStringLiteral("green"));
+  browse({QStringLiteral("--screenshot=") + png});
+  const QImage shot(png);
+  ASSERT_FALSE(shot.isNull());
+  int red = 0;
+  for (int y = 0; y < shot.height(); y += 2) {
+    for (int x = 0; x < shot.width(); x += 2) {
+      red += shot.pixelColor(x, y) == QColor(255, 0, 0) ? 1 : 0;
+    }
+  }
+  EXPECT_GT(red, 50) << "a red lamp is on the page";
+
+  sim->Command(QStringLiteral("input 2 audio"));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return Sample(Metrics(), kSilent2) == 0; }, 10000));
+  ASSERT_TRUE(QTest::qWaitFor(
+      [&] { return Sample(Metrics(), QStringLiteral("zrn_relay_reported{relay=\"1\"")) == 0; },
+      5000));
+  EXPECT_EQ(Sample(Metrics(), kAlarm2), 0);
+
+  // The webhook saw each event once, in order, signed.
+  ASSERT_TRUE(QTest::qWaitFor([&] { return hook.got.size() >= 5; }, 5000));
+  EXPECT_EQ(
+      hook.Kinds(),
+      (QStringList{QStringLiteral("link_returned "), QStringLiteral("output_alarm_raised 02"),
+                   QStringLiteral("relay_changed on"), QStringLiteral("output_alarm_ended 02"),
+                   QStringLiteral("relay_changed off")}));
+  for (std::size_t i = 0; i < hook.got.size(); ++i) {
+    EXPECT_EQ(hook.got[i].event.value(QStringLiteral("sequence")).toInt(), static_cast<int>(i + 1));
+    EXPECT_EQ(hook.got[i].signature, WebhookSignature("studio-secret", hook.got[i].body));
+  }
+}
+
+TEST_F(AlertsWithSim, WebhookReceiverDownForTenSecondsGetsEveryEventAfter) {
+  const quint16 hookPort = FreePort();
+  Launch(hookPort);
+  sim->Command(QStringLiteral("input 3 silent"));
+  ASSERT_TRUE(LampBecomes(2, kLampRed));
+  sim->Command(QStringLiteral("input 3 audio"));
+  ASSERT_TRUE(LampBecomes(2, kLampGreen));
+  QTest::qWait(10000);
+  EXPECT_GE(alerts->Hook().Queued(), 5);
+
+  Receiver hook;
+  ASSERT_EQ(hook.listen(QHostAddress::LocalHost, hookPort), hookPort);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return alerts->Hook().Queued() == 0; }, 10000));
+  QTest::qWait(200);
+  EXPECT_EQ(
+      hook.Kinds(),
+      (QStringList{QStringLiteral("link_returned "), QStringLiteral("output_alarm_raised 03"),
+                   QStringLiteral("relay_changed on"), QStringLiteral("output_alarm_ended 03"),
+                   QStringLiteral("relay_changed off")}));
+  const QString errors = [&] {
+    QFile file(dir.path() + QStringLiteral("/Errorlog.txt"));
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+  }();
+  EXPECT_EQ(errors.count(QStringLiteral("Webhook not delivered")), 1) << "one line per outage";
+}
+
+TEST(WebhookSignature, IsHmacSha256OfTheBody) {
+  // RFC 4231, test case 2.
+  EXPECT_EQ(WebhookSignature("Jefe", "what do ya want for nothing?"),
+            QByteArray("sha256=5bdcc146bf60754e6a042426089575c75a003f089d2739839dec58b964ec3843"));
+}
+
+using AlertSettingsAndEndpoint = test::TempStateTest;
+
+// Off the loopback address every request needs the token; nothing answers a change.
+TEST_F(AlertSettingsAndEndpoint, TokenGuardsEveryRequestAndNothingChangesState) {
+  AlertSettings settings;
+  settings.httpAddress = QStringLiteral("0.0.0.0");
+  settings.httpPort = 0;
+  StatusServer refused([] { return StatusSnapshot{}; }, QString());
+  EXPECT_FALSE(refused.Start(s, settings));
+  EXPECT_TRUE(
+      ErrorLines()
+          .join(QLatin1Char('\n'))
+          .contains(QStringLiteral("Status endpoint on 0.0.0.0 needs a token; not started")));
+
+  settings.httpToken = QStringLiteral("t0ken");
+  StatusServer server([] { return StatusSnapshot{}; }, settings.httpToken);
+  ASSERT_TRUE(server.Start(s, settings));
+  const struct {
+    QString path;
+    QByteArray authorization;
+    QByteArray verb;
+    int status;
+  } cases[] = {
+      {QStringLiteral("/metrics"), {}, "GET", 401},
+      {QStringLiteral("/api/status"), "Bearer wrong", "GET", 401},
+      {QStringLiteral("/"), "Basic dDBrZW4=", "GET", 401},
+      {QStringLiteral("/metrics"), "Bearer t0ken", "GET", 200},
+      {QStringLiteral("/api/status"), "bearer t0ken", "GET", 200},
+      {QStringLiteral("/?token=t0ken"), {}, "GET", 200},
+      {QStringLiteral("/api/status"), "Bearer t0ken", "POST", 405},
+      {QStringLiteral("/metrics"), "Bearer t0ken", "DELETE", 405},
+      {QStringLiteral("/nothing"), "Bearer t0ken", "GET", 404},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(Fetch(server.Port(), c.path, c.authorization, c.verb).status, c.status)
+        << c.verb.constData() << ' ' << c.path.toStdString() << " with \""
+        << c.authorization.constData() << '"';
+  }
+}
+
+TEST_F(AlertSettingsAndEndpoint, AbsentFileMeansDefaultsAndBadValuesKeepThem) {
+  EXPECT_EQ(ReadAlertSettings(s), AlertSettings{});
+  QFile file(s.AppPath + kAlertsFileName);
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+  file.write(
+      "[Desktop]\nSound=loud\nTrayIcon=false\n[Status]\nPort=99999\nAddress=10.0.0.7\nToken=abc\n");
+  file.close();
+  const AlertSettings read = ReadAlertSettings(s);
+  EXPECT_FALSE(read.sound);
+  EXPECT_FALSE(read.trayIcon);
+  EXPECT_EQ(read.httpPort, 9250);
+  EXPECT_EQ(read.httpAddress, QStringLiteral("10.0.0.7"));
+  EXPECT_EQ(
+      ErrorLines().join(QLatin1Char('\n')).count(QStringLiteral("Error Reading Alert Settings")), 2)
+      << ErrorLines().join(QLatin1Char('\n')).toStdString();
+
+  AlertSettings written = read;
+  written.webhookUrl = QStringLiteral("https://chat.example/hook");
+  written.webhookSecret = QStringLiteral("s=cret; with \"quotes\"");
+  ASSERT_TRUE(WriteAlertSettings(s, written));
+  EXPECT_EQ(ReadAlertSettings(s), written);
+}
+
+}  // namespace
+}  // namespace zrn
