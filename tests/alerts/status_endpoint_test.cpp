@@ -34,7 +34,7 @@ struct Reply {
 
 Reply Fetch(quint16 port, const QString& path, const QByteArray& authorization = {},
             const QByteArray& verb = "GET") {
-  static QNetworkAccessManager net;
+  QNetworkAccessManager net;
   QNetworkRequest request(QUrl(QStringLiteral("http://127.0.0.1:%1%2").arg(port).arg(path)));
   if (!authorization.isEmpty()) {
     request.setRawHeader("Authorization", authorization);
