@@ -21,10 +21,10 @@ void Alerts::Start() {
 
 bool Alerts::Apply(const AlertSettings& settings) {
   const bool saved = WriteAlertSettings(monitor_.state(), settings);
-  const bool endpointChanged = settings.httpEnabled != settings_.httpEnabled ||
-                               settings.httpAddress != settings_.httpAddress ||
-                               settings.httpPort != settings_.httpPort ||
-                               settings.httpToken != settings_.httpToken;
+  const bool endpointChanged =
+      settings.httpEnabled != settings_.httpEnabled ||
+      settings.httpAddress != settings_.httpAddress || settings.httpPort != settings_.httpPort ||
+      settings.httpToken != settings_.httpToken || (settings.httpEnabled && !server_);
   settings_ = settings;
   webhook_.Configure(settings_);
   if (endpointChanged) {

@@ -17,11 +17,13 @@
 #include <functional>
 #include <memory>
 
+#include "alerts/alerts.h"
 #include "monitor/main_window.h"
 #include "monitor/monitor.h"
 #include "sim/sim_switcher.h"
 #include "storage/shows_file.h"
 #include "ui/about_dialog.h"
+#include "ui/alerts_dialog.h"
 #include "ui/broadcast_style.h"
 #include "ui/channel_pair_dialog.h"
 #include "ui/channel_select_dialog.h"
@@ -189,6 +191,12 @@ void ShootDialogs(zrn::sim::SimSwitcher& sim, const QString& out, const QString&
   {
     zrn::AboutDialog dialog(s);
     shoot("about-dialog.png", dialog);
+  }
+  {
+    // Never started: the defaults an absent ZRNAlerts.ini means, and no port taken.
+    zrn::Alerts alerts(monitor);
+    zrn::AlertsDialog dialog(alerts, s);
+    shoot("alerts-dialog.png", dialog);
   }
   monitor.Stop();
 }
