@@ -16,6 +16,7 @@
 #include <algorithm>
 
 #include "monitor/alarm_controls_widget.h"
+#include "monitor/link_watch.h"
 #include "monitor/menu_commands.h"
 #include "monitor/monitor.h"
 #include "monitor/panel_canvas_widget.h"
@@ -217,13 +218,14 @@ void MainWindow::Refresh() {
   const State& s = monitor_.state();
   const PanelModels& models = s.panels;
   canvas_->Refresh(models);
+  canvas_->SetStale(ReportsStale(s));
   alarm_->Refresh(models.window);
   history_->setVisible(models.window.messageListVisible);
   SyncHistory();
   PlaceControls();
 
-  if (status_->text() != s.StatusBarText) {
-    status_->setText(s.StatusBarText);
+  if (const QString line = StatusLine(s); status_->text() != line) {
+    status_->setText(line);
   }
   if (notice_->text() != s.FileNotice) {
     notice_->setText(s.FileNotice);

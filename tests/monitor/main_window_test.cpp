@@ -83,6 +83,8 @@ class MainWindowTest : public ::testing::Test {
     s.SwitcherRelayCount = 16;
     s.RelayStates.assign(16, 0);
     s.linkState.ExchangeComplete = true;
+    // As a completed exchange does: the window draws fresh lamps from here on.
+    emit monitor->changed();
   }
 
   void SetSilent(std::initializer_list<int> channels, quint8 status) {
