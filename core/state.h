@@ -222,8 +222,9 @@ struct PollState {
 struct WatchTimes {
   QDateTime staleSince;
   QDateTime unansweredSince;
-  // Per watched output; invalid while it is not silent.
-  std::vector<QDateTime> silentSince;
+  // Per watched output, in milliseconds since the epoch; -1 while it is not silent. A number,
+  // not a QDateTime: thousands of local-time differences a tick cost milliseconds.
+  std::vector<qint64> silentSince;
 };
 
 struct State {

@@ -40,18 +40,19 @@ void WatchTick(State& s) {
   }
 
   const int panels = std::min(WatchedCount(s), static_cast<int>(s.panels.outputs.size()));
-  w.silentSince.resize(static_cast<size_t>(panels));
+  const qint64 nowMs = now.toMSecsSinceEpoch();
+  w.silentSince.resize(static_cast<size_t>(panels), -1);
   for (int i = 0; i < panels; ++i) {
     OutputPanelModel& panel = s.panels.outputs[static_cast<size_t>(i)];
-    QDateTime& since = w.silentSince[static_cast<size_t>(i)];
+    qint64& since = w.silentSince[static_cast<size_t>(i)];
     qint64 seconds = -1;
     if (Silent(panel)) {
-      if (!since.isValid()) {
-        since = now;
+      if (since < 0) {
+        since = nowMs;
       }
-      seconds = std::max<qint64>(0, since.secsTo(now));
-    } else if (since.isValid()) {
-      since = QDateTime();
+      seconds = std::max<qint64>(0, (nowMs - since) / 1000);
+    } else {
+      since = -1;
     }
     // Written only when it changed, so the window repaints only the panels that are silent.
     if (panel.silentSeconds != seconds) {
