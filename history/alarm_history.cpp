@@ -179,13 +179,17 @@ int AlarmHistory::ReadBack(const QString& folder, const QDateTime& now) {
       if (line.size() <= kMessageColumn) {
         continue;
       }
+      // The message first: reading a stamp costs more, and most lines are not kept.
+      std::optional<AlarmEvent> event = ParseActivity(QDateTime(), line.mid(kMessageColumn));
+      if (!event) {
+        continue;
+      }
       const QDateTime when = ReadStamp(line);
       if (!when.isValid() || when < cutoff || when > now) {
         continue;
       }
-      if (const std::optional<AlarmEvent> event = ParseActivity(when, line.mid(kMessageColumn))) {
-        read.push_back(*event);
-      }
+      event->when = when;
+      read.push_back(*event);
     }
   }
   // What was read back comes before anything recorded since.
