@@ -290,6 +290,7 @@ void MainWindow::Refresh() {
   canvas_->Refresh(models);
   canvas_->SetStale(ReportsStale(s));
   alarm_->Refresh(models.window);
+  alarm_->SetStale(ReportsStale(s));
   history_->setVisible(models.window.messageListVisible);
   SyncHistory();
   PlaceControls();

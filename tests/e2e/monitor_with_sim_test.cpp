@@ -5,6 +5,7 @@
 #include <QTemporaryDir>
 
 #include "e2e/sim_process.h"
+#include "monitor/alarm_controls_widget.h"
 #include "monitor/link_watch.h"
 #include "monitor/main_window.h"
 #include "monitor/monitor.h"
@@ -256,6 +257,7 @@ TEST_F(MonitorWithSim, ADroppedLinkGreysEveryLampAndKeepsTheRelayDecision) {
   ASSERT_TRUE(LampBecomes(1, kLampRed));
   ASSERT_TRUE(
       QTest::qWaitFor([&] { return sim->Status(QStringLiteral("relays_on")) == "1"; }, 5000));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return s.panels.window.alarmLampColour == kLampRed; }, 5000));
   PanelCanvasWidget& canvas = *window.Canvas();
   EXPECT_EQ(LampPixel(canvas, s.panels.outputs[1]).name(), QStringLiteral("#ff0000"));
   EXPECT_EQ(LampPixel(canvas, s.panels.outputs[0]).name(), QStringLiteral("#00ff00"));
@@ -279,6 +281,11 @@ TEST_F(MonitorWithSim, ADroppedLinkGreysEveryLampAndKeepsTheRelayDecision) {
       seen.pixels.push_back(LampPixel(canvas, panel));
       seen.lamps.push_back(panel.lamp);
     }
+    // The relay lamp as the switcher last reported it is no fresher.
+    const AlarmControlsWidget& alarm = *window.AlarmControls();
+    const QRect relay = PanelCanvasWidget::ToPixels(s.panels.window.alarmLamp)
+                            .translated(-alarm.DesignedPixels(s.panels.window).topLeft());
+    seen.pixels.push_back(window.AlarmControls()->grab().toImage().pixelColor(relay.center()));
     seen.wanted = s.lossAlarm.wantedRelay;
     seen.status = window.StatusText()->text();
   });
@@ -291,7 +298,7 @@ TEST_F(MonitorWithSim, ADroppedLinkGreysEveryLampAndKeepsTheRelayDecision) {
   }();
   sim->Command(QStringLiteral("drop"));
   ASSERT_TRUE(QTest::qWaitFor([&] { return seen.taken; }, 5000));
-  ASSERT_EQ(seen.pixels.size(), 4u);
+  ASSERT_EQ(seen.pixels.size(), 5u);
   for (std::size_t i = 0; i < seen.pixels.size(); ++i) {
     EXPECT_TRUE(DrawnAsNoInformation(seen.pixels[i]))
         << i << " " << qPrintable(seen.pixels[i].name());
