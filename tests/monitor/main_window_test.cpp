@@ -2,6 +2,7 @@
 #include <QCheckBox>
 #include <QDir>
 #include <QFileInfo>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -14,6 +15,7 @@
 #include <QTcpSocket>
 #include <QTest>
 #include <QTimer>
+#include <QToolTip>
 
 #include "monitor/alarm_controls_widget.h"
 #include "monitor/loss_alarm.h"
@@ -210,6 +212,16 @@ TEST_F(MainWindowTest, NormalViewShowsEveryPanelAndAcknowledgesByClick) {
       << s.MessageRows.last().toStdString();
   EXPECT_EQ(window->History()->count(), s.MessageRows.size());
   EXPECT_EQ(window->History()->item(window->History()->count() - 1)->text(), s.MessageRows.last());
+
+  // Resting the pointer on the acknowledged panel tells how long it has been silent.
+  monitor->Poll();
+  clock.AdvanceSeconds(75);
+  monitor->Poll();
+  const QPoint over = FramePixels(8).center();
+  QHelpEvent hover(QEvent::ToolTip, over, window->Canvas()->mapToGlobal(over));
+  QApplication::sendEvent(window->Canvas(), &hover);
+  EXPECT_EQ(QToolTip::text(),
+            s.panels.outputs[8].toolTip + QStringLiteral("\nSilent for 1 min 15 s"));
 
   // A click on a green panel acknowledges nothing.
   ClickPanel(0);
