@@ -219,6 +219,16 @@ struct PollState {
   qint16 RetryCountdown = 0;
 };
 
+// What the window tells about time: since when its lamps are out of date, since when a
+// keep-alive has waited for its answer, and since when each watched output is silent.
+struct WatchTimes {
+  QDateTime staleSince;
+  QDateTime unansweredSince;
+  // Per watched output, in milliseconds since the epoch; -1 while it is not silent. A number,
+  // not a QDateTime: thousands of local-time differences a tick cost milliseconds.
+  std::vector<qint64> silentSince;
+};
+
 struct State {
   State();
 
@@ -324,6 +334,9 @@ struct State {
 
   LogState logs;
   PollState poll;
+  WatchTimes watch;
+  // Told of every operational message with its time as it is reported (the alarm history).
+  std::function<void(const QDateTime&, const QString&)> activityListener;
 };
 
 // The current wall-clock time from the state's clock.

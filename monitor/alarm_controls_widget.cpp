@@ -11,6 +11,9 @@ namespace {
 
 const QColor kText(0xec, 0xef, 0xf1);
 const QColor kLampEdge(0x0b, 0x0d, 0x0f);
+// As the panel lamps of a stale report: dim and hatched.
+const QColor kStaleFill(0x4a, 0x50, 0x56);
+const QColor kStaleHatch(0x8a, 0x92, 0x99);
 
 }  // namespace
 
@@ -45,6 +48,13 @@ void AlarmControlsWidget::Refresh(const WindowModel& window) {
   }
 }
 
+void AlarmControlsWidget::SetStale(bool stale) {
+  if (stale != stale_) {
+    stale_ = stale;
+    update(Local(model_.alarmLamp).adjusted(-2, -2, 2, 2));
+  }
+}
+
 void AlarmControlsWidget::paintEvent(QPaintEvent*) {
   QPainter p(this);
   p.setRenderHint(QPainter::Antialiasing);
@@ -57,8 +67,14 @@ void AlarmControlsWidget::paintEvent(QPaintEvent*) {
              QStringLiteral("Alarm"));
   const Rgb& c = model_.alarmLampColour;
   p.setPen(QPen(kLampEdge, 1.3));
-  p.setBrush(QColor(c.red, c.green, c.blue));
-  p.drawRoundedRect(QRectF(Local(model_.alarmLamp)).adjusted(0.5, 0.5, -0.5, -0.5), 1.7, 1.7);
+  const QRectF lamp = QRectF(Local(model_.alarmLamp)).adjusted(0.5, 0.5, -0.5, -0.5);
+  p.setBrush(stale_ ? kStaleFill : QColor(c.red, c.green, c.blue));
+  p.drawRoundedRect(lamp, 1.7, 1.7);
+  if (stale_) {
+    p.setPen(Qt::NoPen);
+    p.setBrush(QBrush(kStaleHatch, Qt::BDiagPattern));
+    p.drawRoundedRect(lamp, 1.7, 1.7);
+  }
 }
 
 }  // namespace zrn

@@ -22,6 +22,8 @@ class AlarmControlsWidget final : public QWidget {
   QRect DesignedPixels(const WindowModel& window) const;
   // Takes the model; the widget itself is placed by the window.
   void Refresh(const WindowModel& window);
+  // Draws the relay lamp as "no information" while the switcher's reports are stale.
+  void SetStale(bool stale);
 
  signals:
   void cancelClicked();
@@ -33,6 +35,7 @@ class AlarmControlsWidget final : public QWidget {
   QRect Local(const Rect& twips) const;
 
   WindowModel model_;
+  bool stale_ = false;
   QPushButton* cancel_ = nullptr;
 };
 

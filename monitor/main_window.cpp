@@ -16,10 +16,13 @@
 #include <algorithm>
 
 #include "alerts/alerts.h"
+#include "history/alarm_history.h"
 #include "monitor/alarm_controls_widget.h"
+#include "monitor/link_watch.h"
 #include "monitor/menu_commands.h"
 #include "monitor/monitor.h"
 #include "monitor/panel_canvas_widget.h"
+#include "monitor/panel_filter.h"
 #include "monitor/setup_commands.h"
 #include "shows/show_status.h"
 #include "storage/shows_file.h"
@@ -30,7 +33,10 @@
 #include "ui/show_silence_status_dialog.h"
 #include "ui/shows_dialog.h"
 #include "ui/silence_detect_dialog.h"
+#include "window/alarm_history_window.h"
 #include "window/desktop_alerts.h"
+#include "window/find_bar_widget.h"
+#include "window/next_day_window.h"
 
 namespace zrn {
 
@@ -80,10 +86,17 @@ class MessageRowDelegate final : public QStyledItemDelegate {
 
 }  // namespace
 
-MainWindow::MainWindow(Monitor& monitor, QWidget* parent) : QMainWindow(parent), monitor_(monitor) {
+MainWindow::MainWindow(Monitor& monitor, QWidget* parent)
+    : QMainWindow(parent), monitor_(monitor), alarms_(std::make_unique<AlarmHistory>()) {
   setWindowTitle(QStringLiteral("ZRN Pennaro"));
+  monitor_.state().activityListener = [this](const QDateTime& when, const QString& message) {
+    // The log holds everything before this message: it is read back first.
+    ReadHistoryBack();
+    alarms_->Record(when, message);
+  };
 
   BuildMenus();
+  BuildViewMenu();
 
   // The panels scroll in their own area; the alarm controls and the message list are placed
   // beside and below it, never over it.
@@ -100,6 +113,11 @@ MainWindow::MainWindow(Monitor& monitor, QWidget* parent) : QMainWindow(parent),
   scroll_->setWidgetResizable(true);
   scroll_->setFrameShape(QFrame::NoFrame);
   scroll_->setPalette(canvas_->palette());
+
+  find_ = new FindBarWidget(body_);
+  find_->hide();
+  find_->installEventFilter(this);
+  connect(find_, &FindBarWidget::filterChanged, this, &MainWindow::Find);
 
   alarm_ = new AlarmControlsWidget(body_);
   connect(alarm_, &AlarmControlsWidget::cancelClicked, this, [this] { monitor_.CancelAlarm(); });
@@ -141,6 +159,58 @@ void MainWindow::AttachAlerts(Alerts& alerts) {
   });
   fileMenu_->insertAction(printAction_, action);
   desktop_ = new DesktopAlerts(alerts, this);
+}
+
+MainWindow::~MainWindow() {
+  monitor_.state().activityListener = nullptr;
+}
+
+NextDayWindow* MainWindow::NextDay() const {
+  return nextDay_;
+}
+
+AlarmHistoryWindow* MainWindow::AlarmHistoryView() const {
+  return alarmHistory_;
+}
+
+void MainWindow::ReadHistoryBack() {
+  const State& s = monitor_.state();
+  if (historyRead_ || s.AppPath.isEmpty()) {
+    return;
+  }
+  historyRead_ = true;
+  alarms_->ReadBack(s.AppPath, Now(s));
+}
+
+void MainWindow::BuildViewMenu() {
+  QMenu* view = menuBar()->addMenu(QStringLiteral("&View"));
+  QAction* find = view->addAction(QStringLiteral("&Find Output"), this, [this] { find_->Open(); });
+  find->setShortcut(QKeySequence::Find);
+  find->setShortcutContext(Qt::WindowShortcut);
+  view->addAction(QStringLiteral("&Next 24 Hours"), this, [this] {
+    if (nextDay_ == nullptr) {
+      nextDay_ = new NextDayWindow(monitor_, this);
+    }
+    nextDay_->show();
+    nextDay_->raise();
+    nextDay_->Refresh();
+  });
+  view->addAction(QStringLiteral("&Alarm History"), this, [this] {
+    ReadHistoryBack();
+    if (alarmHistory_ == nullptr) {
+      alarmHistory_ = new AlarmHistoryWindow(monitor_, *alarms_, this);
+    }
+    alarmHistory_->show();
+    alarmHistory_->raise();
+    alarmHistory_->Refresh();
+  });
+}
+
+void MainWindow::Find(const QString& text, bool onlyAlarms) {
+  monitor_.Run("Error Finding Output", [&] { SetPanelFilter(monitor_.state(), text, onlyAlarms); });
+  // What was found closes up from the first place: it is shown from the top.
+  scroll_->horizontalScrollBar()->setValue(0);
+  scroll_->verticalScrollBar()->setValue(0);
 }
 
 QPushButton* MainWindow::CancelButton() const {
@@ -230,16 +300,19 @@ void MainWindow::ShowPanelMenu(int index, const QPoint& globalPos) {
 }
 
 void MainWindow::Refresh() {
+  ReadHistoryBack();
   const State& s = monitor_.state();
   const PanelModels& models = s.panels;
   canvas_->Refresh(models);
+  canvas_->SetStale(ReportsStale(s));
   alarm_->Refresh(models.window);
+  alarm_->SetStale(ReportsStale(s));
   history_->setVisible(models.window.messageListVisible);
   SyncHistory();
   PlaceControls();
 
-  if (status_->text() != s.StatusBarText) {
-    status_->setText(s.StatusBarText);
+  if (const QString line = StatusLine(s); status_->text() != line) {
+    status_->setText(line);
   }
   if (notice_->text() != s.FileNotice) {
     notice_->setText(s.FileNotice);
@@ -297,7 +370,13 @@ void MainWindow::PlaceControls() {
   const QRect designed = alarm_->DesignedPixels(w);
   const QRect list = PanelCanvasWidget::ToPixels(w.messageList);
 
-  const int panelBottom = w.messageListVisible ? std::max(0, list.top() - kGap) : area.height();
+  // The find box, while open, takes a strip above the panels.
+  const int findHeight = find_->isVisible() ? find_->sizeHint().height() : 0;
+  if (findHeight > 0 && find_->geometry() != QRect(0, 0, area.width(), findHeight)) {
+    find_->setGeometry(0, 0, area.width(), findHeight);
+  }
+  const int panelBottom =
+      (w.messageListVisible ? std::max(0, list.top() - kGap) : area.height()) - findHeight;
   const QSize content = canvas_->minimumSize();
   const int bar = scroll_->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, scroll_);
   // The alarm controls stand where the view puts them, moved right when the panels and their
@@ -315,7 +394,7 @@ void MainWindow::PlaceControls() {
   bool vertical = content.height() > panelBottom;
   const bool horizontal = content.width() + (vertical ? bar : 0) > widest;
   vertical = vertical || content.height() + (horizontal ? bar : 0) > panelBottom;
-  const QRect panels(0, 0, std::min(widest, content.width() + (vertical ? bar : 0)),
+  const QRect panels(0, findHeight, std::min(widest, content.width() + (vertical ? bar : 0)),
                      std::min(panelBottom, content.height() + (horizontal ? bar : 0)));
   if (scroll_->geometry() != panels) {
     scroll_->setGeometry(panels);
@@ -332,7 +411,8 @@ void MainWindow::PlaceControls() {
 }
 
 bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
-  if (watched == body_ && event->type() == QEvent::Resize) {
+  if ((watched == body_ && event->type() == QEvent::Resize) ||
+      (watched == find_ && (event->type() == QEvent::Show || event->type() == QEvent::Hide))) {
     PlaceControls();
   }
   return QMainWindow::eventFilter(watched, event);

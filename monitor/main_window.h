@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QPointer>
+#include <memory>
 
 class QAction;
 class QLabel;
@@ -14,7 +16,11 @@ namespace zrn {
 class AlarmControlsWidget;
 class Alerts;
 class DesktopAlerts;
+class AlarmHistory;
+class AlarmHistoryWindow;
+class FindBarWidget;
 class Monitor;
+class NextDayWindow;
 class PanelCanvasWidget;
 
 // The size the window opens at: the view's own where the screen's free area holds it with the
@@ -28,6 +34,7 @@ class MainWindow final : public QMainWindow {
 
  public:
   explicit MainWindow(Monitor& monitor, QWidget* parent = nullptr);
+  ~MainWindow() override;
 
   PanelCanvasWidget* Canvas() const { return canvas_; }
   // The scrolling area that holds the panels.
@@ -41,6 +48,13 @@ class MainWindow final : public QMainWindow {
   // Adds File > Alerts... and the desktop's alerts (tray, notifications, title, tone).
   void AttachAlerts(Alerts& alerts);
   DesktopAlerts* Desktop() const { return desktop_; }
+  // The find box above the panels (Ctrl+F).
+  FindBarWidget* FindBar() const { return find_; }
+  // The alarm history kept since start-up, read back from the activity log first.
+  AlarmHistory& Alarms() const { return *alarms_; }
+  // The windows of the View menu, once opened.
+  NextDayWindow* NextDay() const;
+  AlarmHistoryWindow* AlarmHistoryView() const;
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -54,6 +68,9 @@ class MainWindow final : public QMainWindow {
   void BuildMenus();
   void ShowPanelMenu(int index, const QPoint& globalPos);
   void OpenShowStatus(int panel);
+  void BuildViewMenu();
+  void Find(const QString& text, bool onlyAlarms);
+  void ReadHistoryBack();
 
   Monitor& monitor_;
   QWidget* body_ = nullptr;
@@ -69,6 +86,11 @@ class MainWindow final : public QMainWindow {
   QMenu* panelMenu_ = nullptr;
   QAction* enableAction_ = nullptr;
   QSize lastWindowSize_;
+  FindBarWidget* find_ = nullptr;
+  std::unique_ptr<AlarmHistory> alarms_;
+  bool historyRead_ = false;
+  QPointer<NextDayWindow> nextDay_;
+  QPointer<AlarmHistoryWindow> alarmHistory_;
 };
 
 }  // namespace zrn

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "monitor/panel_filter.h"
 #include "shows/show_panels.h"
 #include "storage/logs.h"
 
@@ -22,7 +23,9 @@ constexpr int kLargePitchY = 1200;
 constexpr int kHeadingTop = 600;
 constexpr int kDesignedHeadings = 4;
 
-OutputPanelModel MakeOutputPanel(int i) {
+}  // namespace
+
+OutputPanelModel DesignedOutputPanel(int i) {
   OutputPanelModel panel;
   const int row = i / kGridColumns;
   panel.normal.frame.left = kPanelLeft + kGridPitchX * (i - kGridColumns * row);
@@ -38,6 +41,8 @@ OutputPanelModel MakeOutputPanel(int i) {
   panel.position = QStringLiteral("%1").arg(i + 1, 2, 10, QLatin1Char('0'));
   return panel;
 }
+
+namespace {
 
 int ShownShowPanels(const State& s) {
   return std::clamp<int>(s.ShowPanelsLoaded, 0, ActiveShowsListed(s));
@@ -93,7 +98,7 @@ void LoadOutputPanels(State& s, int count) {
     count = std::max(count, 0);
     std::vector<OutputPanelModel>& panels = s.panels.outputs;
     for (int i = static_cast<int>(panels.size()); i < count; ++i) {
-      panels.push_back(MakeOutputPanel(i));
+      panels.push_back(DesignedOutputPanel(i));
     }
     s.PanelsLoaded = ToInteger(count);
     ApplyViewVisibility(s);
@@ -163,8 +168,10 @@ void ShowConfiguredView(State& s) {
 }
 
 void ApplyViewVisibility(State& s) {
-  Trap(s, QStringLiteral("Error Showing View"), QStringLiteral("Display Error"),
-       [&] { ApplyVisibility(s); });
+  Trap(s, QStringLiteral("Error Showing View"), QStringLiteral("Display Error"), [&] {
+    ApplyVisibility(s);
+    ApplyPanelFilter(s);
+  });
 }
 
 }  // namespace zrn

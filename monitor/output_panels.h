@@ -7,6 +7,9 @@ namespace zrn {
 // Watched outputs that have an entry: OutputCount, bounded by the Outputs table.
 int WatchedCount(const State& s);
 
+// Panel i as it is first created: its specified places in both views and its position text.
+OutputPanelModel DesignedOutputPanel(int i);
+
 // Creates the output panels from the present number up to count - 1, in both views, and sizes
 // the window. Panels that exist keep their places.
 void LoadOutputPanels(State& s, int count);

@@ -7,6 +7,8 @@
 #include <QToolTip>
 #include <algorithm>
 
+#include "monitor/link_watch.h"
+
 namespace zrn {
 
 namespace {
@@ -22,6 +24,7 @@ const QColor kPanelFill(0x2b, 0x31, 0x37);
 const QColor kPanelBorder(0x4b, 0x55, 0x5e);
 const QColor kText(0xec, 0xef, 0xf1);
 const QColor kDimText(0xa9, 0xb3, 0xbb);
+const QColor kSilentText(0xff, 0xb0, 0x20);
 
 QColor ToColor(const Rgb& rgb) {
   return QColor(rgb.red, rgb.green, rgb.blue);
@@ -41,13 +44,29 @@ void DrawFrame(QPainter& p, const Rect& frame) {
   p.drawRoundedRect(Twips(frame), 60, 60);
 }
 
-void DrawLamp(QPainter& p, const QRectF& rect, const Rgb& colour, bool round) {
+// A lamp whose report may be out of date: dim and hatched, never a colour that could be read
+// as audio present or as an alarm.
+const QColor kStaleFill(0x4a, 0x50, 0x56);
+const QColor kStaleHatch(0x8a, 0x92, 0x99);
+
+void DrawLamp(QPainter& p, const QRectF& rect, const Rgb& colour, bool round, bool stale) {
   p.setPen(QPen(QColor(0x0b, 0x0d, 0x0f), 20));
-  p.setBrush(ToColor(colour));
-  if (round) {
-    p.drawEllipse(rect);
-  } else {
-    p.drawRoundedRect(rect, 25, 25);
+  p.setBrush(stale ? kStaleFill : ToColor(colour));
+  const auto shape = [&] {
+    if (round) {
+      p.drawEllipse(rect);
+    } else {
+      p.drawRoundedRect(rect, 25, 25);
+    }
+  };
+  shape();
+  if (stale) {
+    QBrush hatch(kStaleHatch, Qt::BDiagPattern);
+    // The pattern is in device pixels: undo the twips scale for its spacing.
+    hatch.setTransform(QTransform::fromScale(15, 15));
+    p.setBrush(hatch);
+    p.setPen(Qt::NoPen);
+    shape();
   }
 }
 
@@ -203,6 +222,13 @@ void PanelCanvasWidget::Refresh(const PanelModels& models) {
   }
 }
 
+void PanelCanvasWidget::SetStale(bool stale) {
+  if (stale != stale_) {
+    stale_ = stale;
+    update();
+  }
+}
+
 void PanelCanvasWidget::paintEvent(QPaintEvent* event) {
   QPainter p(this);
   p.setClipRegion(event->region());
@@ -226,13 +252,21 @@ void PanelCanvasWidget::paintEvent(QPaintEvent* event) {
       const NormalPanelView& v = panel.normal;
       DrawFrame(p, v.frame);
       DrawNumber(p, NumberBox(v, panel.position), panel.position, PanelFont(180, true));
-      DrawLamp(p, Inner(v.frame, v.lamp), panel.lamp, false);
+      DrawLamp(p, Inner(v.frame, v.lamp), panel.lamp, false, stale_);
     }
     if (panel.large.visible && needed(panel.large.frame)) {
       const LargePanelView& v = panel.large;
       DrawFrame(p, v.frame);
       DrawNumber(p, NumberBox(v), panel.position, PanelFont(200, true));
-      DrawLamp(p, Inner(v.frame, v.lamp), panel.lamp, false);
+      DrawLamp(p, Inner(v.frame, v.lamp), panel.lamp, false, stale_);
+      if (panel.silentSeconds >= 0) {
+        // Beside the lamp, the only free room of the panel.
+        const QRectF beside(
+            v.frame.left + v.lamp.left + v.lamp.width + kNumberGap, v.frame.top + v.lamp.top,
+            v.frame.width - v.lamp.left - v.lamp.width - 2 * kNumberGap, v.lamp.height);
+        DrawText(p, beside, CompactDuration(panel.silentSeconds), PanelFont(170, true, true),
+                 stale_ ? kDimText : kSilentText, Qt::AlignRight | Qt::AlignVCenter);
+      }
       DrawText(p, Inner(v.frame, v.nameLine), panel.nameLine, PanelFont(180, true, true), kText);
       DrawText(p, Inner(v.frame, v.channelLine), panel.channelLine, PanelFont(170, false, true),
                kDimText);
@@ -251,7 +285,7 @@ void PanelCanvasWidget::paintEvent(QPaintEvent* event) {
     p.drawText(Inner(show.frame, show.outputs), Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap,
                show.outputsText);
     DrawText(p, Inner(show.frame, show.source), show.sourceText, PanelFont(170, false), kDimText);
-    DrawLamp(p, Inner(show.frame, show.indicator), show.indicatorColour, true);
+    DrawLamp(p, Inner(show.frame, show.indicator), show.indicatorColour, true, stale_);
   }
 }
 
@@ -305,7 +339,11 @@ bool PanelCanvasWidget::event(QEvent* event) {
   QString tip;
   if (const int output = OutputPanelAt(help->pos());
       output >= 0 && models_.outputs[output].normal.visible) {
-    tip = models_.outputs[output].toolTip;
+    const OutputPanelModel& panel = models_.outputs[output];
+    tip = panel.toolTip;
+    if (panel.silentSeconds >= 0) {
+      tip += QStringLiteral("\nSilent for ") + DurationText(panel.silentSeconds);
+    }
   } else if (const int show = ShowPanelAt(help->pos()); show >= 0) {
     const ShowPanelModel& panel = models_.shows[show];
     if (ToPixels(Rect{panel.frame.left + panel.outputs.left, panel.frame.top + panel.outputs.top,

@@ -18,6 +18,9 @@ class PanelCanvasWidget final : public QWidget {
   // Takes the models the core decided and schedules a repaint of what differs.
   void Refresh(const PanelModels& models);
   const PanelModels& Models() const { return models_; }
+  // Draws every lamp and show indicator as "no information" while the reports are stale.
+  void SetStale(bool stale);
+  bool Stale() const { return stale_; }
 
   // Index of the visible output panel (or show panel) at a point, or -1.
   int OutputPanelAt(const QPoint& point) const;
@@ -45,6 +48,7 @@ class PanelCanvasWidget final : public QWidget {
 
   // Only the panels and headings; the window's own controls are drawn by the window.
   PanelModels models_;
+  bool stale_ = false;
 };
 
 }  // namespace zrn

@@ -62,6 +62,8 @@ struct OutputPanelModel {
   // The lamp is grey only because the program just routed a new source to the output; it is
   // looked at again once that grace is over.
   bool lampInGrace = false;
+  // How long the output has been silent (red or acknowledged), in whole seconds; -1 when not.
+  qint64 silentSeconds = -1;
   friend bool operator==(const OutputPanelModel&, const OutputPanelModel&) = default;
 };
 
@@ -112,6 +114,19 @@ inline std::vector<LabelModel> DesignHeadings() {
   return headings;
 }
 
+// The operator's filter of the output panels. While it is set, the panels that match close up
+// in grid order from the first place; cleared, every panel is back in its specified place.
+struct PanelFilter {
+  QString text;
+  bool onlyAlarms = false;
+  // The panels shown while filtering, in order; the rest are hidden.
+  std::vector<int> shown;
+  // Panels stand elsewhere than their specified places.
+  bool moved = false;
+  bool Active() const { return !text.trimmed().isEmpty() || onlyAlarms; }
+  friend bool operator==(const PanelFilter&, const PanelFilter&) = default;
+};
+
 struct PanelModels {
   // Index = index of the watched output; panel 0 always exists.
   std::vector<OutputPanelModel> outputs = std::vector<OutputPanelModel>(1);
@@ -120,6 +135,7 @@ struct PanelModels {
   // Index = position in the active show list; panel 0 always exists, hidden when unused.
   std::vector<ShowPanelModel> shows = std::vector<ShowPanelModel>(1);
   WindowModel window;
+  PanelFilter filter;
 };
 
 }  // namespace zrn

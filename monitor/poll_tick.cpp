@@ -1,5 +1,6 @@
 #include "monitor/poll_tick.h"
 
+#include "monitor/link_watch.h"
 #include "monitor/loss_alarm.h"
 #include "monitor/panel_update.h"
 #include "schedule/due_events.h"
@@ -25,6 +26,7 @@ void PollTick(State& s) {
   PollState& poll = s.poll;
   ++poll.PollTick;
   BeginRelayTick(s);
+  WatchTick(s);
 
   const bool hadTime = s.CurrentTime.isValid();
   const int minuteBefore = hadTime ? MinuteOfWeek(s.CurrentTime, s.Today) : 0;

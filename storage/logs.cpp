@@ -344,8 +344,12 @@ void DisplayMessage(State& s, const QString& message) {
   if (message.isEmpty()) {
     return;
   }
+  const QDateTime now = Now(s);
+  if (s.activityListener) {
+    s.activityListener(now, message);
+  }
   try {
-    const QString row = ActivityStamp(Now(s)) + QStringLiteral(" - ") + message;
+    const QString row = ActivityStamp(now) + QStringLiteral(" - ") + message;
     const int limit = std::max<int>(s.MaxDisplay, 1);
     while (s.MessageRows.size() > limit - 1) {
       s.MessageRows.removeFirst();

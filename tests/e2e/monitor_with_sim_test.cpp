@@ -1,11 +1,15 @@
 #include <unistd.h>
 #include <QFile>
+#include <QLabel>
 #include <QProcess>
 #include <QTemporaryDir>
 
 #include "e2e/sim_process.h"
+#include "monitor/alarm_controls_widget.h"
+#include "monitor/link_watch.h"
 #include "monitor/main_window.h"
 #include "monitor/monitor.h"
+#include "monitor/panel_canvas_widget.h"
 #include "monitor/panel_models.h"
 #include "shows/show_status.h"
 #include "ui/broadcast_style.h"
@@ -226,6 +230,93 @@ double CpuSeconds(qint64 pid) {
 
 // Two monitor programs configured with the same alarm relay, each watching its own output: the
 // relay stays latched while either wants it, without a command storm or a busy processor.
+// The colour the canvas draws at the middle of an output panel's lamp.
+QColor LampPixel(PanelCanvasWidget& canvas, const OutputPanelModel& panel) {
+  const Rect& f = panel.normal.frame;
+  const Rect& l = panel.normal.lamp;
+  const QPoint centre =
+      PanelCanvasWidget::ToPixels(Rect{f.left + l.left, f.top + l.top, l.width, l.height}).center();
+  return canvas.grab().toImage().pixelColor(centre);
+}
+
+// "No information": a dim grey, neither green nor red nor any other lamp colour.
+bool DrawnAsNoInformation(const QColor& c) {
+  const int spread =
+      std::max({c.red(), c.green(), c.blue()}) - std::min({c.red(), c.green(), c.blue()});
+  return spread < 24 && c.value() < 0xa0;
+}
+
+TEST_F(MonitorWithSim, ADroppedLinkGreysEveryLampAndKeepsTheRelayDecision) {
+  ApplyBroadcastStyle(*qApp);
+  Launch();
+  MainWindow window(*monitor);
+  window.show();
+  State& s = monitor->state();
+  ASSERT_TRUE(LampBecomes(0, kLampGreen));
+  sim->Command(QStringLiteral("input 2 silent"));
+  ASSERT_TRUE(LampBecomes(1, kLampRed));
+  ASSERT_TRUE(
+      QTest::qWaitFor([&] { return sim->Status(QStringLiteral("relays_on")) == "1"; }, 5000));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return s.panels.window.alarmLampColour == kLampRed; }, 5000));
+  PanelCanvasWidget& canvas = *window.Canvas();
+  EXPECT_EQ(LampPixel(canvas, s.panels.outputs[1]).name(), QStringLiteral("#ff0000"));
+  EXPECT_EQ(LampPixel(canvas, s.panels.outputs[0]).name(), QStringLiteral("#00ff00"));
+  const qint16 wanted = s.lossAlarm.wantedRelay;
+  ASSERT_EQ(wanted, 1);
+
+  // What the operator sees the moment the link is known to be down, before any poll tick.
+  struct Seen {
+    bool taken = false;
+    std::vector<QColor> pixels;
+    std::vector<Rgb> lamps;
+    qint16 wanted = 0;
+    QString status;
+  } seen;
+  QObject::connect(monitor.get(), &Monitor::changed, &window, [&] {
+    if (s.Connected || seen.taken) {
+      return;
+    }
+    seen.taken = true;
+    for (const OutputPanelModel& panel : s.panels.outputs) {
+      seen.pixels.push_back(LampPixel(canvas, panel));
+      seen.lamps.push_back(panel.lamp);
+    }
+    // The relay lamp as the switcher last reported it is no fresher.
+    const AlarmControlsWidget& alarm = *window.AlarmControls();
+    const QRect relay = PanelCanvasWidget::ToPixels(s.panels.window.alarmLamp)
+                            .translated(-alarm.DesignedPixels(s.panels.window).topLeft());
+    seen.pixels.push_back(window.AlarmControls()->grab().toImage().pixelColor(relay.center()));
+    seen.wanted = s.lossAlarm.wantedRelay;
+    seen.status = window.StatusText()->text();
+  });
+  const std::vector<Rgb> before = [&] {
+    std::vector<Rgb> lamps;
+    for (const OutputPanelModel& panel : s.panels.outputs) {
+      lamps.push_back(panel.lamp);
+    }
+    return lamps;
+  }();
+  sim->Command(QStringLiteral("drop"));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return seen.taken; }, 5000));
+  ASSERT_EQ(seen.pixels.size(), 5u);
+  for (std::size_t i = 0; i < seen.pixels.size(); ++i) {
+    EXPECT_TRUE(DrawnAsNoInformation(seen.pixels[i]))
+        << i << " " << qPrintable(seen.pixels[i].name());
+  }
+  EXPECT_EQ(seen.lamps, before) << "the lamp colours the alarm decides on stay";
+  EXPECT_EQ(seen.wanted, wanted) << "the relay decision is not changed by the lost link";
+  EXPECT_TRUE(seen.status.startsWith(QStringLiteral("No link since "))) << qPrintable(seen.status);
+  EXPECT_TRUE(seen.status.contains(QStringLiteral("127.0.0.1"))) << qPrintable(seen.status);
+  EXPECT_EQ(sim->Status(QStringLiteral("relays_on")), QStringLiteral("1"));
+
+  // The fresh reports of the new exchange restore the lamps.
+  ASSERT_TRUE(WaitForExchange());
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !ReportsStale(s); }, 5000));
+  QCoreApplication::processEvents();
+  EXPECT_EQ(LampPixel(canvas, s.panels.outputs[1]).name(), QStringLiteral("#ff0000"));
+  EXPECT_EQ(LampPixel(canvas, s.panels.outputs[0]).name(), QStringLiteral("#00ff00"));
+}
+
 TEST_F(MonitorWithSim, TwoMonitorsShareOneRelayCalmly) {
   QTemporaryDir folders[2];
   QProcess monitors[2];

@@ -1,7 +1,10 @@
 #include <QApplication>
+#include <QCheckBox>
 #include <QDir>
 #include <QFileInfo>
+#include <QHelpEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QMenuBar>
 #include <QPushButton>
@@ -12,6 +15,7 @@
 #include <QTcpSocket>
 #include <QTest>
 #include <QTimer>
+#include <QToolTip>
 
 #include <QSettings>
 #include <QSystemTrayIcon>
@@ -21,6 +25,7 @@
 #include "monitor/loss_alarm.h"
 #include "monitor/main_window.h"
 #include "monitor/monitor.h"
+#include "monitor/output_panels.h"
 #include "monitor/panel_canvas_widget.h"
 #include "monitor/panel_update.h"
 #include "support/bytes.h"
@@ -29,6 +34,7 @@
 #include "support/temp_state.h"
 #include "ui/broadcast_style.h"
 #include "window/desktop_alerts.h"
+#include "window/find_bar_widget.h"
 
 namespace zrn {
 namespace {
@@ -90,6 +96,8 @@ class MainWindowTest : public ::testing::Test {
     s.SwitcherRelayCount = 16;
     s.RelayStates.assign(16, 0);
     s.linkState.ExchangeComplete = true;
+    // As a completed exchange does: the window draws fresh lamps from here on.
+    emit monitor->changed();
   }
 
   void SetSilent(std::initializer_list<int> channels, quint8 status) {
@@ -211,6 +219,16 @@ TEST_F(MainWindowTest, NormalViewShowsEveryPanelAndAcknowledgesByClick) {
       << s.MessageRows.last().toStdString();
   EXPECT_EQ(window->History()->count(), s.MessageRows.size());
   EXPECT_EQ(window->History()->item(window->History()->count() - 1)->text(), s.MessageRows.last());
+
+  // Resting the pointer on the acknowledged panel tells how long it has been silent.
+  monitor->Poll();
+  clock.AdvanceSeconds(75);
+  monitor->Poll();
+  const QPoint over = FramePixels(8).center();
+  QHelpEvent hover(QEvent::ToolTip, over, window->Canvas()->mapToGlobal(over));
+  QApplication::sendEvent(window->Canvas(), &hover);
+  EXPECT_EQ(QToolTip::text(),
+            s.panels.outputs[8].toolTip + QStringLiteral("\nSilent for 1 min 15 s"));
 
   // A click on a green panel acknowledges nothing.
   ClickPanel(0);
@@ -351,6 +369,94 @@ Ink InkOf(const QImage& image) {
     inGlyph = h > 0 && (inGlyph || tall);
   }
   return ink;
+}
+
+TEST_F(MainWindowTest, FindNarrowsFourThousandPanelsAndClearingPutsThemBack) {
+  StartWith(QStringLiteral("Normal"), 1);
+  State& s = monitor->state();
+  Watch(4096);
+  s.Outputs[2999].DisplayOption = 2;
+  s.Outputs[2999].CustomLabel = QStringLiteral("Newsroom B");
+  UpdateOutputs(s);
+  emit monitor->changed();
+  QApplication::setActiveWindow(window.get());
+  ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+
+  const auto shownPanels = [&] {
+    std::vector<int> shown;
+    for (int i = 0; i < static_cast<int>(s.panels.outputs.size()); ++i) {
+      if (s.panels.outputs[i].normal.visible) {
+        shown.push_back(i);
+      }
+    }
+    return shown;
+  };
+  const auto inSight = [&](int index) {
+    QCoreApplication::processEvents();
+    const QRect frame = FramePixels(index);
+    const QRect seen(window->Canvas()->mapTo(window.get(), frame.topLeft()), frame.size());
+    return VisiblePanelArea().contains(seen);
+  };
+  const auto clearTyped = [&] {
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backspace);
+  };
+
+  // Far down the grid to begin with.
+  ASSERT_FALSE(inSight(1186));
+  QTest::keyClick(QApplication::focusWidget(), Qt::Key_F, Qt::ControlModifier);
+  ASSERT_EQ(QApplication::focusWidget(), window->FindBar()->Text());
+  const struct {
+    const char* typed;
+    std::vector<int> found;
+  } cases[] = {
+      {"1187", {1186}},      // by its position
+      {"newsroom", {2999}},  // by its label
+      {"4096", {4095}},      // the last one
+      {"no such name", {}},  // nothing
+  };
+  for (const auto& c : cases) {
+    clearTyped();
+    QTest::keyClicks(QApplication::focusWidget(), QString::fromLatin1(c.typed));
+    EXPECT_EQ(shownPanels(), c.found) << c.typed;
+    for (int index : c.found) {
+      EXPECT_TRUE(inSight(index)) << c.typed;
+    }
+  }
+
+  // By the switcher output's name: every panel watching output 163.
+  clearTyped();
+  s.OutputNames[162] = QStringLiteral("Traffic Desk");
+  QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("traffic"));
+  const std::vector<int> onOutput163 = shownPanels();
+  ASSERT_EQ(onOutput163.size(), 16u);
+  EXPECT_EQ(onOutput163.front(), 162);
+  EXPECT_TRUE(inSight(onOutput163.back()));
+
+  // Only alarms, of those.
+  SetSilent({163}, 1);
+  for (QCheckBox* box : window->findChildren<QCheckBox*>()) {
+    if (box->text() == QStringLiteral("Only alarms")) {
+      QTest::mouseClick(box, Qt::LeftButton);
+    }
+  }
+  EXPECT_EQ(shownPanels(), onOutput163);
+  QTest::mouseClick(window->FindBar()->Text(), Qt::LeftButton);
+  clearTyped();
+  ASSERT_TRUE(window->FindBar()->Text()->text().isEmpty());
+  SetSilent({7}, 1);
+  monitor->Poll();  // the filter follows the alarms at the next poll tick
+  EXPECT_EQ(shownPanels().size(), 32u) << "only the alarms, whatever their name";
+  QTest::mouseClick(window->FindBar()->OnlyAlarms(), Qt::LeftButton);
+
+  // Escape clears the box: every panel is back in its specified place.
+  QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+  EXPECT_FALSE(window->FindBar()->isVisible());
+  ASSERT_EQ(shownPanels().size(), 4096u);
+  for (int i = 0; i < 4096; ++i) {
+    ASSERT_EQ(s.panels.outputs[i].normal.frame, DesignedOutputPanel(i).normal.frame) << i;
+    ASSERT_EQ(s.panels.outputs[i].large.frame, DesignedOutputPanel(i).large.frame) << i;
+  }
 }
 
 TEST_F(MainWindowTest, PositionNumbersOfThreeAndFourDigitsAreDrawnWhole) {

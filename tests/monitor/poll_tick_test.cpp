@@ -1,5 +1,8 @@
 #include "monitor/poll_tick.h"
 
+#include "monitor/link_watch.h"
+#include "monitor/panel_update.h"
+
 #include "schedule/event_scheduler.h"
 #include "schedule/schedule_fixture.h"
 #include "support/fake_link.h"
@@ -202,6 +205,105 @@ TEST_F(PollTimer, ACompletedExchangeSendsTheRouteHeldBackWhileTheLinkWasDown) {
   link.wire.clear();
   TickAt(At(2, "10:00:01"));
   EXPECT_FALSE(link.wire.contains(static_cast<char>(0xFE))) << "sent once";
+}
+
+}  // namespace
+}  // namespace zrn
+
+namespace zrn {
+namespace {
+
+TEST_F(PollTimer, TheStatusBarSaysSinceWhenNothingIsKnown) {
+  s.linkState.ExchangeComplete = true;
+  TickAt(At(2, "10:00:00"));
+  EXPECT_EQ(StatusLine(s), QStringLiteral("Server Module Connected"));
+  EXPECT_FALSE(ReportsStale(s));
+
+  // The first keep-alive goes out on the third tick (10:00:01); from 10 s after it on, the
+  // status bar counts the seconds, while the watchdog still waits for its 201 polls.
+  const struct {
+    const char* at;
+    const char* line;
+  } unanswered[] = {
+      {"10:00:10", "Server Module Connected"},
+      {"10:00:12", "No reply for 10 s from 127.0.0.1:1250 - Server Module Connected"},
+      {"10:01:00", "No reply for 58 s from 127.0.0.1:1250 - Server Module Connected"},
+  };
+  for (const auto& c : unanswered) {
+    while (clock.Now() < At(2, c.at)) {
+      Tick();
+    }
+    EXPECT_EQ(StatusLine(s), QString::fromLatin1(c.line)) << c.at;
+  }
+  EXPECT_TRUE(s.Connected);
+
+  // An answer ends the count at the next tick.
+  OnDataAvailable(s, Bytes({0xF4}));
+  Tick();
+  EXPECT_EQ(StatusLine(s), QStringLiteral("Server Module Connected"));
+
+  // A lost link makes every lamp stale and says since when, naming the address; a new
+  // connection stays stale until its exchange completes.
+  TickAt(At(2, "10:02:00"));
+  CloseSwitcherLink(s);
+  EXPECT_TRUE(ReportsStale(s));
+  TickAt(At(2, "10:02:00").addMSecs(500));
+  TickAt(At(2, "10:02:05"));
+  EXPECT_TRUE(StatusLine(s).startsWith(QStringLiteral("No link since 10:02:00 - ")))
+      << StatusLine(s).toStdString();
+  EXPECT_TRUE(StatusLine(s).contains(QStringLiteral("127.0.0.1:1250")));
+  OnConnected(s);
+  EXPECT_TRUE(ReportsStale(s));
+  EXPECT_EQ(StatusLine(s), QStringLiteral("No reports since 10:02:00 - Server Module Connected"));
+  s.linkState.ExchangeComplete = true;
+  Tick();
+  EXPECT_FALSE(ReportsStale(s));
+  EXPECT_EQ(StatusLine(s), QStringLiteral("Server Module Connected"));
+}
+
+TEST_F(PollTimer, SilentOutputsCountHowLongThroughAcknowledgement) {
+  s.linkState.ExchangeComplete = true;
+  s.Outputs[0].MonitoringEnabled = true;
+  s.SilenceStatus[6].Mode = 0x109;
+  UpdateOutputs(s);
+  TickAt(At(0, "07:59:59"));
+  EXPECT_EQ(s.panels.outputs[0].silentSeconds, -1);
+
+  s.SilenceStatus[6].Status = 1;
+  UpdateStatus(s);
+  TickAt(At(0, "08:00:00"));
+  EXPECT_EQ(s.panels.outputs[0].silentSeconds, 0);
+  TickAt(At(0, "08:03:05"));
+  EXPECT_EQ(s.panels.outputs[0].silentSeconds, 185);
+  s.Outputs[0].AlarmState = 1;
+  UpdateStatus(s);
+  ASSERT_EQ(s.panels.outputs[0].lamp, kLampYellow);
+  TickAt(At(0, "09:10:00"));
+  EXPECT_EQ(s.panels.outputs[0].silentSeconds, 4200) << "acknowledged, still the same silence";
+
+  s.SilenceStatus[6].Status = 0;
+  UpdateStatus(s);
+  Tick();
+  EXPECT_EQ(s.panels.outputs[0].silentSeconds, -1);
+}
+
+TEST(DurationTexts, ToolTipAndPanelForms) {
+  const struct {
+    qint64 seconds;
+    const char* toolTip;
+    const char* panel;
+  } cases[] = {
+      {0, "0 s", "0:00"},
+      {59, "59 s", "0:59"},
+      {185, "3 min 05 s", "3:05"},
+      {3600, "1 h 00 min", "1:00:00"},
+      {7509, "2 h 05 min", "2:05:09"},
+      {273600, "76 h 00 min", "3 d 4 h"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(DurationText(c.seconds), QString::fromLatin1(c.toolTip)) << c.seconds;
+    EXPECT_EQ(CompactDuration(c.seconds), QString::fromLatin1(c.panel)) << c.seconds;
+  }
 }
 
 }  // namespace

@@ -6,9 +6,11 @@
 // The demo folder (scripts/seed-demo ... show) gives the dialogs its schedule and its show on
 // air all day.
 
+#include <QAction>
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QLineEdit>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QTemporaryDir>
@@ -18,9 +20,11 @@
 #include <memory>
 
 #include "alerts/alerts.h"
+#include "history/alarm_history.h"
 #include "monitor/main_window.h"
 #include "monitor/monitor.h"
 #include "sim/sim_switcher.h"
+#include "storage/logs.h"
 #include "storage/shows_file.h"
 #include "ui/about_dialog.h"
 #include "ui/alerts_dialog.h"
@@ -33,6 +37,9 @@
 #include "ui/show_silence_status_dialog.h"
 #include "ui/shows_dialog.h"
 #include "ui/silence_detect_dialog.h"
+#include "window/alarm_history_window.h"
+#include "window/find_bar_widget.h"
+#include "window/next_day_window.h"
 
 namespace {
 
@@ -110,6 +117,139 @@ void ShootWindow(zrn::sim::SimSwitcher& sim, const QString& out, int outputs, co
   }
   monitor.Stop();
   // The next window starts on a quiet switcher.
+  QTest::qWait(1500);
+}
+
+// A day of activity in the log, written as the program writes it, for the history to read back.
+void SeedActivityLog(const QString& folder) {
+  zrn::ManualClock clock;
+  zrn::State s;
+  s.AppPath = folder + QLatin1Char('/');
+  s.clock = &clock;
+  const QDateTime now = QDateTime::currentDateTime();
+  const struct {
+    int minutesAgo;
+    const char* line;
+  } lines[] = {
+      {1380, "TX 3     [0003] Silence Alarm Status ON!"},
+      {1372, "TX 3     [0003] Loss Alarm Canceled - User"},
+      {1351, "TX 3     [0003] Silence Alarm Status OFF!"},
+      {1200, "Server Module Not Connected"},
+      {1186, "Server Module Connected"},
+      {900, "TX 9     [0009] Monitoring disabled."},
+      {560, "TX 9     [0009] Monitoring enabled."},
+      {420, "TX 7     [0007] Silence Alarm Status ON!"},
+      {405, "Loss Alarm Report Canceled"},
+      {371, "TX 7     [0007] Silence Alarm Status OFF!"},
+      {240, "Drive Time Silence Alarm Status ON!"},
+      {226, "Drive Time Silence Alarm Status OFF!"},
+      {95, "TX 12    [0012] Silence Alarm Status ON!"},
+      {61, "TX 12    [0012] Silence Alarm Status OFF!"},
+  };
+  for (const auto& l : lines) {
+    clock.Set(now.addSecs(-60 * l.minutesAgo));
+    zrn::DisplayMessage(s, QString::fromLatin1(l.line));
+  }
+}
+
+void Trigger(zrn::MainWindow& window, const QString& caption) {
+  for (QAction* action : window.findChildren<QAction*>()) {
+    if (action->text() == caption) {
+      action->trigger();
+      return;
+    }
+  }
+  std::fprintf(stderr, "zrn-screenshots: no menu item %s\n", qPrintable(caption));
+  ++failures;
+}
+
+// The windows of the View menu, the find box, how long outputs have been silent, and the lamps
+// of a lost link.
+void ShootViewWindows(zrn::sim::SimSwitcher& sim, const QString& out) {
+  QTemporaryDir folder;
+  WriteConfiguration(folder.path(), sim.Port(), 16, "Normal");
+  SeedActivityLog(folder.path());
+  zrn::Monitor monitor(folder.path() + QLatin1Char('/'));
+  zrn::MainWindow window(monitor);
+  monitor.Start();
+  window.show();
+  Linked(monitor);
+  for (const int output : {5, 11}) {
+    sim.ForceOutput(output - 1, false);
+  }
+  QTest::qWait(3500);
+  monitor.PanelClicked(4);
+  // Long enough for the silences to have counted some seconds.
+  QTest::qWait(5000);
+  monitor.ToggleView();
+  QTest::qWait(600);
+  Save(window.grab(), out + QStringLiteral("/large-16-silent-for.png"));
+  monitor.ToggleView();
+  QTest::qWait(300);
+
+  // A schedule around the clock for the next 24 hours.
+  zrn::State& s = monitor.state();
+  const auto event = [](const char* time, bool on, qint16 source = zrn::kNone,
+                        const char* label = nullptr) {
+    zrn::ScheduledEvent e;
+    e.Time = QString::fromLatin1(time);
+    e.Days = 0x7F;
+    e.Active = on;
+    if (source != zrn::kNone) {
+      e.Connect = true;
+      e.Source = source;
+    }
+    if (label != nullptr) {
+      e.DisplayOption = 2;
+      e.Label = QString::fromLatin1(label).leftJustified(12);
+    }
+    return e;
+  };
+  const std::vector<std::vector<zrn::ScheduledEvent>> schedules = {
+      {event("01:00:00", false), event("05:30:00", true)},
+      {event("01:00:00", false), event("05:30:00", true, 3, "Morning")},
+      {event("06:00:00", true, 7, "Breakfast"), event("09:00:00", true, 8, "Midday")},
+      {event("22:00:00", false), event("06:30:00", true)},
+  };
+  for (std::size_t i = 0; i < schedules.size(); ++i) {
+    s.Outputs[i].Events = schedules[i];
+    s.Outputs[i].EventCount = static_cast<qint16>(schedules[i].size());
+  }
+  Trigger(window, QStringLiteral("&Next 24 Hours"));
+  QTest::qWait(300);
+  if (zrn::NextDayWindow* next = window.NextDay()) {
+    Save(next->grab(), out + QStringLiteral("/next-24-hours.png"));
+    next->close();
+  }
+
+  Trigger(window, QStringLiteral("&Alarm History"));
+  QTest::qWait(300);
+  if (zrn::AlarmHistoryWindow* history = window.AlarmHistoryView()) {
+    Save(history->grab(), out + QStringLiteral("/alarm-history.png"));
+    history->close();
+  }
+
+  Trigger(window, QStringLiteral("&Find Output"));
+  window.FindBar()->Text()->setText(QStringLiteral("TX 1"));
+  QTest::qWait(300);
+  Save(window.grab(), out + QStringLiteral("/find-output.png"));
+  window.FindBar()->Text()->clear();
+  window.FindBar()->hide();
+  QTest::qWait(300);
+
+  // The moment the link is lost, before the poll timer connects again.
+  sim.DropConnections();
+  if (QTest::qWaitFor([&] { return !monitor.state().Connected; }, 5000)) {
+    Save(window.grab(), out + QStringLiteral("/stale-16.png"));
+  } else {
+    std::fprintf(stderr, "zrn-screenshots: the link was not seen lost\n");
+    ++failures;
+  }
+  for (const int output : {5, 11}) {
+    sim.ForceOutput(output - 1, std::nullopt);
+  }
+  Linked(monitor);
+  monitor.Stop();
   QTest::qWait(1500);
 }
 
@@ -235,6 +375,7 @@ int main(int argc, char** argv) {
       ShootWindow(sim, out, outputs, view);
     }
   }
+  ShootViewWindows(sim, out);
   ShootDialogs(sim, out,
                argc > 2 ? QDir(QString::fromLocal8Bit(argv[2])).absolutePath() : QString());
   return failures == 0 ? 0 : 1;
