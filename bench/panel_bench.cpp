@@ -1,38 +1,18 @@
 // Cost of redrawing the output panels: UpdateOutputs (panel texts) and UpdateStatus (lamps and
-// the relay decision) for 256 watched outputs, as every status report and poll tick asks.
+// the relay decision) for 256 and 4096 watched outputs, as every status report and poll tick asks.
 #include <benchmark/benchmark.h>
-#include <QTemporaryDir>
+#include <algorithm>
 
-#include "bench/null_link.h"
+#include "bench/switcher_state.h"
 #include "core/state.h"
 #include "monitor/panel_update.h"
 
 namespace {
 
-using zrn::bench::NullLink;
-
-constexpr qint16 kDetecting = 0x109;
-
 void BM_UpdateOutputsAndStatus(benchmark::State& state) {
-  QTemporaryDir dir;
-  NullLink link;
-  zrn::State s;
-  s.link = &link;
-  s.AppPath = dir.path() + QLatin1Char('/');
   const int watched = static_cast<int>(state.range(0));
-  s.Outputs.assign(watched, zrn::OutputEntry{});
-  s.OutputCount = static_cast<qint16>(watched);
-  for (int i = 0; i < watched; ++i) {
-    zrn::OutputEntry& out = s.Outputs[i];
-    out.Output = static_cast<qint16>(i + 1);
-    out.MonitoringEnabled = true;
-    // A mix of the three ways a panel is labelled.
-    out.DisplayOption = static_cast<qint16>(i % 3);
-    out.CustomLabel = QStringLiteral("Studio %1").arg(i);
-    s.SilenceStatus[i].Mode = kDetecting;
-    s.CrosspointMap[i].SourceCount = 1;
-    s.CrosspointMap[i].Sources[0] = static_cast<qint16>(i);
-  }
+  zrn::bench::SwitcherState w(std::max(256, watched), watched);
+  zrn::State& s = w.s;
   // Every eighth output silent, its alarm raised before timing starts.
   for (int i = 0; i < watched; i += 8) {
     s.SilenceStatus[i].Status = 1;
@@ -46,7 +26,7 @@ void BM_UpdateOutputsAndStatus(benchmark::State& state) {
   }
   state.SetItemsProcessed(state.iterations() * watched);
 }
-BENCHMARK(BM_UpdateOutputsAndStatus)->Arg(256)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_UpdateOutputsAndStatus)->Arg(256)->Arg(4096)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 

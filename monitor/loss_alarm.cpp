@@ -22,11 +22,6 @@ int PanelledOutputs(const State& s) {
   return std::min(WatchedCount(s), static_cast<int>(s.panels.outputs.size()));
 }
 
-bool OutputInAlarm(const State& s, int index) {
-  const OutputEntry& entry = s.Outputs[index];
-  return s.panels.outputs[index].lamp == kLampRed && entry.AlarmState == 0 && !entry.AlarmCanceled;
-}
-
 bool ShowInAlarm(const ShowRecord& show) {
   return show.Alarm == 1 && !show.AlarmCanceled && !show.AlarmSuppressed &&
          show.DownlinkMonitor != kNone;
@@ -88,6 +83,11 @@ void ReleaseStrayRelay(State& s, bool usable) {
 
 }  // namespace
 
+bool OutputInAlarm(const State& s, int index) {
+  const OutputEntry& entry = s.Outputs[index];
+  return s.panels.outputs[index].lamp == kLampRed && entry.AlarmState == 0 && !entry.AlarmCanceled;
+}
+
 int RelayTableSize(const State& s) {
   // Until the relay names arrive the table holds no reported state, so no relay is known.
   return std::clamp<int>(s.SwitcherRelayCount, 0, static_cast<int>(s.RelayStates.size()));
@@ -102,6 +102,10 @@ bool AlarmRelayWanted(const State& s) {
     bool any = false;
     ForEachActiveShow(s, [&](int index) { any = any || ShowInAlarm(s.Shows[index]); });
     return any;
+  }
+  // Within a decode batch the panel update keeps the count.
+  if (s.panelPass.lampsCurrent) {
+    return s.panelPass.alarmCount > 0;
   }
   const int panels = PanelledOutputs(s);
   for (int i = 0; i < panels; ++i) {

@@ -9,6 +9,10 @@ int RelayTableSize(const State& s);
 // AlarmRelay names a relay of that table; one beyond it counts as none.
 bool AlarmRelayUsable(const State& s);
 
+// Whether watched output index counts towards the relay: a red lamp that was neither
+// acknowledged nor cancelled.
+bool OutputInAlarm(const State& s, int index);
+
 // Whether the loss alarm wants the relay latched: in output mode a red lamp that was neither
 // acknowledged nor cancelled; in show mode an active show in alarm, not cancelled and not
 // suppressed.

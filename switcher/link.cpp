@@ -83,7 +83,8 @@ void ProcessFront(State& s) {
     if (type == 0xF5) {
       Consume(s, 1);
       s.linkState.NoResponseCount = 0;
-      SendToSwitcher(s, QByteArray(1, static_cast<char>(0xF4)));
+      static const QByteArray kKeepAliveAnswer(1, static_cast<char>(0xF4));
+      SendToSwitcher(s, kKeepAliveAnswer);
       return;
     }
     if (type == 0xF4 || type == 0xF1 || type == 0xF3) {
@@ -106,6 +107,11 @@ void ProcessFront(State& s) {
       continue;
     }
     const QByteArray message = Consume(s, boundary + 1);
+    // The status reports keep the panel update's memory in step; anything else may change
+    // what the panels show in ways it does not follow.
+    if (type != 0xCB && type != 0xF6 && type != 0xF7) {
+      s.panelPass.Forget();
+    }
     const MessageHandler& handler = s.linkState.handlers[type];
     if (handler) {
       handler(s, message);
@@ -125,6 +131,23 @@ bool CanProgress(State& s) {
   const bool singleByte = front == 0xF1 || front == 0xF3 || front == 0xF4 || front == 0xF5;
   return !TopBitSet(buffer[0]) || singleByte || buffer.size() > s.linkState.eomSearchedBytes;
 }
+
+// While one lives, the panel update may keep what its last full pass found; only the reports
+// run meanwhile. Nothing of it outlives the batch.
+class PanelPassBatch {
+ public:
+  explicit PanelPassBatch(State& s) : s_(s) { ++s_.panelPass.batches; }
+  ~PanelPassBatch() {
+    if (--s_.panelPass.batches == 0) {
+      s_.panelPass.Forget();
+    }
+  }
+  PanelPassBatch(const PanelPassBatch&) = delete;
+  PanelPassBatch& operator=(const PanelPassBatch&) = delete;
+
+ private:
+  State& s_;
+};
 
 }  // namespace
 
@@ -221,6 +244,7 @@ bool DecodeAvailable(State& s, std::chrono::milliseconds budget) {
   spent.start();
   // The activity lines of the reports are written together when the batch is done.
   const ActivityBatch batch(s);
+  const PanelPassBatch panelPass(s);
   // At least one message per call, so a tick always makes progress.
   while (ProcessMessages(s)) {
     if (spent.elapsed() >= budget.count()) {
@@ -237,6 +261,9 @@ bool ProcessMessages(State& s) {
   const qsizetype before = s.ReceiveBuffer.size();
   const bool ok = Trap(s, QStringLiteral("Error Processing Command"),
                        QStringLiteral("Connection Error"), [&] { ProcessFront(s); });
+  if (!ok) {
+    s.panelPass.Forget();  // a handler cut short may have changed anything
+  }
   if (!ok && s.ReceiveBuffer.size() == before) {
     return false;  // nothing was removed: trying again now would fail the same way
   }
