@@ -94,8 +94,12 @@ bool WriteErrorLine(State& s, const QString& location, const QString& message) {
     Rotate(s, kErrorLog);
     exists = false;
   }
-  if (!exists && !TryCreateErrorLog(s)) {
-    return false;
+  if (!exists) {
+    // Nothing is created in a folder that is not there, and asking the folder costs less than
+    // failing to open a file in it.
+    if ((!s.AppPath.isEmpty() && !QFileInfo(s.AppPath).isDir()) || !TryCreateErrorLog(s)) {
+      return false;
+    }
   }
   QFile file(path);
   if (!file.open(QIODevice::WriteOnly | QIODevice::Append)) {
