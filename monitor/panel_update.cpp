@@ -223,9 +223,9 @@ QString PanelName(const State& s, const OutputEntry& entry) {
 }
 
 void UpdateOutputs(State& s) {
+  // A full pass starts from nothing kept: the watched table may have changed since.
   PanelPassState& pass = s.panelPass;
-  pass.lampsCurrent = false;
-  pass.textsCurrent = false;
+  pass.Forget();
   const bool done =
       Trap(s, QStringLiteral("Error Updating Outputs"), QStringLiteral("Dispaly Error"), [&] {
         s.ManyOutputs = s.OutputCount >= 65 ? 1 : 0;
@@ -261,6 +261,7 @@ void UpdateStatus(State& s) {
   }
   PanelPassState& pass = s.panelPass;
   pass.lampsCurrent = false;
+  pass.firstOf.clear();
   bool graceSeen = false;
   const bool done =
       Trap(s, QStringLiteral("Error updating status"), QStringLiteral("Display Error"), [&] {
