@@ -87,6 +87,10 @@ bool TryCreateErrorLog(State& s);
 // has nowhere to be reported, so the failure is answered, not thrown: in a folder that has
 // gone, every message's attempt must stay cheap.
 bool WriteErrorLine(State& s, const QString& location, const QString& message) {
+  // Nothing is written in a folder that is not there, and one look at the folder says so.
+  if (!s.AppPath.isEmpty() && !QFileInfo(s.AppPath).isDir()) {
+    return false;
+  }
   const QString path = DataPath(s, kErrorLog + QStringLiteral(".txt"));
   QFileInfo info(path);
   bool exists = info.exists();
@@ -94,12 +98,8 @@ bool WriteErrorLine(State& s, const QString& location, const QString& message) {
     Rotate(s, kErrorLog);
     exists = false;
   }
-  if (!exists) {
-    // Nothing is created in a folder that is not there, and asking the folder costs less than
-    // failing to open a file in it.
-    if ((!s.AppPath.isEmpty() && !QFileInfo(s.AppPath).isDir()) || !TryCreateErrorLog(s)) {
-      return false;
-    }
+  if (!exists && !TryCreateErrorLog(s)) {
+    return false;
   }
   QFile file(path);
   if (!file.open(QIODevice::WriteOnly | QIODevice::Append)) {

@@ -1,6 +1,7 @@
 #include "switcher/link.h"
 
 #include <QElapsedTimer>
+#include <cstring>
 
 #include "core/failure.h"
 #include "storage/logs.h"
@@ -35,10 +36,25 @@ void ClearReceiveBuffer(State& s) {
 }
 
 // Removes n bytes from the front of the receive buffer, keeping the end-byte search in step.
-QByteArray Consume(State& s, qsizetype n) {
-  QByteArray head = TrimBuffer(s, static_cast<int>(n));
+void Consume(State& s, qsizetype n) {
+  QByteArray& buffer = s.ReceiveBuffer;
+  if (n >= buffer.size()) {
+    buffer.clear();
+  } else if (n > 0) {
+    buffer.remove(0, n);  // moves the start of the bytes, not the bytes
+  }
   s.linkState.eomSearchedBytes = std::max<qsizetype>(0, s.linkState.eomSearchedBytes - n);
-  return head;
+}
+
+// The front n bytes as a message, taken out of the receive buffer. They are copied into one
+// buffer kept for every message, so a message costs no allocation; the caller holds a shared
+// copy, which a handler that decodes again would leave untouched.
+QByteArray TakeMessage(State& s, qsizetype n) {
+  thread_local QByteArray message;
+  message.resize(n);
+  std::memcpy(message.data(), s.ReceiveBuffer.constData(), static_cast<size_t>(n));
+  Consume(s, n);
+  return message;
 }
 
 // Position of the byte that ends the front message: its end byte or, unless the message is
@@ -106,7 +122,7 @@ void ProcessFront(State& s) {
       Consume(s, boundary);
       continue;
     }
-    const QByteArray message = Consume(s, boundary + 1);
+    const QByteArray message = TakeMessage(s, boundary + 1);
     // The status reports keep the panel update's memory in step; anything else may change
     // what the panels show in ways it does not follow.
     if (type != 0xCB && type != 0xF6 && type != 0xF7) {
