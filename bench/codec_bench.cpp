@@ -3,19 +3,18 @@
 #include <benchmark/benchmark.h>
 #include <QDir>
 #include <QTemporaryDir>
+#include <algorithm>
 
-#include "bench/null_link.h"
+#include "bench/switcher_state.h"
 #include "core/state.h"
 #include "switcher/frame.h"
 #include "switcher/link.h"
 
 namespace {
 
-using zrn::bench::NullLink;
-
-// Keep-alives, silence change-of-state reports and crosspoint reports, as a busy switcher
-// sends them.
-QByteArray MixedStream(int messages) {
+// Keep-alives, silence change-of-state reports and crosspoint reports about switcher outputs
+// 0 .. outputs - 1, as a busy switcher sends them.
+QByteArray MixedStream(int messages, int outputs) {
   QByteArray stream;
   for (int i = 0; i < messages; ++i) {
     QByteArray payload;
@@ -28,7 +27,7 @@ QByteArray MixedStream(int messages) {
         // Change of state: one item, output, status.
         payload.append(static_cast<char>(0x0A));
         zrn::AppendInt14(payload, 1);
-        zrn::AppendInt14(payload, i % 256);
+        zrn::AppendInt14(payload, i % outputs);
         payload.append(static_cast<char>(i % 2));
         stream += zrn::BuildFrame(0xCB, payload);
         break;
@@ -36,10 +35,10 @@ QByteArray MixedStream(int messages) {
         // Crosspoint block of one output with one source.
         payload.append(static_cast<char>(0x01));
         zrn::AppendInt14(payload, 1);
-        zrn::AppendInt14(payload, i % 256);
+        zrn::AppendInt14(payload, i % outputs);
         zrn::AppendInt14(payload, 1);
         payload.append('\0');
-        zrn::AppendInt14(payload, (i * 7) % 256);
+        zrn::AppendInt14(payload, (i * 7) % outputs);
         zrn::AppendInt14(payload, 0);
         stream += zrn::BuildFrame(0xF6, payload);
     }
@@ -47,22 +46,16 @@ QByteArray MixedStream(int messages) {
   return stream;
 }
 
+// Arguments: messages, watched outputs. 64 watched outputs are every fourth of a 256-output
+// switcher, as a station would watch; 4096 are every output of a 4096 x 4096 router.
 void BM_DecodeMixedStream(benchmark::State& state) {
-  NullLink link;
-  // Logs go to a real folder: a watched output's silence change writes an activity line.
-  QTemporaryDir dir;
-  zrn::State s;
-  s.AppPath = dir.path() + QLatin1Char('/');
-  s.link = &link;
-  zrn::OnConnected(s);
-  // Watch 64 outputs, as a station would; the reports below concern all 256.
-  s.Outputs.assign(64, zrn::OutputEntry{});
-  for (int i = 0; i < 64; ++i) {
-    s.Outputs[i].Output = static_cast<qint16>(1 + 4 * i);
-  }
-  s.OutputCount = 64;
   const int messages = static_cast<int>(state.range(0));
-  const QByteArray stream = MixedStream(messages);
+  const int watched = static_cast<int>(state.range(1));
+  const int outputs = std::max(256, watched);
+  zrn::bench::SwitcherState w(outputs, watched, 1, outputs / watched);
+  zrn::State& s = w.s;
+  zrn::OnConnected(s);
+  const QByteArray stream = MixedStream(messages, outputs);
   for (auto _ : state) {
     s.ReceiveBuffer = stream;
     s.linkState.eomSearchedBytes = 0;
@@ -73,7 +66,7 @@ void BM_DecodeMixedStream(benchmark::State& state) {
   state.SetItemsProcessed(state.iterations() * messages);
   state.SetBytesProcessed(state.iterations() * stream.size());
 }
-BENCHMARK(BM_DecodeMixedStream)->Arg(1000)->Arg(10000);
+BENCHMARK(BM_DecodeMixedStream)->Args({10000, 64})->Args({10000, 4096});
 
 void BM_BuildFrames(benchmark::State& state) {
   QByteArray payload;

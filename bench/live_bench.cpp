@@ -3,18 +3,21 @@
 //
 //   loopback_rtt_*        round trip of 9 bytes between two plain sockets on loopback, back to
 //                         back; loopback_rest_rtt_* with 20 ms of sleep before each
-//   exchange_256_ms       start-up exchange with a 256 x 256 switcher
-//   exchange_4096_ms      start-up exchange with a 4096 x 4096 switcher
-//                         (256 watched outputs in both)
+//   first_paint_ms        start of a monitor process (this program again, building the window
+//                         as zrn-pennaro does) to its first paint once the start-up exchange
+//                         with a 4096 x 4096 switcher is complete, 4096 watched outputs
+//   exchange_4096_ms      start-up exchange with a 4096 x 4096 switcher, 4096 watched outputs
 //   latch_*_ms            silence change written by the simulator to the relay latch it reads
 //                         back (from the simulator's microsecond trace), each change made
-//                         with the monitor at rest (its window painted, 20 ms after the last)
+//                         with the monitor at rest (its window painted, 20 ms after the last);
+//                         4096 x 4096 switcher, 4096 watched outputs
 //   busy_latch_*_ms       the same with each change made as soon as the last was handled, so
 //                         the report often arrives while the window is still painting
-//   burst_*               10,000 status reports in one write: time until all are handled, and
+//   burst_*               100,000 status reports in one write: time until all are handled, and
 //                         the longest the window's event loop went without a turn meanwhile
 //
 // Usage: live_bench [CHANGES]   (default 1000 silence changes of each kind)
+//        live_bench --first-paint FOLDER   (the monitor process timed by first_paint_ms)
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/socket.h>
@@ -36,6 +39,7 @@
 
 #include "monitor/main_window.h"
 #include "monitor/monitor.h"
+#include "ui/broadcast_style.h"
 
 namespace {
 
@@ -217,9 +221,82 @@ int Fail(const char* what) {
   return 1;
 }
 
+constexpr int kBigRouter = 4096;
+
+QStringList BigRouter() {
+  return {QStringLiteral("--inputs"), QString::number(kBigRouter), QStringLiteral("--outputs"),
+          QString::number(kBigRouter)};
+}
+
+// The monitor process of first_paint_ms: built as zrn-pennaro builds it; says "painted" on its
+// first paint once the exchange is complete, and ends.
+int FirstPaintChild(int argc, char** argv, const QString& folder) {
+  QApplication app(argc, argv);
+  zrn::ApplyBroadcastStyle(app);
+  zrn::Monitor monitor(folder + QLatin1Char('/'));
+  zrn::MainWindow window(monitor);
+  monitor.Start();
+  window.show();
+  class PaintWatch : public QObject {
+   public:
+    PaintWatch(zrn::Monitor& m, QWidget& w) : monitor_(m), window_(w) {}
+    bool eventFilter(QObject* watched, QEvent* event) override {
+      if (event->type() == QEvent::Paint && monitor_.state().linkState.ExchangeComplete) {
+        auto* widget = qobject_cast<QWidget*>(watched);
+        if (widget != nullptr && widget->window() == &window_) {
+          std::printf("painted\n");
+          std::fflush(stdout);
+          QCoreApplication::exit(0);
+        }
+      }
+      return false;
+    }
+
+   private:
+    zrn::Monitor& monitor_;
+    QWidget& window_;
+  } watch(monitor, window);
+  app.installEventFilter(&watch);
+  // The last answer may change nothing on screen; the window is drawn once the exchange is done
+  // either way.
+  QObject::connect(&monitor, &zrn::Monitor::changed, &window, [&] {
+    if (monitor.state().linkState.ExchangeComplete) {
+      window.update();
+    }
+  });
+  QTimer::singleShot(20000, [] { QCoreApplication::exit(1); });
+  return app.exec();
+}
+
+// Milliseconds from starting the monitor process to its "painted" line; -1 when it never came.
+double FirstPaintMs(const QString& folder) {
+  QProcess child;
+  child.setProgram(QCoreApplication::applicationFilePath());
+  child.setArguments({QStringLiteral("--first-paint"), folder});
+  QElapsedTimer started;
+  started.start();
+  child.start();
+  double ms = -1;
+  while (child.state() != QProcess::NotRunning || child.bytesAvailable() > 0) {
+    child.waitForReadyRead(1);
+    if (child.canReadLine() && child.readLine().startsWith("painted")) {
+      ms = started.nsecsElapsed() / 1e6;
+      break;
+    }
+    if (started.elapsed() > 30000) {
+      break;
+    }
+  }
+  child.waitForFinished(5000);
+  return ms;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+  if (argc == 3 && QByteArray(argv[1]) == "--first-paint") {
+    return FirstPaintChild(argc, argv, QString::fromLocal8Bit(argv[2]));
+  }
   QApplication app(argc, argv);
   const int changes = argc > 1 ? std::max(1, atoi(argv[1])) : 1000;
 
@@ -239,30 +316,32 @@ int main(int argc, char** argv) {
   {
     const quint16 port = FreePort();
     Sim big;
-    if (!big.Start(port, {QStringLiteral("--inputs"), QStringLiteral("4096"),
-                          QStringLiteral("--outputs"), QStringLiteral("4096")})) {
+    if (!big.Start(port, BigRouter())) {
       return Fail("zrn-switcher-sim did not start");
     }
-    RunningMonitor m;
-    if (!m.Start(port, 256)) {
-      return Fail("the 4096 x 4096 start-up exchange did not complete");
+    QTemporaryDir folder;
+    WriteConfiguration(folder.path(), port, kBigRouter);
+    const double firstPaint = FirstPaintMs(folder.path());
+    if (firstPaint < 0) {
+      return Fail("the monitor process never painted its window after the exchange");
     }
-    Print("exchange_4096_ms", m.exchangeMs);
+    Print("first_paint_ms", firstPaint);
   }
 
   QTemporaryDir traceDir;
   const QString trace = traceDir.path() + QStringLiteral("/sim.trace");
   const quint16 port = FreePort();
   Sim sim;
-  if (!sim.Start(port, {QStringLiteral("--detect"), QStringLiteral("0"), QStringLiteral("--return"),
-                        QStringLiteral("0"), QStringLiteral("--trace"), trace})) {
+  if (!sim.Start(port, BigRouter() + QStringList{QStringLiteral("--detect"), QStringLiteral("0"),
+                                                 QStringLiteral("--return"), QStringLiteral("0"),
+                                                 QStringLiteral("--trace"), trace})) {
     return Fail("zrn-switcher-sim did not start");
   }
   RunningMonitor m;
-  if (!m.Start(port, 256)) {
-    return Fail("the 256 x 256 start-up exchange did not complete");
+  if (!m.Start(port, kBigRouter)) {
+    return Fail("the 4096 x 4096 start-up exchange did not complete");
   }
-  Print("exchange_256_ms", m.exchangeMs);
+  Print("exchange_4096_ms", m.exchangeMs);
   const zrn::State& s = m.monitor->state();
 
   auto relayOn = [&](bool on) {
@@ -298,7 +377,7 @@ int main(int argc, char** argv) {
 
   // The burst, followed by a route change on the same connection: once the monitor's map shows
   // the new route, every report before it has been handled.
-  constexpr int kBurst = 10000;
+  constexpr int kBurst = 100000;
   QElapsedTimer loop;
   qint64 lastTurn = 0;
   qint64 longestStall = 0;

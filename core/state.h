@@ -229,6 +229,38 @@ struct WatchTimes {
   std::vector<qint64> silentSince;
 };
 
+// What the panel update keeps while a decode batch runs, so that a report about one output
+// costs the panels of that output rather than a walk over every watched one. It is trusted only
+// from a full pass to the end of the batch: nothing but the reports runs in between, and what
+// may change the panels otherwise (another message type, the end of the exchange) drops it.
+struct PanelPassState {
+  // Open decode batches; the memory below is dropped when the last one ends.
+  int batches = 0;
+  // The lamps, and the count of panels in alarm, are what a full pass would make of the state.
+  bool lampsCurrent = false;
+  // The panel texts are what a full pass would write.
+  bool textsCurrent = false;
+  // Per panel: its lamp counts towards the alarm relay (red, neither acknowledged nor
+  // cancelled); and how many do.
+  std::vector<char> inAlarm;
+  int alarmCount = 0;
+  // Watched entries by channel, built on first use in a batch: the entries whose Output is c
+  // are byChannel[firstOf[c] .. firstOf[c + 1]), in table order.
+  std::vector<int> firstOf;
+  std::vector<int> byChannel;
+  // Channels whose silence status a change-of-state report has just changed.
+  std::vector<int> changedChannels;
+
+  // Trusts nothing kept: the next update is a full pass.
+  void Forget() {
+    lampsCurrent = false;
+    textsCurrent = false;
+    firstOf.clear();
+    byChannel.clear();
+    changedChannels.clear();
+  }
+};
+
 struct State {
   State();
 
@@ -337,6 +369,7 @@ struct State {
   WatchTimes watch;
   // Told of every operational message with its time as it is reported (the alarm history).
   std::function<void(const QDateTime&, const QString&)> activityListener;
+  PanelPassState panelPass;
 };
 
 // The current wall-clock time from the state's clock.

@@ -103,6 +103,10 @@ bool AlarmRelayWanted(const State& s) {
     ForEachActiveShow(s, [&](int index) { any = any || ShowInAlarm(s.Shows[index]); });
     return any;
   }
+  // Within a decode batch the panel update keeps the count.
+  if (s.panelPass.lampsCurrent) {
+    return s.panelPass.alarmCount > 0;
+  }
   const int panels = PanelledOutputs(s);
   for (int i = 0; i < panels; ++i) {
     if (OutputInAlarm(s, i)) {

@@ -17,6 +17,9 @@ Monitor::Monitor(const QString& appPath, Clock* clock, QObject* parent)
   connect(connection_.get(), &SwitcherConnection::changed, this, &Monitor::changed);
   pollTimer_.setInterval(500);
   connect(&pollTimer_, &QTimer::timeout, this, &Monitor::Poll);
+  // Outside this object's handlers only the switcher's messages change the state, so the panel
+  // update may keep what it found from one decode batch to the next (see Handle).
+  ++s_.panelPass.batches;
 }
 
 Monitor::~Monitor() {
@@ -26,8 +29,14 @@ Monitor::~Monitor() {
 
 template <class Body>
 void Monitor::Handle(const char* where, Body&& body) {
+  // A handler may change anything, in a dialog's own event loop too: while it runs the panel
+  // update keeps nothing beyond one decode batch, and nothing it kept before survives it.
+  --s_.panelPass.batches;
+  s_.panelPass.Forget();
   // The last line of defence: nothing a handler meets may end the program.
   Trap(s_, QString::fromLatin1(where), QStringLiteral("Timer Error"), body);
+  ++s_.panelPass.batches;
+  s_.panelPass.Forget();
   emit changed();
 }
 

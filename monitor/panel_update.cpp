@@ -1,6 +1,7 @@
 #include "monitor/panel_update.h"
 
 #include <algorithm>
+#include <initializer_list>
 
 #include "monitor/loss_alarm.h"
 #include "monitor/output_panels.h"
@@ -51,17 +52,109 @@ PanelTexts TextsOf(const State& s, const OutputEntry& entry) {
   return {s.OutputNames[channel - 1], ChannelDigits(channel)};
 }
 
+// Sets text to the parts joined unless it holds them already: every report rewrites the texts
+// of thousands of panels, and almost none of them change.
+void SetText(QString& text, std::initializer_list<QStringView> parts) {
+  qsizetype size = 0;
+  for (const QStringView part : parts) {
+    size += part.size();
+  }
+  if (text.size() == size) {
+    const QStringView held(text);
+    qsizetype at = 0;
+    bool same = true;
+    for (const QStringView part : parts) {
+      same = same && held.sliced(at, part.size()) == part;
+      at += part.size();
+    }
+    if (same) {
+      return;
+    }
+  }
+  QString joined;
+  joined.reserve(size);
+  for (const QStringView part : parts) {
+    joined.append(part);
+  }
+  text = std::move(joined);
+}
+
+void SetText(QString& text, const QString& to) {
+  if (text != to) {
+    text = to;
+  }
+}
+
 void WriteTexts(const OutputEntry& entry, const PanelTexts& texts, OutputPanelModel& panel) {
-  panel.toolTip = texts.number.isEmpty()
-                      ? texts.label
-                      : texts.label + QStringLiteral("    [") + texts.number + QLatin1Char(']');
+  if (texts.number.isEmpty()) {
+    SetText(panel.toolTip, texts.label);
+  } else {
+    SetText(panel.toolTip, {texts.label, u"    [", texts.number, u"]"});
+  }
   if (entry.DisplayOption == 2) {
     // The custom label takes the second line.
-    panel.nameLine.clear();
-    panel.channelLine = texts.label;
+    SetText(panel.nameLine, QString());
+    SetText(panel.channelLine, texts.label);
   } else {
-    panel.nameLine = texts.label;
-    panel.channelLine = texts.number.isEmpty() ? QString() : QStringLiteral("Ch. ") + texts.number;
+    SetText(panel.nameLine, texts.label);
+    if (texts.number.isEmpty()) {
+      SetText(panel.channelLine, QString());
+    } else {
+      SetText(panel.channelLine, {u"Ch. ", texts.number});
+    }
+  }
+}
+
+void WritePanelTexts(State& s, int index) {
+  WriteTexts(s.Outputs[index], TextsOf(s, s.Outputs[index]), s.panels.outputs[index]);
+}
+
+int PanelCount(const State& s) {
+  return std::min(WatchedCount(s), static_cast<int>(s.panels.outputs.size()));
+}
+
+// Another pass of UpdateOutputs would neither load nor unload panels.
+bool PanelSetSettled(const State& s) {
+  const int count = WatchedCount(s);
+  const int built = static_cast<int>(s.panels.outputs.size());
+  return s.PanelsLoaded == count && built == std::max(count, 1);
+}
+
+// Whether a grace was ever started for the switcher output (0-based): such a lamp may change
+// with the clock alone, so a batch that meets one keeps to full passes.
+bool GraceStamped(const State& s, int output) {
+  return output >= 0 && output < static_cast<int>(s.SilenceGraceUntil.size()) &&
+         s.SilenceGraceUntil[output].isValid();
+}
+
+// Builds the channel index of the watched entries: a counting sort, so each channel's entries
+// keep table order.
+void IndexWatched(State& s) {
+  PanelPassState& pass = s.panelPass;
+  const int watched = WatchedCount(s);
+  int highest = 0;
+  for (int i = 0; i < watched; ++i) {
+    highest = std::max<int>(highest, s.Outputs[i].Output);
+  }
+  pass.firstOf.assign(highest + 2, 0);
+  int indexed = 0;
+  for (int i = 0; i < watched; ++i) {
+    const int channel = s.Outputs[i].Output;
+    if (channel >= 0) {
+      ++pass.firstOf[channel + 1];
+      ++indexed;
+    }
+  }
+  for (int c = 1; c <= highest + 1; ++c) {
+    pass.firstOf[c] += pass.firstOf[c - 1];
+  }
+  std::vector<int> next(pass.firstOf.begin(), pass.firstOf.end() - 1);
+  pass.byChannel.resize(indexed);
+  for (int i = 0; i < watched; ++i) {
+    const int channel = s.Outputs[i].Output;
+    if (channel >= 0) {
+      pass.byChannel[next[channel]++] = i;
+    }
   }
 }
 
@@ -113,7 +206,16 @@ void UpdateLamp(State& s, OutputEntry& entry, OutputPanelModel& panel) {
 }  // namespace
 
 QString ChannelDigits(int channel) {
-  return QStringLiteral("%1").arg(channel, 4, 10, QLatin1Char('0'));
+  // Made once per channel: panel texts and activity lines ask for them all the time.
+  thread_local std::vector<QString> made(kNone + 1);
+  if (channel < 0 || channel > kNone) {
+    return QStringLiteral("%1").arg(channel, 4, 10, QLatin1Char('0'));
+  }
+  QString& digits = made[static_cast<size_t>(channel)];
+  if (digits.isNull()) {
+    digits = QStringLiteral("%1").arg(channel, 4, 10, QLatin1Char('0'));
+  }
+  return digits;
 }
 
 QString PanelName(const State& s, const OutputEntry& entry) {
@@ -121,6 +223,9 @@ QString PanelName(const State& s, const OutputEntry& entry) {
 }
 
 void UpdateOutputs(State& s) {
+  // A full pass starts from nothing kept: the watched table may have changed since.
+  PanelPassState& pass = s.panelPass;
+  pass.Forget();
   const bool done =
       Trap(s, QStringLiteral("Error Updating Outputs"), QStringLiteral("Dispaly Error"), [&] {
         s.ManyOutputs = s.OutputCount >= 65 ? 1 : 0;
@@ -136,13 +241,16 @@ void UpdateOutputs(State& s) {
         } else if (s.PanelsLoaded > count || built > std::max(count, 1)) {
           UnloadOutputs(s);
         }
-        const int panels = std::min(count, static_cast<int>(s.panels.outputs.size()));
+        const int panels = PanelCount(s);
         for (int i = 0; i < panels; ++i) {
-          WriteTexts(s.Outputs[i], TextsOf(s, s.Outputs[i]), s.panels.outputs[i]);
+          WritePanelTexts(s, i);
         }
         ApplyViewVisibility(s);
       });
   if (done) {
+    // A pass that had to report a short table, or to load or unload panels, is never skipped.
+    pass.textsCurrent = pass.batches > 0 && s.OutputCount <= static_cast<int>(s.Outputs.size()) &&
+                        PanelSetSettled(s);
     UpdateStatus(s);
   }
 }
@@ -151,12 +259,89 @@ void UpdateStatus(State& s) {
   if (s.requests.Req4 != 0) {
     return;
   }
-  Trap(s, QStringLiteral("Error updating status"), QStringLiteral("Display Error"), [&] {
-    const int panels = std::min(WatchedCount(s), static_cast<int>(s.panels.outputs.size()));
-    for (int i = 0; i < panels; ++i) {
+  PanelPassState& pass = s.panelPass;
+  pass.lampsCurrent = false;
+  pass.firstOf.clear();
+  bool graceSeen = false;
+  const bool done =
+      Trap(s, QStringLiteral("Error updating status"), QStringLiteral("Display Error"), [&] {
+        const int panels = PanelCount(s);
+        pass.inAlarm.assign(panels, 0);
+        pass.alarmCount = 0;
+        for (int i = 0; i < panels; ++i) {
+          UpdateLamp(s, s.Outputs[i], s.panels.outputs[i]);
+          const bool alarm = OutputInAlarm(s, i);
+          pass.inAlarm[i] = alarm ? 1 : 0;
+          pass.alarmCount += alarm ? 1 : 0;
+          graceSeen = graceSeen || GraceStamped(s, s.Outputs[i].Output - 1);
+        }
+      });
+  pass.lampsCurrent = done && !graceSeen && pass.batches > 0;
+  DecideAlarmRelay(s);
+}
+
+bool IndexedWatching(State& s, int channel, std::span<const int>& entries) {
+  PanelPassState& pass = s.panelPass;
+  if (!pass.lampsCurrent && !pass.textsCurrent) {
+    return false;
+  }
+  if (pass.firstOf.empty()) {
+    IndexWatched(s);
+  }
+  entries = {};
+  if (channel >= 0 && channel + 1 < static_cast<int>(pass.firstOf.size())) {
+    entries =
+        std::span<const int>(pass.byChannel)
+            .subspan(pass.firstOf[channel], pass.firstOf[channel + 1] - pass.firstOf[channel]);
+  }
+  return true;
+}
+
+void UpdateRoutedOutputs(State& s, int first, int count) {
+  PanelPassState& pass = s.panelPass;
+  if (!pass.textsCurrent) {
+    UpdateOutputs(s);
+    return;
+  }
+  const int panels = PanelCount(s);
+  for (int output = first; output < first + count; ++output) {
+    ForEachWatching(s, output + 1, [&](int i) {
+      if (i < panels) {
+        WritePanelTexts(s, i);
+      }
+    });
+  }
+  if (s.requests.Req4 != 0) {
+    return;
+  }
+  // The lamps do not follow the routing: what a full pass would do beyond them is the decision.
+  if (pass.lampsCurrent) {
+    DecideAlarmRelay(s);
+  } else {
+    UpdateStatus(s);
+  }
+}
+
+void UpdateChangedLamps(State& s) {
+  PanelPassState& pass = s.panelPass;
+  if (!pass.lampsCurrent || s.requests.Req4 != 0) {
+    pass.changedChannels.clear();
+    UpdateStatus(s);
+    return;
+  }
+  const int panels = PanelCount(s);
+  for (const int channel : pass.changedChannels) {
+    ForEachWatching(s, channel, [&](int i) {
+      if (i >= panels) {
+        return;
+      }
       UpdateLamp(s, s.Outputs[i], s.panels.outputs[i]);
-    }
-  });
+      const char alarm = OutputInAlarm(s, i) ? 1 : 0;
+      pass.alarmCount += alarm - pass.inAlarm[i];
+      pass.inAlarm[i] = alarm;
+    });
+  }
+  pass.changedChannels.clear();
   DecideAlarmRelay(s);
 }
 

@@ -59,10 +59,6 @@ void AppendBytes(const QString& path, const QByteArray& bytes) {
   }
 }
 
-void AppendLine(const QString& path, const QString& line) {
-  AppendBytes(path, Lines({line}));
-}
-
 // Moves a full log to "<base> MMddyy HHmm.txt"; a second rotation in the same minute gets
 // " (2)", " (3)" ... so no rotated log is ever overwritten.
 void Rotate(State& s, const QString& base) {
@@ -84,30 +80,40 @@ qint64 LogLimit(const State& s) {
   return static_cast<qint64>(s.MaxLogFileSize) * 1024;
 }
 
-void RotateIfFull(State& s, const QString& base) {
-  if (s.MaxLogFileSize <= 0) {
-    return;
-  }
-  const QFileInfo info(DataPath(s, base + QStringLiteral(".txt")));
-  if (info.exists() && info.size() >= LogLimit(s)) {
-    Rotate(s, base);
-  }
-}
+// Creates the error log with its header; false when it cannot be created.
+bool TryCreateErrorLog(State& s);
 
-void WriteErrorLine(State& s, const QString& location, const QString& message) {
+// Appends one error line; false when the log cannot be written. An error that cannot be logged
+// has nowhere to be reported, so the failure is answered, not thrown: in a folder that has
+// gone, every message's attempt must stay cheap.
+bool WriteErrorLine(State& s, const QString& location, const QString& message) {
+  // Nothing is written in a folder that is not there, and one look at the folder says so.
+  if (!s.AppPath.isEmpty() && !QFileInfo(s.AppPath).isDir()) {
+    return false;
+  }
+  const QString path = DataPath(s, kErrorLog + QStringLiteral(".txt"));
+  QFileInfo info(path);
+  bool exists = info.exists();
+  if (exists && s.MaxLogFileSize > 0 && info.size() >= LogLimit(s)) {
+    Rotate(s, kErrorLog);
+    exists = false;
+  }
+  if (!exists && !TryCreateErrorLog(s)) {
+    return false;
+  }
+  QFile file(path);
+  if (!file.open(QIODevice::WriteOnly | QIODevice::Append)) {
+    return false;
+  }
+  // The line is made only once it has somewhere to go.
   const QString stamp = GeneralDateTime(Now(s));
   QString line = stamp.leftJustified(24) + location;
   if (line.size() < 60) {
     line = line.leftJustified(60);
   }
   line += message;
-
-  RotateIfFull(s, kErrorLog);
-  const QString path = DataPath(s, kErrorLog + QStringLiteral(".txt"));
-  if (!QFileInfo::exists(path)) {
-    CreateErrorLog(s);
-  }
-  AppendLine(path, line);
+  const QByteArray bytes = Lines({line});
+  return file.write(bytes) == bytes.size() && file.flush();
 }
 
 }  // namespace
@@ -134,12 +140,26 @@ QString ActivityStamp(const QDateTime& when) {
 }
 
 QString GeneralDateTime(const QDateTime& when) {
-  // The formats are worked out once per locale: every error line needs them.
+  // The formats are worked out once per locale, and a flood of error lines within one second
+  // is stamped with one text.
   struct Formats {
     QString localeName, date, time;
+    QLocale locale;
+    QDate lastDate;
+    int lastSecond = -1;
+    QString lastText;
   };
   static Formats cached;
   const QLocale locale;
+  const QDate date = when.date();
+  const int second = when.time().msecsSinceStartOfDay() / 1000;
+  if (!cached.date.isEmpty() && locale == cached.locale && date == cached.lastDate &&
+      second == cached.lastSecond) {
+    return cached.lastText;
+  }
+  cached.lastDate = date;
+  cached.lastSecond = second;
+  cached.locale = locale;
   if (cached.localeName != locale.name() || cached.date.isEmpty()) {
     cached.localeName = locale.name();
     cached.date = locale.dateFormat(QLocale::ShortFormat);
@@ -151,8 +171,9 @@ QString GeneralDateTime(const QDateTime& when) {
     cached.time.remove(QLatin1Char('t'));
     cached.time = cached.time.trimmed();
   }
-  return locale.toString(when.date(), cached.date) + QLatin1Char(' ') +
-         locale.toString(when.time(), cached.time);
+  cached.lastText = locale.toString(when.date(), cached.date) + QLatin1Char(' ') +
+                    locale.toString(when.time(), cached.time);
+  return cached.lastText;
 }
 
 QString FileStamp(const QDateTime& when) {
@@ -181,17 +202,27 @@ bool CreateActivityLog(State& s) {
   }
 }
 
-void CreateErrorLog(State& s) {
+namespace {
+
+bool TryCreateErrorLog(State& s) {
+  QFile file(DataPath(s, kErrorLog + QStringLiteral(".txt")));
+  if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
+    return false;
+  }
   QStringList lines = HeaderTop();
   lines << QStringLiteral("ZRN Pennaro Error Logfile") << QString()
         << QStringLiteral(
                " DATE     TIME           LOCATION                      MESSAGE DESCRIPTION")
         << kHyphens;
+  const QByteArray bytes = Lines(lines);
+  return file.write(bytes) == bytes.size();
+}
+
+}  // namespace
+
+void CreateErrorLog(State& s) {
   // A failure here surfaces when the line itself is appended.
-  try {
-    CreateLog(DataPath(s, kErrorLog + QStringLiteral(".txt")), lines);
-  } catch (const Failure&) {
-  }
+  TryCreateErrorLog(s);
 }
 
 namespace {
@@ -280,16 +311,21 @@ bool WithinMinute(const QDateTime& written, const QDateTime& now) {
 }
 
 // Writes how often each remembered line was held back since it was last written, and forgets
-// the lines whose minute is over.
-void WriteHeldBackCounts(State& s, const QDateTime& now) {
+// the lines whose minute is over. False, and nothing forgotten, when a line could not be
+// written.
+bool WriteHeldBackCounts(State& s, const QDateTime& now) {
   std::vector<HeldBackError>& recent = s.logs.recentErrors;
   for (HeldBackError& e : recent) {
     if (e.heldBack > 0) {
       const int held = std::exchange(e.heldBack, 0);
-      WriteErrorLine(s, e.location, e.message + QStringLiteral(" (repeated %1 times)").arg(held));
+      if (!WriteErrorLine(s, e.location,
+                          e.message + QStringLiteral(" (repeated %1 times)").arg(held))) {
+        return false;
+      }
     }
   }
   std::erase_if(recent, [&](const HeldBackError& e) { return !WithinMinute(e.lastWritten, now); });
+  return true;
 }
 
 }  // namespace
@@ -301,17 +337,30 @@ void WriteErrorLog(State& s, const QString& message, const QString& location) {
   if (log.reportingWriteFailure) {
     return;
   }
-  const QDateTime now = Now(s);
+  // The remembered lines are compared in UTC, as a local time is converted anew at each
+  // comparison; and only when there are any, so a folder that cannot be written stays cheap.
+  const QDateTime local = Now(s);
+  QDateTime now;
+  auto utcNow = [&]() -> const QDateTime& {
+    if (now.isNull()) {
+      now = local.toUTC();
+    }
+    return now;
+  };
   auto same = std::find_if(
       log.recentErrors.begin(), log.recentErrors.end(),
       [&](const HeldBackError& e) { return e.location == location && e.message == message; });
-  if (same != log.recentErrors.end() && WithinMinute(same->lastWritten, now)) {
+  if (same != log.recentErrors.end() && WithinMinute(same->lastWritten, utcNow())) {
     ++same->heldBack;
     return;
   }
   try {
-    WriteHeldBackCounts(s, now);
-    WriteErrorLine(s, location, message);
+    // A line that cannot be written would be reported through this very function, which
+    // would drop that report: nothing more is done.
+    if ((!log.recentErrors.empty() && !WriteHeldBackCounts(s, utcNow())) ||
+        !WriteErrorLine(s, location, message)) {
+      return;
+    }
     // Only a line that reached the file holds back its repeats.
     std::erase_if(log.recentErrors, [&](const HeldBackError& e) {
       return e.location == location && e.message == message;
@@ -319,7 +368,7 @@ void WriteErrorLog(State& s, const QString& message, const QString& location) {
     if (log.recentErrors.size() >= kMaxRecentErrors) {
       log.recentErrors.erase(log.recentErrors.begin());
     }
-    log.recentErrors.push_back({location, message, now, 0});
+    log.recentErrors.push_back({location, message, utcNow(), 0});
   } catch (const Failure& failure) {
     log.reportingWriteFailure = true;
     LogError(s, QStringLiteral("Error Writing to Error Log"), QStringLiteral("File Error"),
@@ -330,7 +379,7 @@ void WriteErrorLog(State& s, const QString& message, const QString& location) {
 
 void FlushHeldBackErrors(State& s) {
   try {
-    WriteHeldBackCounts(s, Now(s));
+    WriteHeldBackCounts(s, Now(s).toUTC());
   } catch (const Failure&) {
     // Closing: there is nowhere left to report a log that cannot be written.
   }

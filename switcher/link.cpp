@@ -1,6 +1,7 @@
 #include "switcher/link.h"
 
 #include <QElapsedTimer>
+#include <cstring>
 
 #include "core/failure.h"
 #include "storage/logs.h"
@@ -35,10 +36,25 @@ void ClearReceiveBuffer(State& s) {
 }
 
 // Removes n bytes from the front of the receive buffer, keeping the end-byte search in step.
-QByteArray Consume(State& s, qsizetype n) {
-  QByteArray head = TrimBuffer(s, static_cast<int>(n));
+void Consume(State& s, qsizetype n) {
+  QByteArray& buffer = s.ReceiveBuffer;
+  if (n >= buffer.size()) {
+    buffer.clear();
+  } else if (n > 0) {
+    buffer.remove(0, n);  // moves the start of the bytes, not the bytes
+  }
   s.linkState.eomSearchedBytes = std::max<qsizetype>(0, s.linkState.eomSearchedBytes - n);
-  return head;
+}
+
+// The front n bytes as a message, taken out of the receive buffer. They are copied into one
+// buffer kept for every message, so a message costs no allocation; the caller holds a shared
+// copy, which a handler that decodes again would leave untouched.
+QByteArray TakeMessage(State& s, qsizetype n) {
+  thread_local QByteArray message;
+  message.resize(n);
+  std::memcpy(message.data(), s.ReceiveBuffer.constData(), static_cast<size_t>(n));
+  Consume(s, n);
+  return message;
 }
 
 // Position of the byte that ends the front message: its end byte or, unless the message is
@@ -80,14 +96,16 @@ void ProcessFront(State& s) {
     }
 
     const auto type = static_cast<quint8>(buffer[0]);
-    ++s.linkState.messagesDecoded;
     if (type == 0xF5) {
+      ++s.linkState.messagesDecoded;
       Consume(s, 1);
       s.linkState.NoResponseCount = 0;
-      SendToSwitcher(s, QByteArray(1, static_cast<char>(0xF4)));
+      static const QByteArray kKeepAliveAnswer(1, static_cast<char>(0xF4));
+      SendToSwitcher(s, kKeepAliveAnswer);
       return;
     }
     if (type == 0xF4 || type == 0xF1 || type == 0xF3) {
+      ++s.linkState.messagesDecoded;
       Consume(s, 1);
       s.linkState.NoResponseCount = 0;
       return;
@@ -106,7 +124,13 @@ void ProcessFront(State& s) {
       Consume(s, boundary);
       continue;
     }
-    const QByteArray message = Consume(s, boundary + 1);
+    const QByteArray message = TakeMessage(s, boundary + 1);
+    ++s.linkState.messagesDecoded;
+    // The status reports keep the panel update's memory in step; anything else may change
+    // what the panels show in ways it does not follow.
+    if (type != 0xCB && type != 0xF6 && type != 0xF7) {
+      s.panelPass.Forget();
+    }
     const MessageHandler& handler = s.linkState.handlers[type];
     if (handler) {
       handler(s, message);
@@ -126,6 +150,23 @@ bool CanProgress(State& s) {
   const bool singleByte = front == 0xF1 || front == 0xF3 || front == 0xF4 || front == 0xF5;
   return !TopBitSet(buffer[0]) || singleByte || buffer.size() > s.linkState.eomSearchedBytes;
 }
+
+// While one lives, the panel update may keep what its last full pass found; only the reports
+// run meanwhile. Nothing of it outlives the batch.
+class PanelPassBatch {
+ public:
+  explicit PanelPassBatch(State& s) : s_(s) { ++s_.panelPass.batches; }
+  ~PanelPassBatch() {
+    if (--s_.panelPass.batches == 0) {
+      s_.panelPass.Forget();
+    }
+  }
+  PanelPassBatch(const PanelPassBatch&) = delete;
+  PanelPassBatch& operator=(const PanelPassBatch&) = delete;
+
+ private:
+  State& s_;
+};
 
 }  // namespace
 
@@ -222,6 +263,7 @@ bool DecodeAvailable(State& s, std::chrono::milliseconds budget) {
   spent.start();
   // The activity lines of the reports are written together when the batch is done.
   const ActivityBatch batch(s);
+  const PanelPassBatch panelPass(s);
   // At least one message per call, so a tick always makes progress.
   while (ProcessMessages(s)) {
     if (spent.elapsed() >= budget.count()) {
@@ -238,6 +280,9 @@ bool ProcessMessages(State& s) {
   const qsizetype before = s.ReceiveBuffer.size();
   const bool ok = Trap(s, QStringLiteral("Error Processing Command"),
                        QStringLiteral("Connection Error"), [&] { ProcessFront(s); });
+  if (!ok) {
+    s.panelPass.Forget();  // a handler cut short may have changed anything
+  }
   if (!ok && s.ReceiveBuffer.size() == before) {
     return false;  // nothing was removed: trying again now would fail the same way
   }

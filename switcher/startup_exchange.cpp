@@ -244,6 +244,8 @@ void CompleteExchangeIfAnswered(State& s) {
   r.exchangeOpen = false;
   r.repeats = 0;
   s.linkState.ExchangeComplete = true;
+  // Pending routes start graces and shows take outputs over: the panels' memory is stale.
+  s.panelPass.Forget();
   if (r.unansweredReported) {
     r.unansweredReported = false;
     s.StatusBarText = kConnectedText;

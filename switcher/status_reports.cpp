@@ -1,6 +1,7 @@
 #include "switcher/status_reports.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "monitor/loss_alarm.h"
 #include "monitor/panel_update.h"
@@ -35,6 +36,8 @@ void ApplyCrosspointMap(State& s, const QByteArray& message) {
     return;
   }
   const int entrySize = (level == kLevelWithSecondValue ? 6 : 4) + (markers ? 1 : 0);
+  // A map stored but not taken leaves panel texts behind the routing until the next full pass.
+  const bool textsCurrent = std::exchange(s.panelPass.textsCurrent, false);
   qint64 total = 8;
   for (int output = first; output < first + count; ++output) {
     const int n = in.Int14();
@@ -75,7 +78,8 @@ void ApplyCrosspointMap(State& s, const QByteArray& message) {
   // answer: the map is asked for again.
   if (message.size() == total) {
     ClearRequest(s, kRequestCrosspointMap);
-    UpdateOutputs(s);
+    s.panelPass.textsCurrent = textsCurrent;
+    UpdateRoutedOutputs(s, first, count);
   }
 }
 
@@ -124,13 +128,10 @@ void ChangeOfState(State& s, int output, int report) {
     return;
   }
   status = static_cast<quint8>(now);
+  s.panelPass.changedChannels.push_back(output + 1);
   const bool silenceChanged = ((now ^ old) & 1) != 0;
-  const int watched = std::clamp<int>(s.OutputCount, 0, static_cast<int>(s.Outputs.size()));
-  for (int i = 0; i < watched; ++i) {
+  ForEachWatching(s, output + 1, [&](int i) {
     OutputEntry& entry = s.Outputs[static_cast<size_t>(i)];
-    if (entry.Output != output + 1) {
-      continue;
-    }
     // A peak coming or going leaves the acknowledgement of a silence standing.
     if (silenceChanged) {
       entry.AlarmState = 0;
@@ -138,17 +139,14 @@ void ChangeOfState(State& s, int output, int report) {
     }
     // In show mode the watched outputs are hidden and raise no alarm: their lines would only
     // name an output where the operator looks for a show.
-    if (s.ProgramMode == 1) {
-      continue;
+    if (s.ProgramMode == 1 || (now != 0 && now != 1)) {
+      return;
     }
-    const QString line =
-        PanelName(s, entry) + QStringLiteral(" [") + ChannelDigits(output + 1) + QLatin1Char(']');
-    if (now == 1) {
-      DisplayMessage(s, line + QStringLiteral(" Silence Alarm Status ON!"));
-    } else if (now == 0) {
-      DisplayMessage(s, line + QStringLiteral(" Silence Alarm Status OFF!"));
-    }
-  }
+    const QString line = PanelName(s, entry) + QStringLiteral(" [") + ChannelDigits(output + 1) +
+                         (now == 1 ? QStringLiteral("] Silence Alarm Status ON!")
+                                   : QStringLiteral("] Silence Alarm Status OFF!"));
+    DisplayMessage(s, line);
+  });
 }
 
 // False when the message was not accepted (its error line is written).
@@ -233,7 +231,12 @@ void ProcessSilenceDetect(State& s, const QByteArray& message) {
   Trap(s, QStringLiteral("Error Receiving Silence Detect"),
        QStringLiteral("Switcher Message Error"),
        [&] { accepted = ApplySilenceDetect(s, message); });
-  if (accepted) {
+  if (!accepted) {
+    // Whatever it changed before it failed is left to the next full pass.
+    s.panelPass.Forget();
+  } else if (static_cast<quint8>(message[1]) == kSilenceChangeOfState) {
+    UpdateChangedLamps(s);
+  } else {
     UpdateStatus(s);
   }
 }

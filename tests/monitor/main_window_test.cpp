@@ -254,6 +254,11 @@ TEST_F(MainWindowTest, LargeViewAndCancelReleasesTheRelay) {
   ClickAt(InWindow(window->CancelButton()).center());
   EXPECT_TRUE(ServerReceives(Bytes({0xFE, 0x40, 0x00, 0x00, 0x00, 0x02, 0x00, 0x42, 0xFF})));
   EXPECT_TRUE(s.MessageRows.last().endsWith(QStringLiteral("Loss Alarm Report Canceled")));
+  // A peak on another output afterwards raises nothing: the cancelled alarms stay off the relay.
+  peer->write(Bytes({0xCB, 0x0A, 0x01, 0x00, 0x06, 0x00, 0x41, 0x52, 0xFF}));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return s.SilenceStatus[6].Status == 2; }, 5000));
+  EXPECT_EQ(s.lossAlarm.wantedRelay, kNone);
+  EXPECT_TRUE(s.MessageRows.last().endsWith(QStringLiteral("Loss Alarm Report Canceled")));
 
   // File > Toggle View brings the normal view and its history list back.
   monitor->ToggleView();

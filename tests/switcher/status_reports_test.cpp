@@ -1,9 +1,14 @@
 #include "switcher/status_reports.h"
 
+#include <QFile>
+#include <QTemporaryDir>
+#include <random>
+
 #include "monitor/panel_update.h"
 #include "support/fake_link.h"
 #include "support/switcher_bytes.h"
 #include "support/temp_state.h"
+#include "switcher/frame.h"
 #include "switcher/link.h"
 #include "switcher/startup_exchange.h"
 
@@ -226,6 +231,163 @@ TEST_F(StatusReports, RelayStatesAreStoredWithinTheRelayTable) {
   EXPECT_EQ(Errors(), QStringList{"Error Receiving Relay/Opto State Relay States Length Error"});
   EXPECT_EQ(s.RelayStates[1], 1);
   EXPECT_EQ(s.requests.Req1, 1 << kRequestRelayStates);
+}
+
+// One random stream of reports about a 16-output switcher: silence and peak changes, detector
+// status, crosspoint maps (some a byte short, so stored but not taken), relay states and
+// keep-alives.
+QList<QByteArray> RandomReports(std::mt19937& random, int count) {
+  auto pick = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
+  QList<QByteArray> reports;
+  for (int m = 0; m < count; ++m) {
+    QByteArray payload;
+    switch (pick(10)) {
+      case 0:
+        reports << QByteArray(1, static_cast<char>(0xF5));
+        continue;
+      case 1:  // status of a few outputs from some output on
+      {
+        const int first = pick(16);
+        const int n = 1 + pick(4);
+        payload.append(static_cast<char>(kSilenceStatusReport));
+        AppendInt14(payload, n);
+        AppendInt14(payload, first);
+        for (int k = 0; k < n; ++k) {
+          payload.append(static_cast<char>(pick(4)));
+        }
+        reports << BuildFrame(0xCB, payload);
+        continue;
+      }
+      case 2:
+      case 3: {  // a route, one in four a byte short
+        const int output = pick(16);
+        payload.append(static_cast<char>(0x01));
+        AppendInt14(payload, 1);
+        AppendInt14(payload, output);
+        const bool routed = pick(5) != 0;
+        AppendInt14(payload, routed ? 1 : 0);
+        payload.append('\0');
+        if (routed) {
+          AppendInt14(payload, pick(20));
+          AppendInt14(payload, 0);
+        }
+        if (pick(4) == 0) {
+          payload.append('\0');
+        }
+        reports << BuildFrame(0xF6, payload);
+        continue;
+      }
+      case 4:  // relay 1 reported on or off
+        payload.append(static_cast<char>(0x28));
+        AppendInt14(payload, 1);
+        AppendInt14(payload, 0);
+        payload.append(static_cast<char>(pick(2)));
+        reports << BuildFrame(0xF7, payload);
+        continue;
+      default: {  // changes of state, silence or peak, of one to three outputs
+        const int n = 1 + pick(3);
+        payload.append(static_cast<char>(kSilenceChangeOfState));
+        AppendInt14(payload, n);
+        for (int k = 0; k < n; ++k) {
+          AppendInt14(payload, pick(17));  // one beyond the switcher now and then
+          payload.append(static_cast<char>(pick(2) | (pick(3) == 0 ? 64 : 0)));
+        }
+        reports << BuildFrame(0xCB, payload);
+      }
+    }
+  }
+  return reports;
+}
+
+struct BatchCase {
+  const char* name;
+  bool showMode = false;
+  bool graceOnChannel3 = false;
+  bool statusRequestOpen = false;
+};
+
+// The panel update keeps what its last full pass found while a batch of reports is decoded, and
+// then touches only the outputs a report names. Whatever a stream holds, a batch must end
+// exactly where one report at a time, each with its full pass, ends: lamps, texts, alarm
+// states, activity lines, relay commands.
+TEST(StatusReportBatches, EndWhereOneReportAtATimeEnds) {
+  const BatchCase cases[] = {
+      {"outputs"},
+      {"show mode", true},
+      {"a grace running", false, true},
+      {"detector status still awaited", false, false, true},
+  };
+  for (const BatchCase& c : cases) {
+    SCOPED_TRACE(c.name);
+    std::mt19937 random(20261123);
+    for (int round = 0; round < 40; ++round) {
+      const QList<QByteArray> reports = RandomReports(random, 150);
+      struct Side {
+        QTemporaryDir dir;
+        ManualClock clock;
+        FakeLink link;
+        State s;
+      };
+      Side batch;
+      Side single;
+      for (Side* side : {&batch, &single}) {
+        State& s = side->s;
+        s.AppPath = side->dir.path() + QLatin1Char('/');
+        s.clock = &side->clock;
+        s.link = &side->link;
+        OnConnected(s);
+        s.linkState.ExchangeComplete = true;
+        s.SwitcherOutputCount = 16;
+        s.SwitcherInputCount = 16;
+        s.SwitcherRelayCount = 2;
+        s.RelayStates.assign(2, 0);
+        s.AlarmRelay = 1;
+        s.ProgramMode = c.showMode ? 1 : 0;
+        // 24 watched entries on 12 channels: some channels twice, one beyond the switcher.
+        s.Outputs.assign(24, OutputEntry{});
+        s.OutputCount = 24;
+        for (int i = 0; i < 24; ++i) {
+          OutputEntry& e = s.Outputs[i];
+          e.Output = static_cast<qint16>(i < 23 ? 1 + (i * 5) % 12 : 17);
+          e.DisplayOption = static_cast<qint16>(i % 3);
+          e.MonitoringEnabled = i % 7 != 6;
+          e.AlarmState = static_cast<qint16>(i % 5 == 0 ? 1 : 0);
+        }
+        for (int o = 0; o < 16; ++o) {
+          s.SilenceStatus[o].Mode = o == 4 ? 0 : kDetecting;
+          s.InputNames[o] = QStringLiteral("In %1").arg(o);
+        }
+        if (c.graceOnChannel3) {
+          StartSilenceGrace(s, 2, 9);
+        }
+        UpdateOutputs(s);
+        if (c.statusRequestOpen) {
+          SetRequest(s, kRequestSilenceStatus);
+        }
+      }
+      QByteArray stream;
+      for (const QByteArray& r : reports) {
+        stream += r;
+      }
+      OnDataAvailable(batch.s, stream);
+      ASSERT_TRUE(batch.s.ReceiveBuffer.isEmpty());
+      single.s.ReceiveBuffer = stream;
+      while (ProcessMessages(single.s)) {
+      }
+      for (size_t i = 0; i < 24; ++i) {
+        ASSERT_EQ(batch.s.panels.outputs[i], single.s.panels.outputs[i]) << "panel " << i;
+        ASSERT_EQ(batch.s.Outputs[i].AlarmState, single.s.Outputs[i].AlarmState);
+        ASSERT_EQ(batch.s.Outputs[i].AlarmCanceled, single.s.Outputs[i].AlarmCanceled);
+      }
+      ASSERT_EQ(batch.s.MessageRows.join(u'\n'), single.s.MessageRows.join(u'\n'));
+      ASSERT_EQ(batch.link.wire, single.link.wire);
+      ASSERT_EQ(batch.s.lossAlarm.wantedRelay, single.s.lossAlarm.wantedRelay);
+      QFile a(batch.s.AppPath + QStringLiteral("EventLog.txt"));
+      QFile b(single.s.AppPath + QStringLiteral("EventLog.txt"));
+      ASSERT_EQ(a.open(QIODevice::ReadOnly), b.open(QIODevice::ReadOnly));
+      ASSERT_EQ(a.readAll(), b.readAll());
+    }
+  }
 }
 
 }  // namespace
