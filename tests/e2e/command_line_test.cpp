@@ -148,6 +148,8 @@ TEST(ProgramCommandLine, AnUnwritableProgramFolderFallsBackToTheUserDataFolder) 
       << text.toStdString();
   EXPECT_TRUE(text.trimmed().endsWith(QStringLiteral("Monitor Closed")));
   EXPECT_EQ(QDir(bin).entryList(QDir::Files | QDir::Hidden), QStringList{"zrn-pennaro"});
+  QFile::setPermissions(bin, QFileDevice::ReadOwner | QFileDevice::WriteOwner |
+                                 QFileDevice::ExeOwner);  // so the folder can be removed
 }
 
 }  // namespace

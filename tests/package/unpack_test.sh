@@ -44,8 +44,8 @@ grep -q "version=\"$version\"" "$root/usr/share/metainfo/org.zrn.pennaro.metainf
 unit=$root/usr/lib/systemd/system/zrn-pennaro-headless.service
 grep -qx 'ExecStart=/usr/bin/zrn-pennaro --headless --folder /var/lib/zrn-pennaro' "$unit" ||
   fail "ExecStart"
-grep -qx 'DynamicUser=yes' "$unit" && grep -qx 'StateDirectory=zrn-pennaro' "$unit" ||
-  fail "the unit does not run as its own user with its state directory"
+grep -qx 'DynamicUser=yes' "$unit" || fail "the unit does not run as its own user"
+grep -qx 'StateDirectory=zrn-pennaro' "$unit" || fail "the unit has no state directory"
 for units in /usr/lib/systemd/system /lib/systemd/system; do
   [ -d "$units" ] && cp -rn "$units/." "$root/usr/lib/systemd/system/"
 done
