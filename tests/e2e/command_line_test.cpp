@@ -70,36 +70,47 @@ TEST(ProgramCommandLine, HelpAndVersionAnswerAndLeaveTheFolderAlone) {
 }
 
 // The monitor in a server rack: no window, no display; a silence latches the alarm relay, and
-// SIGTERM ends it through its normal shut-down.
-TEST(ProgramCommandLine, HeadlessLatchesTheRelayAndClosesOnSigterm) {
-  QTemporaryDir dir;
-  ASSERT_TRUE(dir.isValid());
-  const quint16 port = test::FreePort();
-  test::SimProcess sim(port);
-  ASSERT_TRUE(sim.Start());
-  const QString folder = dir.filePath(QStringLiteral("data"));
-  ASSERT_TRUE(QDir().mkpath(folder));
-  ASSERT_TRUE(test::WriteMonitorConfig(folder, port, 4));
+// SIGTERM ends it through its normal shut-down. With a window SIGTERM closes the window the same
+// way.
+TEST(ProgramCommandLine, SilenceLatchesTheRelayAndSigtermClosesCleanly) {
+  const struct {
+    QStringList args;
+    const char* platform;
+  } cases[] = {{{"--headless"}, nullptr}, {{}, "offscreen"}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.args.isEmpty() ? "with a window" : "headless");
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    const quint16 port = test::FreePort();
+    test::SimProcess sim(port);
+    ASSERT_TRUE(sim.Start());
+    const QString folder = dir.filePath(QStringLiteral("data"));
+    ASSERT_TRUE(QDir().mkpath(folder));
+    ASSERT_TRUE(test::WriteMonitorConfig(folder, port, 4));
 
-  QProcess monitor;
-  monitor.setProcessEnvironment(NoDisplay());
-  monitor.start(Built("zrn-pennaro"),
-                {QStringLiteral("--headless"), QStringLiteral("--folder"), folder});
-  ASSERT_TRUE(monitor.waitForStarted(5000));
-  ASSERT_TRUE(QTest::qWaitFor(
-      [&] { return sim.Status(QStringLiteral("connections")) == QStringLiteral("1"); }, 10000));
-  QTest::qWait(1500);  // the start-up exchange
-  sim.Command(QStringLiteral("input 2 silent"));
-  EXPECT_TRUE(QTest::qWaitFor(
-      [&] { return sim.Status(QStringLiteral("relays_on")) == QStringLiteral("1"); }, 15000));
+    QProcess monitor;
+    QProcessEnvironment env = NoDisplay();
+    if (c.platform != nullptr) {
+      env.insert(QStringLiteral("QT_QPA_PLATFORM"), QLatin1String(c.platform));
+    }
+    monitor.setProcessEnvironment(env);
+    monitor.start(Built("zrn-pennaro"), c.args + QStringList{QStringLiteral("--folder"), folder});
+    ASSERT_TRUE(monitor.waitForStarted(5000));
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] { return sim.Status(QStringLiteral("connections")) == QStringLiteral("1"); }, 10000));
+    QTest::qWait(1500);  // the start-up exchange
+    sim.Command(QStringLiteral("input 2 silent"));
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] { return sim.Status(QStringLiteral("relays_on")) == QStringLiteral("1"); }, 15000));
 
-  monitor.terminate();  // SIGTERM
-  ASSERT_TRUE(monitor.waitForFinished(10000));
-  EXPECT_EQ(monitor.exitStatus(), QProcess::NormalExit);
-  EXPECT_EQ(monitor.exitCode(), 0);
-  const QString log = ReadAll(folder + QStringLiteral("/EventLog.txt"));
-  EXPECT_TRUE(log.contains(QStringLiteral("Loss Alarm Report On"))) << log.toStdString();
-  EXPECT_TRUE(log.trimmed().endsWith(QStringLiteral("Monitor Closed"))) << log.toStdString();
+    monitor.terminate();  // SIGTERM
+    ASSERT_TRUE(monitor.waitForFinished(10000));
+    EXPECT_EQ(monitor.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(monitor.exitCode(), 0);
+    const QString log = ReadAll(folder + QStringLiteral("/EventLog.txt"));
+    EXPECT_TRUE(log.contains(QStringLiteral("Loss Alarm Report On"))) << log.toStdString();
+    EXPECT_TRUE(log.trimmed().endsWith(QStringLiteral("Monitor Closed"))) << log.toStdString();
+  }
 }
 
 // Installed where the operator may not write, the monitor keeps its files in the per-user data
