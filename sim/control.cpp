@@ -199,16 +199,27 @@ const std::map<QString, Handler>& Commands() {
        }},
       {QStringLiteral("help"),
        [](SimSwitcher&, const Args&) {
-         return QStringLiteral(
-             "ok input N silent|audio|toggle; output N silent|audio|auto; peak N on|off|toggle; "
-             "burst N; "
-             "route IN|none OUT; relay N on|off; drop; mute on|off; send HEX; status; quit");
+         return QStringLiteral("ok ") + CommandList().join(QStringLiteral("; "));
        }},
   };
   return commands;
 }
 
 }  // namespace
+
+QStringList CommandList() {
+  return {QStringLiteral("input N silent|audio|toggle"),
+          QStringLiteral("output N silent|audio|auto"),
+          QStringLiteral("peak N on|off|toggle"),
+          QStringLiteral("burst N"),
+          QStringLiteral("route IN|none OUT"),
+          QStringLiteral("relay N on|off"),
+          QStringLiteral("drop"),
+          QStringLiteral("mute on|off"),
+          QStringLiteral("send HEX"),
+          QStringLiteral("status"),
+          QStringLiteral("quit")};
+}
 
 bool IsCommandName(const QString& word) {
   return Commands().count(word) > 0;

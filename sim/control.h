@@ -18,6 +18,8 @@ QString RunCommand(SimSwitcher& sim, const QString& line);
 // The one-line summary of the "status" command, without its "ok ".
 QString StatusLine(const SimSwitcher& sim);
 bool IsCommandName(const QString& word);
+// One line per control command with its arguments, as "help" and --help list them.
+QStringList CommandList();
 
 // Control lines over loopback TCP: one command per line, one reply line per command.
 class ControlServer : public QObject {

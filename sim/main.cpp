@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <vector>
 
 #include "sim/control.h"
 #include "sim/scenario.h"
@@ -25,18 +26,33 @@ int Fail(const QString& line) {
   return 1;
 }
 
-// Reads a whole-number option within min..max into *value.
-bool NumberOption(const QCommandLineParser& parser, const QString& name, int min, int max,
-                  int* value) {
-  if (!parser.isSet(name)) {
-    return true;
+// A whole-number option and the range it must fall in.
+struct NumberOption {
+  const char* name;
+  int min;
+  int max;
+  int* value;
+};
+
+// Takes every number option given; false with the option at fault in *error otherwise.
+bool ReadNumbers(const QCommandLineParser& parser, const std::vector<NumberOption>& options,
+                 QString* error) {
+  for (const NumberOption& option : options) {
+    const QString name = QString::fromLatin1(option.name);
+    if (!parser.isSet(name)) {
+      continue;
+    }
+    bool ok = false;
+    const int n = parser.value(name).toInt(&ok);
+    if (!ok || n < option.min || n > option.max) {
+      *error = QStringLiteral("--%1: '%2' is not a whole number from %3 to %4")
+                   .arg(name, parser.value(name))
+                   .arg(option.min)
+                   .arg(option.max);
+      return false;
+    }
+    *option.value = n;
   }
-  bool ok = false;
-  const int n = parser.value(name).toInt(&ok);
-  if (!ok || n < min || n > max) {
-    return false;
-  }
-  *value = n;
   return true;
 }
 
@@ -47,9 +63,14 @@ int main(int argc, char** argv) {
   QCoreApplication::setApplicationName(QStringLiteral("zrn-switcher-sim"));
 
   QCommandLineParser parser;
-  parser.setApplicationDescription(QStringLiteral(
-      "Plays the audio routing switcher's server module for the ZRN Pennaro monitor."));
+  QCoreApplication::setApplicationVersion(QStringLiteral(ZRN_VERSION));
+  parser.setApplicationDescription(
+      QStringLiteral("Plays the audio routing switcher's server module for the ZRN Pennaro "
+                     "monitor.\n\nControl commands, one per line on standard input or the "
+                     "--control port:\n  ") +
+      CommandList().join(QStringLiteral("\n  ")) + QStringLiteral("\n  help"));
   parser.addHelpOption();
+  parser.addVersionOption();
   const auto option = [&](const char* name, const char* help, const char* value,
                           const char* fallback = nullptr) {
     parser.addOption(QCommandLineOption(QString::fromLatin1(name), QString::fromLatin1(help),
@@ -72,19 +93,23 @@ int main(int argc, char** argv) {
   int port = 1250;
   int controlPort = -1;
   constexpr int kMaxChannels = 16382;
-  if (!NumberOption(parser, QStringLiteral("inputs"), 1, kMaxChannels, &options.inputs) ||
-      !NumberOption(parser, QStringLiteral("outputs"), 1, kMaxChannels, &options.outputs) ||
-      !NumberOption(parser, QStringLiteral("relays"), 0, kMaxChannels, &options.relays) ||
-      !NumberOption(parser, QStringLiteral("optos"), 0, kMaxChannels, &options.optos) ||
-      !NumberOption(parser, QStringLiteral("detect"), 0, kMaxChannels, &options.detectSeconds) ||
-      !NumberOption(parser, QStringLiteral("return"), 0, kMaxChannels, &options.returnSeconds) ||
-      !NumberOption(parser, QStringLiteral("port"), 0, 65535, &port) ||
-      !NumberOption(parser, QStringLiteral("control"), 1, 65535, &controlPort)) {
-    return Fail(QStringLiteral("a number option is out of range; see --help"));
+  QString error;
+  if (!ReadNumbers(parser,
+                   {{"inputs", 1, kMaxChannels, &options.inputs},
+                    {"outputs", 1, kMaxChannels, &options.outputs},
+                    {"relays", 0, kMaxChannels, &options.relays},
+                    {"optos", 0, kMaxChannels, &options.optos},
+                    {"detect", 0, kMaxChannels, &options.detectSeconds},
+                    {"return", 0, kMaxChannels, &options.returnSeconds},
+                    {"port", 0, 65535, &port},
+                    {"control", 1, 65535, &controlPort}},
+                   &error)) {
+    return Fail(error + QStringLiteral("; see --help"));
   }
   const QHostAddress address(parser.value(QStringLiteral("listen")));
   if (address.isNull()) {
-    return Fail(QStringLiteral("not an address: ") + parser.value(QStringLiteral("listen")));
+    return Fail(QStringLiteral("--listen: not an address: ") +
+                parser.value(QStringLiteral("listen")));
   }
 
   Trace trace;  // outlives the switcher that writes to it
@@ -95,7 +120,7 @@ int main(int argc, char** argv) {
   if (parser.isSet(QStringLiteral("trace"))) {
     QString error;
     if (!trace.Open(parser.value(QStringLiteral("trace")), &error)) {
-      return Fail(QStringLiteral("cannot open the trace file: ") + error);
+      return Fail(QStringLiteral("--trace: cannot open the file: ") + error);
     }
     sim.SetTrace(&trace);
   }
@@ -107,14 +132,13 @@ int main(int argc, char** argv) {
     if (name != QLatin1String("demo")) {
       QFile file(name);
       if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
-        return Fail(QStringLiteral("cannot read the scenario: ") + file.errorString());
+        return Fail(QStringLiteral("--scenario: cannot read %1: %2").arg(name, file.errorString()));
       }
       text = QString::fromUtf8(file.readAll());
     }
-    QString error;
     auto steps = ParseScenario(text, &error);
-    if (!steps) {
-      return Fail(QStringLiteral("scenario ") + error);
+    if (!steps || !CheckScenario(*steps, options, &error)) {
+      return Fail(QStringLiteral("--scenario: %1 %2").arg(name, error));
     }
     scenario = std::make_unique<ScenarioRunner>(sim, std::move(*steps));
     QObject::connect(scenario.get(), &ScenarioRunner::ran,

@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "sim/control.h"
+#include "sim/sim_switcher.h"
 
 namespace zrn::sim {
 
@@ -25,19 +26,44 @@ std::optional<std::vector<ScenarioStep>> ParseScenario(const QString& text, QStr
       continue;
     }
     const QStringList words = line.split(QLatin1Char(' '));
-    bool ok = false;
-    const double seconds = words.size() >= 3 ? words[1].toDouble(&ok) : 0;
-    const bool every = words[0] == QLatin1String("every");
-    const bool timed = every || words[0] == QLatin1String("at");
-    const double least = every ? 0.001 : 0;
-    if (!timed || !ok || !std::isfinite(seconds) || seconds < least || seconds > kMaxSeconds ||
-        !IsCommandName(words[2].toLower())) {
-      *error = QStringLiteral("line %1: %2").arg(i + 1).arg(line);
+    const auto fail = [&](const QString& why) {
+      *error = QStringLiteral("line %1: %2: %3").arg(i + 1).arg(why, line);
       return std::nullopt;
+    };
+    const bool every = words[0] == QLatin1String("every");
+    if (!every && words[0] != QLatin1String("at")) {
+      return fail(QStringLiteral("a step starts with \"at\" or \"every\""));
     }
-    steps.push_back({every, seconds, words.mid(2).join(QLatin1Char(' '))});
+    bool ok = false;
+    const double seconds = words.size() >= 2 ? words[1].toDouble(&ok) : 0;
+    const double least = every ? 0.001 : 0;
+    if (!ok || !std::isfinite(seconds) || seconds < least || seconds > kMaxSeconds) {
+      return fail(every ? QStringLiteral("seconds must be more than 0 and at most 86400")
+                        : QStringLiteral("seconds must be from 0 to 86400"));
+    }
+    if (words.size() < 3 || !IsCommandName(words[2].toLower())) {
+      return fail(QStringLiteral("not a control command"));
+    }
+    steps.push_back({every, seconds, words.mid(2).join(QLatin1Char(' ')), i + 1});
   }
   return steps;
+}
+
+bool CheckScenario(const std::vector<ScenarioStep>& steps, const SimOptions& options,
+                   QString* error) {
+  SimSwitcher scratch(options);
+  for (const ScenarioStep& step : steps) {
+    const QString reply = RunCommand(scratch, step.command);
+    if (reply.startsWith(QLatin1String("error"))) {
+      *error = QStringLiteral("line %1: %2: %3")
+                   .arg(step.line)
+                   .arg(reply.mid(6),
+                        (step.repeat ? QStringLiteral("every ") : QStringLiteral("at ")) +
+                            QString::number(step.seconds) + QLatin1Char(' ') + step.command);
+      return false;
+    }
+  }
+  return true;
 }
 
 QString DemoScenario() {

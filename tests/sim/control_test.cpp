@@ -93,11 +93,31 @@ TEST_F(SimControl, ControlPortAnswersEveryLineAndStatusIsKeyValuePairs) {
 }
 
 TEST_F(SimControl, ScenariosParseStrictlyAndRunOnTime) {
+  // Each bad line is named with its number and what is wrong with it: a bad time or word when
+  // parsed, a bad argument when checked against the switcher's size.
+  const struct {
+    const char* text;
+    const char* error;
+  } bad[] = {
+      {"at 1 input 1 silent\nat x status\n",
+       "line 2: seconds must be from 0 to 86400: at x status"},
+      {"# first\n\nevery 0 status",
+       "line 3: seconds must be more than 0 and at most 86400: every 0 status"},
+      {"sometimes 3 status", "line 1: a step starts with \"at\" or \"every\": sometimes 3 status"},
+      {"at 1 frobnicate", "line 1: not a control command: at 1 frobnicate"},
+      {"at 2", "line 1: not a control command: at 2"},
+      {"at 2 status\nat 3 input 17 silent", "line 2: input must be 1..16: at 3 input 17 silent"},
+      {"at 1 relay 2 maybe", "line 1: usage: relay N on|off: at 1 relay 2 maybe"},
+  };
   QString error;
-  EXPECT_FALSE(ParseScenario(QStringLiteral("at 1 input 1 silent\nat x status\n"), &error));
-  EXPECT_EQ(error, QStringLiteral("line 2: at x status"));
-  for (const char* bad : {"every 0 status", "sometimes 3 status", "at 1 frobnicate", "at 2"}) {
-    EXPECT_FALSE(ParseScenario(QString::fromLatin1(bad), &error)) << bad;
+  for (const auto& c : bad) {
+    error.clear();
+    const auto parsed = ParseScenario(QString::fromLatin1(c.text), &error);
+    if (parsed) {
+      EXPECT_FALSE(CheckScenario(*parsed, SimOptions{.inputs = 16, .outputs = 16}, &error))
+          << c.text;
+    }
+    EXPECT_EQ(error, QString::fromLatin1(c.error)) << c.text;
   }
   const auto demo = ParseScenario(DemoScenario(), &error);
   ASSERT_TRUE(demo);
@@ -153,10 +173,37 @@ TEST(SimProgram, RunsFromTheCommandLineAndTakesCommandsOnStandardInput) {
   if (!QFileInfo::exists(program)) {
     GTEST_SKIP() << "build the zrn-switcher-sim target first";
   }
-  QProcess bad;
-  bad.start(program, {QStringLiteral("--inputs"), QStringLiteral("0")});
-  ASSERT_TRUE(bad.waitForFinished(5000));
-  EXPECT_EQ(bad.exitCode(), 1);
+  // Every refusal names the option at fault.
+  const struct {
+    QStringList args;
+    const char* says;
+  } refused[] = {
+      {{"--inputs", "0"}, "--inputs: '0' is not a whole number from 1 to 16382"},
+      {{"--port", "http"}, "--port: 'http' is not a whole number from 0 to 65535"},
+      {{"--control", "70000"}, "--control: '70000' is not a whole number from 1 to 65535"},
+      {{"--listen", "nowhere"}, "--listen: not an address: nowhere"},
+      {{"--scenario", "/nonexistent/steps.txt"}, "--scenario: cannot read /nonexistent/steps.txt"},
+  };
+  for (const auto& c : refused) {
+    QProcess bad;
+    bad.start(program, c.args);
+    ASSERT_TRUE(bad.waitForFinished(5000));
+    EXPECT_EQ(bad.exitCode(), 1) << c.says;
+    EXPECT_TRUE(bad.readAllStandardError().contains(c.says)) << c.says;
+  }
+  // A scenario file's bad line is reported with its number when the file is loaded.
+  QTemporaryDir dir;
+  QFile steps(dir.filePath(QStringLiteral("steps.txt")));
+  ASSERT_TRUE(steps.open(QIODevice::WriteOnly));
+  steps.write("# a mistake on the third line\nat 1 input 2 silent\nevery 60 input 300 toggle\n");
+  steps.close();
+  QProcess badScenario;
+  badScenario.start(program, {QStringLiteral("--scenario"), steps.fileName()});
+  ASSERT_TRUE(badScenario.waitForFinished(5000));
+  EXPECT_EQ(badScenario.exitCode(), 1);
+  EXPECT_EQ(QString::fromUtf8(badScenario.readAllStandardError()).trimmed(),
+            QStringLiteral("zrn-switcher-sim: --scenario: ") + steps.fileName() +
+                QStringLiteral(" line 3: input must be 1..256: every 60 input 300 toggle"));
 
   QProcess sim;
   sim.start(program, {QStringLiteral("--port"), QStringLiteral("0"), QStringLiteral("--outputs"),
