@@ -15,6 +15,10 @@
 //                         the report often arrives while the window is still painting
 //   burst_*               100,000 status reports in one write: time until all are handled, and
 //                         the longest the window's event loop went without a turn meanwhile
+//   alerts_off_latch_*    at-rest latency again with the alerts attached and the status
+//                         endpoint off, in blocks taken in turn with
+//   alerts_scraped_latch_* the endpoint on and /metrics scraped ten times a second from
+//                         another thread, as Prometheus would; alerts_scrapes is their count
 //
 // Usage: live_bench [CHANGES]   (default 1000 silence changes of each kind)
 //        live_bench --first-paint FOLDER   (the monitor process timed by first_paint_ms)
@@ -32,11 +36,13 @@
 #include <QTemporaryDir>
 #include <QTimer>
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
 #include <functional>
 #include <thread>
 #include <vector>
 
+#include "alerts/alerts.h"
 #include "monitor/main_window.h"
 #include "monitor/monitor.h"
 #include "ui/broadcast_style.h"
@@ -216,6 +222,104 @@ struct RunningMonitor {
   }
 };
 
+// Each reported silence on output 1 (CB 0A, one item, output 0, silent) paired with the next
+// latch of relay 1 the simulator reads (FE 44 00 00 00 00 00), in the order they happened.
+std::vector<double> LatchLatencies(const QString& trace) {
+  std::vector<double> latencies;
+  QFile file(trace);
+  if (!file.open(QIODevice::ReadOnly)) {
+    return latencies;
+  }
+  qint64 silenceAt = -1;
+  while (!file.atEnd()) {
+    const QString line = QString::fromLatin1(file.readLine()).trimmed();
+    if (line.contains(QStringLiteral(" tx CB 0A 01 00 00 00 01 "))) {
+      silenceAt = Stamp(line);
+    } else if (silenceAt >= 0 && line.contains(QStringLiteral(" rx FE 44 00 00 00 00 00"))) {
+      latencies.push_back((Stamp(line) - silenceAt) / 1000.0);
+      silenceAt = -1;
+    }
+  }
+  return latencies;
+}
+
+// Scrapes /metrics every 100 ms over one kept-alive connection from its own thread, as a
+// Prometheus server does; idle while aimed at port 0.
+class Scraper {
+ public:
+  Scraper() : thread_([this] { Run(); }) {}
+  ~Scraper() {
+    stop_ = true;
+    thread_.join();
+  }
+  void Aim(quint16 port) { port_ = port; }
+  int Scrapes() const { return scrapes_; }
+
+ private:
+  void Run() {
+    int fd = -1;
+    quint16 connected = 0;
+    while (!stop_) {
+      const auto next = std::chrono::steady_clock::now() + std::chrono::milliseconds(100);
+      const quint16 port = port_;
+      if (port != connected && fd >= 0) {
+        ::close(fd);
+        fd = -1;
+      }
+      if (port != 0 && fd < 0) {
+        fd = ::socket(AF_INET, SOCK_STREAM, 0);
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_port = htons(port);
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        if (::connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
+          ::close(fd);
+          fd = -1;
+        }
+        connected = port;
+      }
+      if (fd >= 0 && !Scrape(fd)) {
+        ::close(fd);
+        fd = -1;
+      }
+      std::this_thread::sleep_until(next);
+    }
+    if (fd >= 0) {
+      ::close(fd);
+    }
+  }
+  // One request and its whole answer (headers, then Content-Length bytes).
+  bool Scrape(int fd) {
+    static const char kRequest[] = "GET /metrics HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n";
+    if (::send(fd, kRequest, sizeof kRequest - 1, 0) != sizeof kRequest - 1) {
+      return false;
+    }
+    QByteArray got;
+    char buffer[65536];
+    qsizetype headerEnd = -1;
+    qsizetype length = -1;
+    while (length < 0 || got.size() < headerEnd + 4 + length) {
+      const ssize_t n = ::recv(fd, buffer, sizeof buffer, 0);
+      if (n <= 0) {
+        return false;
+      }
+      got.append(buffer, n);
+      if (headerEnd < 0 && (headerEnd = got.indexOf("\r\n\r\n")) >= 0) {
+        const qsizetype at = got.toLower().indexOf("content-length:");
+        length =
+            at < 0 ? 0 : got.mid(at + 15, got.indexOf('\r', at) - at - 15).trimmed().toLongLong();
+      }
+    }
+    ++scrapes_;
+    return true;
+  }
+
+  std::atomic<bool> stop_{false};
+  std::atomic<quint16> port_{0};
+  std::atomic<int> scrapes_{0};
+  std::thread thread_;
+};
+
 int Fail(const char* what) {
   std::fprintf(stderr, "live_bench: %s\n", what);
   return 1;
@@ -375,6 +479,46 @@ int main(int argc, char** argv) {
     sim.DiscardReplies();
   }
 
+  // The same changes at rest with the alerts attached: blocks with the status endpoint off and
+  // blocks with it on and scraped, in turn, so both meet the same machine.
+  constexpr int kAlertBlocks = 10;
+  const int perBlock = std::max(1, changes / kAlertBlocks);
+  int scrapes = 0;
+  {
+    zrn::Alerts alerts(*m.monitor);
+    zrn::AlertSettings off;
+    off.httpEnabled = false;
+    zrn::AlertSettings on = off;
+    on.httpEnabled = true;
+    on.httpPort = 0;
+    Scraper scraper;
+    for (int block = 0; block < 2 * kAlertBlocks; ++block) {
+      const bool scraped = block % 2 == 1;
+      alerts.Apply(scraped ? on : off);
+      scraper.Aim(scraped ? alerts.EndpointPort() : 0);
+      if (scraped && alerts.EndpointPort() == 0) {
+        return Fail("the status endpoint did not start");
+      }
+      settle(250);
+      for (int k = 0; k < perBlock; ++k) {
+        settle(20);
+        sim.Command(QStringLiteral("input 1 silent"), false);
+        if (!relayOn(true)) {
+          return Fail("no latch after a silence change with the alerts attached");
+        }
+        sim.DiscardReplies();
+        settle(20);
+        sim.Command(QStringLiteral("input 1 audio"), false);
+        if (!relayOn(false)) {
+          return Fail("no release with the alerts attached");
+        }
+        sim.DiscardReplies();
+      }
+      scraper.Aim(0);
+    }
+    scrapes = scraper.Scrapes();
+  }
+
   // The burst, followed by a route change on the same connection: once the monitor's map shows
   // the new route, every report before it has been handled.
   constexpr int kBurst = 100000;
@@ -409,27 +553,11 @@ int main(int argc, char** argv) {
     sim.DiscardReplies();
   }
 
-  // Pair each reported silence on output 1 (CB 0A, one item, output 0, silent) with the next
-  // latch of relay 1 the simulator reads (FE 44 00 00 00 00 00).
-  QFile file(trace);
-  if (!file.open(QIODevice::ReadOnly)) {
-    return Fail("no trace");
-  }
-  std::vector<double> latencies;
-  qint64 silenceAt = -1;
-  while (!file.atEnd()) {
-    const QString line = QString::fromLatin1(file.readLine()).trimmed();
-    if (line.contains(QStringLiteral(" tx CB 0A 01 00 00 00 01 "))) {
-      silenceAt = Stamp(line);
-    } else if (silenceAt >= 0 && line.contains(QStringLiteral(" rx FE 44 00 00 00 00 00"))) {
-      latencies.push_back((Stamp(line) - silenceAt) / 1000.0);
-      silenceAt = -1;
-    }
-  }
+  std::vector<double> latencies = LatchLatencies(trace);
   if (latencies.empty()) {
     return Fail("no silence/latch pairs found in the trace");
   }
-  if (latencies.size() != static_cast<size_t>(2 * changes)) {
+  if (latencies.size() != static_cast<size_t>(2 * changes + 2 * kAlertBlocks * perBlock)) {
     return Fail("the trace does not hold a silence and a latch for every change");
   }
   const std::vector<double> atRest(latencies.begin(), latencies.begin() + changes);
@@ -445,5 +573,18 @@ int main(int argc, char** argv) {
   Print("burst_drain_median_ms", Quantile(drains, 0.5));
   Print("burst_drain_max_ms", Quantile(drains, 1.0));
   Print("burst_longest_stall_ms", Quantile(stalls, 1.0));
+  std::vector<double> alertsOff;
+  std::vector<double> alertsScraped;
+  for (int block = 0; block < 2 * kAlertBlocks; ++block) {
+    const auto from = latencies.begin() + 2 * changes + block * perBlock;
+    (block % 2 == 1 ? alertsScraped : alertsOff)
+        .insert((block % 2 == 1 ? alertsScraped : alertsOff).end(), from, from + perBlock);
+  }
+  Print("alerts_latch_count", static_cast<double>(alertsOff.size()));
+  Print("alerts_off_latch_p50_ms", Quantile(alertsOff, 0.5));
+  Print("alerts_off_latch_p99_ms", Quantile(alertsOff, 0.99));
+  Print("alerts_scraped_latch_p50_ms", Quantile(alertsScraped, 0.5));
+  Print("alerts_scraped_latch_p99_ms", Quantile(alertsScraped, 0.99));
+  Print("alerts_scrapes", scrapes);
   return 0;
 }
