@@ -183,7 +183,10 @@ void MainWindow::ReadHistoryBack() {
 }
 
 void MainWindow::BuildViewMenu() {
-  QMenu* view = menuBar()->addMenu(QStringLiteral("&View"));
+  // Between File and Help, where operators look for it.
+  QMenu* view = new QMenu(QStringLiteral("&View"), this);
+  const QList<QAction*> menus = menuBar()->actions();
+  menuBar()->insertMenu(menus.isEmpty() ? nullptr : menus.back(), view);
   QAction* find = view->addAction(QStringLiteral("&Find Output"), this, [this] { find_->Open(); });
   find->setShortcut(QKeySequence::Find);
   find->setShortcutContext(Qt::WindowShortcut);
