@@ -1,23 +1,21 @@
 #include "window/alarm_history_window.h"
 
 #include <QComboBox>
-#include <QFileDialog>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QPushButton>
-#include <QSaveFile>
 #include <QScrollArea>
 #include <QTableWidget>
 #include <QVBoxLayout>
 
 #include "monitor/link_watch.h"
 #include "monitor/monitor.h"
+#include "window/csv_export.h"
 
 namespace zrn {
 
@@ -215,29 +213,18 @@ void AlarmHistoryWindow::Fill() {
   timeline_->SetRows(Timeline(history_, now, wanted), now);
 }
 
-bool AlarmHistoryWindow::ExportTo(const QString& path, QString* failure) {
+QString AlarmHistoryWindow::Csv() const {
   std::vector<std::size_t> oldestFirst(shown_.rbegin(), shown_.rend());
-  const QByteArray bytes = HistoryCsv(history_, oldestFirst, Now(monitor_.state())).toUtf8();
-  QSaveFile file(path);
-  if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
-    *failure = file.errorString();
-    return false;
-  }
-  return true;
+  return HistoryCsv(history_, oldestFirst, Now(monitor_.state()));
+}
+
+bool AlarmHistoryWindow::ExportTo(const QString& path, QString* failure) {
+  return SaveCsv(path, Csv(), failure);
 }
 
 void AlarmHistoryWindow::Export() {
-  const QString path =
-      QFileDialog::getSaveFileName(this, QStringLiteral("Export the alarm history"),
-                                   monitor_.state().AppPath + QStringLiteral("Alarm history.csv"),
-                                   QStringLiteral("CSV files (*.csv)"));
-  if (path.isEmpty()) {
-    return;
-  }
-  if (QString failure; !ExportTo(path, &failure)) {
-    QMessageBox::warning(this, windowTitle(),
-                         QStringLiteral("%1 could not be saved: %2").arg(path, failure));
-  }
+  ExportCsv(this, QStringLiteral("Export the alarm history"), monitor_.state().AppPath,
+            QStringLiteral("Alarm history.csv"), Csv());
 }
 
 }  // namespace zrn

@@ -52,6 +52,7 @@ class AlarmHistoryWindow final : public QWidget {
 
  private:
   void Fill();
+  QString Csv() const;
   void Export();
 
   Monitor& monitor_;

@@ -1,16 +1,14 @@
 #include "window/next_day_window.h"
 
-#include <QFileDialog>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
-#include <QMessageBox>
 #include <QPushButton>
-#include <QSaveFile>
 #include <QTableWidget>
 #include <QVBoxLayout>
 
 #include "monitor/monitor.h"
+#include "window/csv_export.h"
 
 namespace zrn {
 
@@ -97,27 +95,12 @@ void NextDayWindow::Fill() {
 }
 
 bool NextDayWindow::ExportTo(const QString& path, QString* failure) {
-  QSaveFile file(path);
-  const QByteArray bytes = UpcomingCsv(events_).toUtf8();
-  if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
-    *failure = file.errorString();
-    return false;
-  }
-  return true;
+  return SaveCsv(path, UpcomingCsv(events_), failure);
 }
 
 void NextDayWindow::Export() {
-  const QString path =
-      QFileDialog::getSaveFileName(this, QStringLiteral("Export the next 24 hours"),
-                                   monitor_.state().AppPath + QStringLiteral("Next 24 hours.csv"),
-                                   QStringLiteral("CSV files (*.csv)"));
-  if (path.isEmpty()) {
-    return;
-  }
-  if (QString failure; !ExportTo(path, &failure)) {
-    QMessageBox::warning(this, windowTitle(),
-                         QStringLiteral("%1 could not be saved: %2").arg(path, failure));
-  }
+  ExportCsv(this, QStringLiteral("Export the next 24 hours"), monitor_.state().AppPath,
+            QStringLiteral("Next 24 hours.csv"), UpcomingCsv(events_));
 }
 
 }  // namespace zrn
