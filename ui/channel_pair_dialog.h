@@ -8,11 +8,12 @@
 #include "ui/channel_pair_rules.h"
 #include "ui/message_box_prompt.h"
 
-class QComboBox;
 class QPushButton;
-class QTreeWidget;
 
 namespace zrn {
+
+class ChannelList;
+class ChannelPicker;
 
 // frmChannelSelect2: the outputs (ChannelSelectMode 1) or studio sources (mode 2) of show
 // EditShows[SelectedShow], each a left, right and cue channel. It edits a copy of the groups;
@@ -62,11 +63,11 @@ class ChannelPairDialog final : public QDialog {
   bool editing_ = false;
   // Set while the dialog fills its lists, so their handlers stay quiet.
   bool updating_ = false;
-  MessageBoxPrompt fallbackPrompt_;
+  DialogPrompt ask_;
 
-  QTreeWidget* lvList_ = nullptr;
+  ChannelList* lvList_ = nullptr;
   // Left, right, cue.
-  std::array<QComboBox*, 3> cmbChan_{};
+  std::array<ChannelPicker*, 3> cmbChan_{};
   QPushButton* cmdAdd_ = nullptr;
   QPushButton* cmdDelete_ = nullptr;
   QPushButton* cmdEdit_ = nullptr;

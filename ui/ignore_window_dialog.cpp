@@ -2,15 +2,15 @@
 
 #include <QGridLayout>
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QTreeWidget>
 #include <QVBoxLayout>
 
 #include "storage/logs.h"
+#include "ui/channel_list.h"
+#include "ui/dialog_controls.h"
 #include "ui/discard_changes.h"
 #include "ui/ignore_window_rules.h"
 #include "ui/time_entry.h"
@@ -20,15 +20,6 @@ namespace zrn {
 namespace {
 
 const QString kListError = QStringLiteral("List Error");
-
-QPushButton* Button(const QString& name, const QString& caption, const QString& tip) {
-  auto* button = new QPushButton(caption);
-  button->setObjectName(name);
-  button->setToolTip(tip);
-  // Enter belongs to the time fields.
-  button->setAutoDefault(false);
-  return button;
-}
 
 QLineEdit* TimeField(const QString& name) {
   auto* field = new QLineEdit(QStringLiteral("00:00:00"));
@@ -40,7 +31,7 @@ QLineEdit* TimeField(const QString& name) {
 }  // namespace
 
 IgnoreWindowDialog::IgnoreWindowDialog(State& s, QWidget* parent)
-    : QDialog(parent), s_(s), fallbackPrompt_(this) {
+    : QDialog(parent), s_(s), ask_(s.prompt, this) {
   setObjectName(QStringLiteral("frmSilenceIgnoreWindow"));
   setWindowTitle(QStringLiteral("Silence Ignore Windows"));
   BuildControls();
@@ -59,10 +50,6 @@ void IgnoreWindowDialog::BuildControls() {
   txtEndTime_ = TimeField(QStringLiteral("txtEndTime"));
   txtStartTime_->installEventFilter(this);
   txtEndTime_->installEventFilter(this);
-  auto* startCaption = new QLabel(QStringLiteral("Start Time"));
-  startCaption->setBuddy(txtStartTime_);
-  auto* endCaption = new QLabel(QStringLiteral("End Time"));
-  endCaption->setBuddy(txtEndTime_);
 
   auto* cmdAdd = Button(QStringLiteral("cmdAdd"), QStringLiteral("&Add Listed Window"),
                         QStringLiteral("Add Listed Window"));
@@ -78,21 +65,16 @@ void IgnoreWindowDialog::BuildControls() {
   lblShow_->setFont(bold);
 
   auto* entry = new QGridLayout;
-  entry->addWidget(startCaption, 0, 0);
+  entry->addWidget(Caption(QStringLiteral("Start Time"), txtStartTime_), 0, 0);
   entry->addWidget(txtStartTime_, 1, 0);
-  entry->addWidget(endCaption, 0, 1);
+  entry->addWidget(Caption(QStringLiteral("End Time"), txtEndTime_), 0, 1);
   entry->addWidget(txtEndTime_, 1, 1);
   entry->addWidget(cmdAdd, 1, 2);
   entry->setColumnStretch(3, 1);
 
-  lstSilenceSched_ = new QTreeWidget;
-  lstSilenceSched_->setObjectName(QStringLiteral("lstSilenceSched"));
-  lstSilenceSched_->setHeaderLabels({QStringLiteral("Schedule")});
-  lstSilenceSched_->setRootIsDecorated(false);
-  lstSilenceSched_->setUniformRowHeights(true);
-  lstSilenceSched_->setAlternatingRowColors(true);
-  lstSilenceSched_->setSelectionMode(QAbstractItemView::SingleSelection);
-  lstSilenceSched_->setMinimumSize(300, 200);
+  lstSilenceSched_ =
+      new ChannelList(QStringLiteral("lstSilenceSched"), {QStringLiteral("Schedule")},
+                      QAbstractItemView::SingleSelection, QSize(300, 200));
 
   auto* listColumn = new QVBoxLayout;
   listColumn->addWidget(cmdDelete);
@@ -101,32 +83,21 @@ void IgnoreWindowDialog::BuildControls() {
   listRow->addWidget(lstSilenceSched_, 1);
   listRow->addLayout(listColumn);
 
-  auto* cmdOk = Button(QStringLiteral("cmdOk"), QStringLiteral("OK"), QString());
-  auto* cmdCancel = Button(QStringLiteral("cmdCancel"), QStringLiteral("&Cancel"), QString());
-  connect(cmdOk, &QPushButton::clicked, this, &IgnoreWindowDialog::accept);
-  connect(cmdCancel, &QPushButton::clicked, this, [this] { QDialog::reject(); });
-  auto* closeRow = new QHBoxLayout;
-  closeRow->addStretch(1);
-  closeRow->addWidget(cmdOk);
-  closeRow->addWidget(cmdCancel);
-
   auto* root = new QVBoxLayout(this);
   root->addWidget(lblShow_);
   root->addLayout(entry);
   root->addLayout(listRow, 1);
-  root->addLayout(closeRow);
+  root->addLayout(CloseRow(this));
 }
 
 void IgnoreWindowDialog::FillList() {
-  lstSilenceSched_->clear();
+  std::vector<QStringList> rows;
+  QStringList keys;
   for (int i = 0; i < static_cast<int>(windows_.size()); ++i) {
-    auto* row = new QTreeWidgetItem(lstSilenceSched_, {IgnoreRowText(windows_[i])});
-    row->setData(0, Qt::UserRole, IgnoreRowKey(i));
+    rows.push_back({IgnoreRowText(windows_[static_cast<std::size_t>(i)])});
+    keys.push_back(IgnoreRowKey(i));
   }
-}
-
-Prompt& IgnoreWindowDialog::Ask() {
-  return s_.prompt != nullptr ? *s_.prompt : fallbackPrompt_;
+  lstSilenceSched_->SetRows(rows, -1, keys);
 }
 
 void IgnoreWindowDialog::AddWindow() {
@@ -134,7 +105,7 @@ void IgnoreWindowDialog::AddWindow() {
     for (QLineEdit* field : {txtStartTime_, txtEndTime_}) {
       const QString error = IgnoreTimeError(field->text(), field == txtStartTime_);
       if (!error.isEmpty()) {
-        Ask().Inform(QStringLiteral("Entry Error"), error);
+        ask_().Inform(QStringLiteral("Entry Error"), error);
         field->setFocus();
         field->selectAll();
         return;
@@ -149,12 +120,12 @@ void IgnoreWindowDialog::AddWindow() {
 }
 
 void IgnoreWindowDialog::DeleteWindow() {
-  const QList<QTreeWidgetItem*> selected = lstSilenceSched_->selectedItems();
-  if (selected.isEmpty()) {
+  const std::vector<int> selected = lstSilenceSched_->SelectedRows();
+  if (selected.empty()) {
     return;
   }
-  const int row = lstSilenceSched_->indexOfTopLevelItem(selected.front());
-  if (row >= 0 && row < static_cast<int>(windows_.size())) {
+  const int row = selected.front();
+  if (row < static_cast<int>(windows_.size())) {
     windows_.erase(windows_.begin() + row);
     FillList();
   }
@@ -178,7 +149,7 @@ void IgnoreWindowDialog::accept() {
 }
 
 void IgnoreWindowDialog::reject() {
-  if (windows_ != opened_ && !MayDiscardChanges(Ask(), windowTitle())) {
+  if (windows_ != opened_ && !MayDiscardChanges(ask_(), windowTitle())) {
     return;
   }
   QDialog::reject();

@@ -8,9 +8,10 @@
 
 class QLabel;
 class QLineEdit;
-class QTreeWidget;
 
 namespace zrn {
+
+class ChannelList;
 
 // frmSilenceIgnoreWindow: the daily periods in which silence of show EditShows[SelectedShow]
 // is not shown as an alarm. It edits a copy; OK writes the windows into the show editor's
@@ -42,18 +43,17 @@ class IgnoreWindowDialog final : public QDialog {
   void AddWindow();
   void DeleteWindow();
   bool TimeKey(QLineEdit* field, QKeyEvent* key);
-  Prompt& Ask();
 
   State& s_;
   int show_ = -1;
   std::vector<IgnoreWindow> windows_;
   std::vector<IgnoreWindow> opened_;
-  MessageBoxPrompt fallbackPrompt_;
+  DialogPrompt ask_;
 
   QLabel* lblShow_ = nullptr;
   QLineEdit* txtStartTime_ = nullptr;
   QLineEdit* txtEndTime_ = nullptr;
-  QTreeWidget* lstSilenceSched_ = nullptr;
+  ChannelList* lstSilenceSched_ = nullptr;
 };
 
 }  // namespace zrn

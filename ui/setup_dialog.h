@@ -16,6 +16,8 @@ class QRadioButton;
 
 namespace zrn {
 
+class ChannelPicker;
+
 // The editors Setup opens, each shown modally and returning when closed. The defaults open
 // the program's dialogs; an editor left empty turns its button off.
 struct SetupEditors {
@@ -64,7 +66,6 @@ class SetupDialog final : public QDialog {
   QWidget* BuildSettings();
   QGroupBox* BuildOutputGroup();
   QLayout* BuildShowButtons();
-  QLayout* BuildCloseButtons();
   void Fill();
 
   void DisplayEntry();
@@ -114,7 +115,7 @@ class SetupDialog final : public QDialog {
   std::array<QRadioButton*, 2> optProgramMode_{};
   QGroupBox* frOutputSelect_ = nullptr;
   QLineEdit* txtCount_ = nullptr;
-  QComboBox* cmbOutputSelect_ = nullptr;
+  ChannelPicker* cmbOutputSelect_ = nullptr;
   std::array<QRadioButton*, 3> optDisplay_{};
   QLineEdit* txtCustom_ = nullptr;
   QPushButton* cmdStart_ = nullptr;

@@ -11,30 +11,12 @@
 #include <QRadioButton>
 #include <QRegularExpressionValidator>
 #include <QVBoxLayout>
+#include <tuple>
 
-#include "ui/typed_channel_list.h"
+#include "ui/channel_picker.h"
+#include "ui/dialog_controls.h"
 
 namespace zrn {
-
-namespace {
-
-QLineEdit* NumberField(const QString& name, const QString& pattern, int maxLength) {
-  auto* field = new QLineEdit;
-  field->setObjectName(name);
-  field->setValidator(new QRegularExpressionValidator(QRegularExpression(pattern), field));
-  field->setMaxLength(maxLength);
-  return field;
-}
-
-QPushButton* Button(const QString& name, const QString& caption, const QString& tip) {
-  auto* button = new QPushButton(caption);
-  button->setObjectName(name);
-  button->setToolTip(tip);
-  button->setAutoDefault(false);
-  return button;
-}
-
-}  // namespace
 
 QWidget* SetupDialog::BuildSettings() {
   auto* box = new QWidget;
@@ -109,14 +91,8 @@ QGroupBox* SetupDialog::BuildOutputGroup() {
   top->addWidget(new QLabel(QStringLiteral("Output Count")));
   top->addWidget(txtCount_);
   top->addStretch(1);
-  cmdStart_ = Button(QStringLiteral("CmdStart"), QStringLiteral("|<"),
-                     QStringLiteral("Moves to first display panel"));
-  cmdBack_ = Button(QStringLiteral("cmdBack"), QStringLiteral("<"),
-                    QStringLiteral("Moves back one display panel"));
-  cmdForward_ = Button(QStringLiteral("cmdForward"), QStringLiteral(">"),
-                       QStringLiteral("Moves forward one display panel"));
-  cmdEnd_ = Button(QStringLiteral("cmdEnd"), QStringLiteral(">|"),
-                   QStringLiteral("Moves to last display panel"));
+  std::tie(cmdStart_, cmdBack_, cmdForward_, cmdEnd_) =
+      NavigationButtons(QStringLiteral("display panel"));
   for (QPushButton* nav : {cmdStart_, cmdBack_, cmdForward_, cmdEnd_}) {
     nav->setMaximumWidth(40);
     top->addWidget(nav);
@@ -131,11 +107,10 @@ QGroupBox* SetupDialog::BuildOutputGroup() {
   auto* destination = new QHBoxLayout;
   auto* lblDestinationSelect = new QLabel(QStringLiteral("Monitor Destination"));
   lblDestinationSelect->setObjectName(QStringLiteral("lblDestinationSelect"));
-  cmbOutputSelect_ = new QComboBox;
-  cmbOutputSelect_->setObjectName(QStringLiteral("cmbOutputSelect"));
+  cmbOutputSelect_ =
+      new ChannelPicker(QStringLiteral("cmbOutputSelect"), {.undefinedKey = true, .itemOf = {}});
   cmbOutputSelect_->setToolTip(QStringLiteral("Choose the output for the current window"));
   cmbOutputSelect_->setMinimumWidth(280);
-  MakeTypedChannelList(cmbOutputSelect_, true);
   lblDestinationSelect->setBuddy(cmbOutputSelect_);
   connect(cmbOutputSelect_, &QComboBox::currentIndexChanged, this, &SetupDialog::OutputChosen);
   destination->addWidget(lblDestinationSelect);
@@ -213,20 +188,6 @@ QLayout* SetupDialog::BuildShowButtons() {
   cmdConfigSchedule_->setEnabled(static_cast<bool>(editors_.schedule));
   cmdConfigShow_->setEnabled(static_cast<bool>(editors_.shows));
   cmdShowMonOutConfig_->setEnabled(static_cast<bool>(editors_.silenceOutputs));
-  return row;
-}
-
-QLayout* SetupDialog::BuildCloseButtons() {
-  auto* cmdOk = new QPushButton(QStringLiteral("OK"));
-  cmdOk->setObjectName(QStringLiteral("cmdOk"));
-  cmdOk->setDefault(true);
-  auto* cmdCancel = Button(QStringLiteral("cmdCancel"), QStringLiteral("&Cancel"), QString());
-  connect(cmdOk, &QPushButton::clicked, this, &SetupDialog::accept);
-  connect(cmdCancel, &QPushButton::clicked, this, &SetupDialog::reject);
-  auto* row = new QHBoxLayout;
-  row->addStretch(1);
-  row->addWidget(cmdOk);
-  row->addWidget(cmdCancel);
   return row;
 }
 

@@ -14,6 +14,7 @@
 #include "storage/logs.h"
 #include "storage/shows_file.h"
 #include "ui/channel_pair_dialog.h"
+#include "ui/channel_picker.h"
 #include "ui/discard_changes.h"
 #include "ui/ignore_window_dialog.h"
 #include "ui/schedule_rules.h"
@@ -34,8 +35,7 @@ bool IsEnter(const QKeyEvent* key) {
 
 }  // namespace
 
-ShowsDialog::ShowsDialog(State& s, QWidget* parent)
-    : QDialog(parent), s_(s), fallbackPrompt_(this) {
+ShowsDialog::ShowsDialog(State& s, QWidget* parent) : QDialog(parent), s_(s), ask_(s.prompt, this) {
   setObjectName(QStringLiteral("frmShows"));
   setWindowTitle(QStringLiteral("Show Configuration"));
   BuildControls();
@@ -99,8 +99,7 @@ void ShowsDialog::DisplayShowInfo(int index) {
                         .arg(show.Name),
                     kDisplayError);
     }
-    cmbDownlinkSource_->setCurrentIndex(downlink);
-    cmbDownlinkSource_->setEditText(cmbDownlinkSource_->itemText(downlink));
+    cmbDownlinkSource_->Select(downlink);
     cmbDetect_[1]->setCurrentIndex(ThresholdPosition(show.DetectLevel));
     cmbDetect_[2]->setCurrentIndex(TimePosition(show.DetectTime1));
     cmbDetect_[3]->setCurrentIndex(TimePosition(show.DetectTime2));
@@ -307,18 +306,14 @@ void ShowsDialog::DetectChosen(int list, int position) {
   }
 }
 
-Prompt& ShowsDialog::Ask() {
-  return s_.prompt != nullptr ? *s_.prompt : fallbackPrompt_;
-}
-
 void ShowsDialog::accept() {
   UpdateTempStruct();
   if (const int wrong = FirstShowEndingBeforeItStarts(s_.EditShows); wrong >= 0) {
     DisplayShowInfo(wrong);
     EnableDisabelControls(true);
-    Ask().Inform(QStringLiteral("Entry Error"),
-                 QStringLiteral("The End Date is before the Start Date.  Please enter an End "
-                                "Date on or after the Start Date."));
+    ask_().Inform(QStringLiteral("Entry Error"),
+                  QStringLiteral("The End Date is before the Start Date.  Please enter an End "
+                                 "Date on or after the Start Date."));
     dtPickerEnd_->setFocus();
     return;
   }
@@ -328,16 +323,16 @@ void ShowsDialog::accept() {
     return;
   }
   if (!SaveShows(s_)) {
-    Ask().Inform(QStringLiteral("File Error"),
-                 QStringLiteral("The shows could not be saved.  The changes are in use now but "
-                                "will be lost when the program stops."));
+    ask_().Inform(QStringLiteral("File Error"),
+                  QStringLiteral("The shows could not be saved.  The changes are in use now but "
+                                 "will be lost when the program stops."));
   }
   QDialog::accept();
 }
 
 void ShowsDialog::reject() {
   UpdateTempStruct();
-  if (s_.EditShows != opened_ && !MayDiscardChanges(Ask(), windowTitle())) {
+  if (s_.EditShows != opened_ && !MayDiscardChanges(ask_(), windowTitle())) {
     return;
   }
   QDialog::reject();

@@ -18,6 +18,8 @@ class QPushButton;
 
 namespace zrn {
 
+class ChannelPicker;
+
 // frmShows: browses, adds, removes and edits the shows on the working copy EditShows, copied
 // from Shows when the editor opens and starting at show SelectedShow. OK ends the shows on air,
 // makes the copy the live table and saves the shows file; Cancel drops the copy. It opens the
@@ -50,7 +52,6 @@ class ShowsDialog final : public QDialog {
   QGroupBox* BuildDays();
   QGroupBox* BuildDetect();
   QLayout* BuildLists();
-  QLayout* BuildCloseButtons();
   void FillLists();
 
   int Count() const { return static_cast<int>(s_.EditShows.size()); }
@@ -73,7 +74,6 @@ class ShowsDialog final : public QDialog {
   void RestoreTime(QLineEdit* field);
   void DownlinkChosen(int position);
   void DetectChosen(int list, int position);
-  Prompt& Ask();
 
   State& s_;
   // The working copy as it was opened, to tell whether anything was changed.
@@ -86,7 +86,7 @@ class ShowsDialog final : public QDialog {
   // The dates the pickers showed for the record, so an untouched picker rewrites nothing.
   QDate shownStart_;
   QDate shownEnd_;
-  MessageBoxPrompt fallbackPrompt_;
+  DialogPrompt ask_;
 
   QGroupBox* frNav_ = nullptr;
   QPushButton* cmdStart_ = nullptr;
@@ -103,7 +103,7 @@ class ShowsDialog final : public QDialog {
   QDateEdit* dtPickerEnd_ = nullptr;
   std::array<QCheckBox*, 7> chkAutoDay_{};
   QPushButton* cmdEveryDay_ = nullptr;
-  QComboBox* cmbDownlinkSource_ = nullptr;
+  ChannelPicker* cmbDownlinkSource_ = nullptr;
   // Index 1 threshold, 2 detect time, 3 return time; 0 unused.
   std::array<QComboBox*, 4> cmbDetect_{};
   QListWidget* lstStudioSource_ = nullptr;

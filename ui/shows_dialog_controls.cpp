@@ -10,29 +10,16 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <tuple>
 
+#include "ui/channel_picker.h"
+#include "ui/dialog_controls.h"
 #include "ui/shows_dialog.h"
 #include "ui/time_entry.h"
-#include "ui/typed_channel_list.h"
 
 namespace zrn {
 
 namespace {
-
-QPushButton* Button(const QString& name, const QString& caption, const QString& tip) {
-  auto* button = new QPushButton(caption);
-  button->setObjectName(name);
-  button->setToolTip(tip);
-  // Enter belongs to the fields; it never closes the editor.
-  button->setAutoDefault(false);
-  return button;
-}
-
-QLabel* Caption(const QString& text, QWidget* buddy) {
-  auto* label = new QLabel(text);
-  label->setBuddy(buddy);
-  return label;
-}
 
 QDateEdit* DatePicker(const QString& name) {
   auto* picker = new QDateEdit;
@@ -95,21 +82,14 @@ void ShowsDialog::BuildControls() {
   auto* root = new QVBoxLayout(this);
   root->addLayout(top);
   root->addLayout(middle, 1);
-  root->addLayout(BuildCloseButtons());
+  root->addLayout(CloseRow(this));
 }
 
 QGroupBox* ShowsDialog::BuildNavigation() {
   frNav_ = new QGroupBox;
   frNav_->setObjectName(QStringLiteral("frNav"));
   auto* row = new QHBoxLayout(frNav_);
-  cmdStart_ = Button(QStringLiteral("CmdStart"), QStringLiteral("|<"),
-                     QStringLiteral("Moves to first show"));
-  cmdBack_ =
-      Button(QStringLiteral("cmdBack"), QStringLiteral("<"), QStringLiteral("Moves back one show"));
-  cmdForward_ = Button(QStringLiteral("cmdForward"), QStringLiteral(">"),
-                       QStringLiteral("Moves forward one show"));
-  cmdEnd_ =
-      Button(QStringLiteral("cmdEnd"), QStringLiteral(">|"), QStringLiteral("Moves to last show"));
+  std::tie(cmdStart_, cmdBack_, cmdForward_, cmdEnd_) = NavigationButtons(QStringLiteral("show"));
   for (QPushButton* nav : {cmdStart_, cmdBack_, cmdForward_, cmdEnd_}) {
     nav->setFixedWidth(40);
     row->addWidget(nav);
@@ -137,10 +117,8 @@ QLayout* ShowsDialog::BuildShowFields() {
   }
   dtPickerStart_ = DatePicker(QStringLiteral("DTPickerStart"));
   dtPickerEnd_ = DatePicker(QStringLiteral("DTPickerEnd"));
-  cmbDownlinkSource_ = new QComboBox;
-  cmbDownlinkSource_->setObjectName(QStringLiteral("cmbDownlinkSource"));
+  cmbDownlinkSource_ = new ChannelPicker(QStringLiteral("cmbDownlinkSource"));
   cmbDownlinkSource_->setMaxVisibleItems(20);
-  MakeTypedChannelList(cmbDownlinkSource_);
   connect(cmbDownlinkSource_, &QComboBox::currentIndexChanged, this, &ShowsDialog::DownlinkChosen);
 
   auto* grid = new QGridLayout;
@@ -231,18 +209,6 @@ QLayout* ShowsDialog::BuildLists() {
     column->addWidget(lists[i].second, 1);
   }
   return column;
-}
-
-QLayout* ShowsDialog::BuildCloseButtons() {
-  auto* cmdOk = Button(QStringLiteral("cmdOk"), QStringLiteral("OK"), QString());
-  auto* cmdCancel = Button(QStringLiteral("cmdCancel"), QStringLiteral("&Cancel"), QString());
-  connect(cmdOk, &QPushButton::clicked, this, &ShowsDialog::accept);
-  connect(cmdCancel, &QPushButton::clicked, this, [this] { QDialog::reject(); });
-  auto* row = new QHBoxLayout;
-  row->addStretch(1);
-  row->addWidget(cmdOk);
-  row->addWidget(cmdCancel);
-  return row;
 }
 
 }  // namespace zrn

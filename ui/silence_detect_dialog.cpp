@@ -16,7 +16,7 @@
 #include "core/failure.h"
 #include "storage/logs.h"
 #include "switcher/commands.h"
-#include "ui/typed_channel_list.h"
+#include "ui/channel_picker.h"
 
 namespace zrn {
 
@@ -40,7 +40,7 @@ QRadioButton* MakeOption(const QString& caption, const QString& name, QButtonGro
 }  // namespace
 
 SilenceDetectDialog::SilenceDetectDialog(State& s, int output, QWidget* parent)
-    : QDialog(parent), s_(s), fallbackPrompt_(this) {
+    : QDialog(parent), s_(s), ask_(s.prompt, this) {
   BuildControls();
   UpdateSilenceDetectConfig(output);
 }
@@ -49,8 +49,14 @@ void SilenceDetectDialog::BuildControls() {
   setObjectName(QStringLiteral("frmSilenceDetect"));
   const char* const captions[] = {"Silence Threshold", "Detect Time", "Return Time",
                                   "PeakThreshold",     "Hold Time",   ""};
+  // Devices are typed by number; an unreported one kept in the list has its own position.
+  ChannelPickerOptions deviceKeys{.undefinedKey = true, .itemOf = [this](int n) {
+                                    const int position = DevicePosition(deviceItems_, n - 1);
+                                    return position > 0 ? position : -1;
+                                  }};
+  auto* devices = new ChannelPicker(QString(), std::move(deviceKeys), this);
   for (size_t i = 0; i < cmbDetect_.size(); ++i) {
-    cmbDetect_[i] = new QComboBox(this);
+    cmbDetect_[i] = i == kDevice ? devices : new QComboBox(this);
     cmbDetect_[i]->setObjectName(QStringLiteral("cmbDetect%1").arg(i));
     cmbDetect_[i]->setMaxVisibleItems(16);
     lblDetect_[i] = new QLabel(QLatin1String(captions[i]), this);
@@ -66,13 +72,7 @@ void SilenceDetectDialog::BuildControls() {
     cmbDetect_[static_cast<size_t>(list)]->addItems(TimeListTexts());
   }
 
-  QComboBox* devices = cmbDetect_[kDevice];
   devices->setMinimumContentsLength(22);
-  // Devices are typed by number; an unreported one kept in the list has its own position.
-  MakeTypedChannelList(devices, true, [this](int n) {
-    const int position = DevicePosition(deviceItems_, n - 1);
-    return position > 0 ? position : -1;
-  });
   connect(devices, &QComboBox::activated, this, [this](int index) { deviceSelection_ = index; });
 
   const char* const detectCaptions[] = {"Silence Detect Enabled", "Peak Detect Enabled"};
@@ -171,10 +171,6 @@ void SilenceDetectDialog::BuildControls() {
   root->addLayout(detectRow);
   root->addLayout(alarmRow);
   root->addLayout(buttons);
-}
-
-Prompt& SilenceDetectDialog::Ask() {
-  return s_.prompt != nullptr ? *s_.prompt : fallbackPrompt_;
 }
 
 void SilenceDetectDialog::UpdateSilenceDetectConfig(int output) {
@@ -303,11 +299,11 @@ void SilenceDetectDialog::Send() {
     entry = before;
     entry.Status = status;
   });
-  Ask().Inform(QStringLiteral("Send Error"),
-               s_.Connected ? QStringLiteral("The silence detect configuration could not be "
-                                             "sent to the switcher.  Please try again.")
-                            : QStringLiteral("The switcher is not connected.  The silence "
-                                             "detect configuration was not sent."));
+  ask_().Inform(QStringLiteral("Send Error"),
+                s_.Connected ? QStringLiteral("The silence detect configuration could not be "
+                                              "sent to the switcher.  Please try again.")
+                             : QStringLiteral("The switcher is not connected.  The silence "
+                                              "detect configuration was not sent."));
 }
 
 void SilenceDetectDialog::DeviceTypeChosen(int type) {
@@ -331,10 +327,9 @@ void SilenceDetectDialog::RebuildDeviceList(int type, int device, bool keepUnrep
 }
 
 void SilenceDetectDialog::RestoreDevice() {
-  QComboBox* list = cmbDetect_[kDevice];
+  auto* list = static_cast<ChannelPicker*>(cmbDetect_[kDevice]);
   deviceSelection_ = std::clamp(deviceSelection_, 0, std::max(list->count() - 1, 0));
-  list->setCurrentIndex(deviceSelection_);
-  list->setEditText(list->itemText(deviceSelection_));
+  list->Select(deviceSelection_);
 }
 
 }  // namespace zrn
