@@ -48,13 +48,12 @@ void ChannelPairDialog::BuildControls() {
   }
 
   cmdAdd_ = Button(QStringLiteral("cmdAdd"), QStringLiteral("&Add"),
-                   QStringLiteral("Add an additional item"));
-  cmdDelete_ = Button(QStringLiteral("cmdDelete"), QStringLiteral("Delete"),
-                      QStringLiteral("Delete the selected item"));
-  cmdEdit_ = Button(QStringLiteral("cmdEdit"), QStringLiteral("Edit"), kEditTip);
-  connect(cmdAdd_, &QPushButton::clicked, this, &ChannelPairDialog::AddGroup);
-  connect(cmdDelete_, &QPushButton::clicked, this, &ChannelPairDialog::DeleteGroups);
-  connect(cmdEdit_, &QPushButton::clicked, this, &ChannelPairDialog::EditOrSave);
+                   QStringLiteral("Add an additional item"), this, &ChannelPairDialog::AddGroup);
+  cmdDelete_ =
+      Button(QStringLiteral("cmdDelete"), QStringLiteral("Delete"),
+             QStringLiteral("Delete the selected item"), this, &ChannelPairDialog::DeleteGroups);
+  cmdEdit_ = Button(QStringLiteral("cmdEdit"), QStringLiteral("Edit"), kEditTip, this,
+                    &ChannelPairDialog::EditOrSave);
   auto* listButtons = new QVBoxLayout;
   listButtons->addWidget(cmdAdd_);
   listButtons->addWidget(cmdDelete_);

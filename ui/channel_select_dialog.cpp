@@ -34,14 +34,14 @@ ChannelSelectDialog::ChannelSelectDialog(State& s, QWidget* parent) : QDialog(pa
   lvChannel_ = SilenceOutList(QStringLiteral("lvChannel"));
   lvList_ = SilenceOutList(QStringLiteral("lvList"));
   auto* cmdAdd = Button(QStringLiteral("cmdAdd"), QStringLiteral("&Add >>"),
-                        QStringLiteral("Add Selected Items to Current Display Listy"));
+                        QStringLiteral("Add Selected Items to Current Display Listy"), this,
+                        &ChannelSelectDialog::AddSelected);
   auto* cmdRemove = Button(QStringLiteral("cmdRemove"), QStringLiteral("<< &Remove"),
-                           QStringLiteral("Remove Selected Items from Current Display List"));
+                           QStringLiteral("Remove Selected Items from Current Display List"), this,
+                           &ChannelSelectDialog::RemoveSelected);
   auto* cmdRemoveAll = Button(QStringLiteral("cmdRemoveAll"), QStringLiteral("<< Remove All"),
-                              QStringLiteral("Remove Selected Items from Current Display List"));
-  connect(cmdAdd, &QPushButton::clicked, this, &ChannelSelectDialog::AddSelected);
-  connect(cmdRemove, &QPushButton::clicked, this, &ChannelSelectDialog::RemoveSelected);
-  connect(cmdRemoveAll, &QPushButton::clicked, this, &ChannelSelectDialog::RemoveAll);
+                              QStringLiteral("Remove Selected Items from Current Display List"),
+                              this, &ChannelSelectDialog::RemoveAll);
   connect(lvChannel_, &QTreeWidget::itemDoubleClicked, this, &ChannelSelectDialog::AddSelected);
   connect(lvList_, &QTreeWidget::itemDoubleClicked, this, &ChannelSelectDialog::RemoveSelected);
 

@@ -31,17 +31,6 @@ QLabel* Caption(const QString& text, QWidget* buddy) {
   return label;
 }
 
-NavigationRow NavigationButtons(const QString& what) {
-  return {Button(QStringLiteral("CmdStart"), QStringLiteral("|<"),
-                 QStringLiteral("Moves to first ") + what),
-          Button(QStringLiteral("cmdBack"), QStringLiteral("<"),
-                 QStringLiteral("Moves back one ") + what),
-          Button(QStringLiteral("cmdForward"), QStringLiteral(">"),
-                 QStringLiteral("Moves forward one ") + what),
-          Button(QStringLiteral("cmdEnd"), QStringLiteral(">|"),
-                 QStringLiteral("Moves to last ") + what)};
-}
-
 QHBoxLayout* CloseRow(QDialog* dialog, const CloseRowOptions& options) {
   QPushButton* ok = nullptr;
   if (options.okIsDefault) {

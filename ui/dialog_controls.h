@@ -1,13 +1,12 @@
 #pragma once
 
+#include <QPushButton>
 #include <QString>
-#include <tuple>
 
 class QDialog;
 class QHBoxLayout;
 class QLabel;
 class QLineEdit;
-class QPushButton;
 class QWidget;
 
 namespace zrn {
@@ -16,16 +15,20 @@ namespace zrn {
 // its tool tip. It never becomes the default by focus: Enter belongs to the fields and lists.
 QPushButton* Button(const QString& name, const QString& caption, const QString& tip = QString());
 
+// The same, with what a click does.
+template <typename Receiver, typename Slot>
+QPushButton* Button(const QString& name, const QString& caption, const QString& tip,
+                    Receiver* receiver, Slot onClick) {
+  QPushButton* button = Button(name, caption, tip);
+  QObject::connect(button, &QPushButton::clicked, receiver, onClick);
+  return button;
+}
+
 // A text field that takes only what pattern matches, at most maxLength characters.
 QLineEdit* NumberField(const QString& name, const QString& pattern, int maxLength);
 
 // A caption whose mnemonic moves to buddy.
 QLabel* Caption(const QString& text, QWidget* buddy);
-
-// The |<, <, > and >| buttons of a dialog that steps through records; what names the record
-// in their tool tips ("Moves to first <what>").
-using NavigationRow = std::tuple<QPushButton*, QPushButton*, QPushButton*, QPushButton*>;
-NavigationRow NavigationButtons(const QString& what);
 
 struct CloseRowOptions {
   QString okTip;

@@ -52,11 +52,10 @@ void IgnoreWindowDialog::BuildControls() {
   txtEndTime_->installEventFilter(this);
 
   auto* cmdAdd = Button(QStringLiteral("cmdAdd"), QStringLiteral("&Add Listed Window"),
-                        QStringLiteral("Add Listed Window"));
-  auto* cmdDelete = Button(QStringLiteral("cmdDelete"), QStringLiteral("Delete"),
-                           QStringLiteral("Delete Selected Winfow"));
-  connect(cmdAdd, &QPushButton::clicked, this, &IgnoreWindowDialog::AddWindow);
-  connect(cmdDelete, &QPushButton::clicked, this, &IgnoreWindowDialog::DeleteWindow);
+                        QStringLiteral("Add Listed Window"), this, &IgnoreWindowDialog::AddWindow);
+  auto* cmdDelete =
+      Button(QStringLiteral("cmdDelete"), QStringLiteral("Delete"),
+             QStringLiteral("Delete Selected Winfow"), this, &IgnoreWindowDialog::DeleteWindow);
 
   lblShow_ = new QLabel;
   lblShow_->setObjectName(QStringLiteral("lblShow"));

@@ -14,6 +14,7 @@
 #include "ui/channel_picker.h"
 #include "ui/channel_select_dialog.h"
 #include "ui/dialog_controls.h"
+#include "ui/record_navigation.h"
 #include "ui/schedule_dialog.h"
 #include "ui/shows_dialog.h"
 #include "ui/silence_detect_dialog.h"
@@ -136,10 +137,7 @@ void SetupDialog::UpdateListButtons() {
   cmdAdd_->setEnabled(count < kMaxWatchedOutputs);
   cmdInsert_->setEnabled(count < kMaxWatchedOutputs);
   cmdRemove_->setEnabled(count > 1);
-  cmdStart_->setEnabled(position_ > 0);
-  cmdBack_->setEnabled(position_ > 0);
-  cmdForward_->setEnabled(position_ < count - 1);
-  cmdEnd_->setEnabled(position_ < count - 1);
+  nav_->Update();
 }
 
 void SetupDialog::GoTo(int position) {

@@ -17,6 +17,7 @@ class QRadioButton;
 namespace zrn {
 
 class ChannelPicker;
+class RecordNavigation;
 
 // The editors Setup opens, each shown modally and returning when closed. The defaults open
 // the program's dialogs; an editor left empty turns its button off.
@@ -118,10 +119,7 @@ class SetupDialog final : public QDialog {
   ChannelPicker* cmbOutputSelect_ = nullptr;
   std::array<QRadioButton*, 3> optDisplay_{};
   QLineEdit* txtCustom_ = nullptr;
-  QPushButton* cmdStart_ = nullptr;
-  QPushButton* cmdBack_ = nullptr;
-  QPushButton* cmdForward_ = nullptr;
-  QPushButton* cmdEnd_ = nullptr;
+  RecordNavigation* nav_ = nullptr;
   QPushButton* cmdAdd_ = nullptr;
   QPushButton* cmdInsert_ = nullptr;
   QPushButton* cmdRemove_ = nullptr;

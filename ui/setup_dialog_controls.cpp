@@ -11,10 +11,10 @@
 #include <QRadioButton>
 #include <QRegularExpressionValidator>
 #include <QVBoxLayout>
-#include <tuple>
 
 #include "ui/channel_picker.h"
 #include "ui/dialog_controls.h"
+#include "ui/record_navigation.h"
 
 namespace zrn {
 
@@ -91,17 +91,16 @@ QGroupBox* SetupDialog::BuildOutputGroup() {
   top->addWidget(new QLabel(QStringLiteral("Output Count")));
   top->addWidget(txtCount_);
   top->addStretch(1);
-  std::tie(cmdStart_, cmdBack_, cmdForward_, cmdEnd_) =
-      NavigationButtons(QStringLiteral("display panel"));
-  for (QPushButton* nav : {cmdStart_, cmdBack_, cmdForward_, cmdEnd_}) {
-    nav->setMaximumWidth(40);
-    top->addWidget(nav);
+  nav_ = new RecordNavigation(
+      QStringLiteral("display panel"), this,
+      [this] {
+        return RecordNavigation::Place{position_, static_cast<int>(entries_.size())};
+      },
+      [this](int position) { GoTo(position); });
+  for (QPushButton* button : nav_->Buttons()) {
+    button->setMaximumWidth(40);
+    top->addWidget(button);
   }
-  connect(cmdStart_, &QPushButton::clicked, this, [this] { GoTo(0); });
-  connect(cmdBack_, &QPushButton::clicked, this, [this] { GoTo(position_ - 1); });
-  connect(cmdForward_, &QPushButton::clicked, this, [this] { GoTo(position_ + 1); });
-  connect(cmdEnd_, &QPushButton::clicked, this,
-          [this] { GoTo(static_cast<int>(entries_.size()) - 1); });
   layout->addLayout(top);
 
   auto* destination = new QHBoxLayout;
@@ -144,31 +143,29 @@ QGroupBox* SetupDialog::BuildOutputGroup() {
 
   auto* edits = new QHBoxLayout;
   cmdAdd_ = Button(QStringLiteral("CmdAdd"), QStringLiteral("&Add"),
-                   QStringLiteral("Add an additional display panel"));
-  cmdInsert_ = Button(QStringLiteral("CmdInsert"), QStringLiteral("&Insert"), QString());
+                   QStringLiteral("Add an additional display panel"), this, &SetupDialog::AddEntry);
+  cmdInsert_ = Button(QStringLiteral("CmdInsert"), QStringLiteral("&Insert"), QString(), this,
+                      &SetupDialog::InsertEntry);
   cmdRemove_ = Button(QStringLiteral("cmdRemove"), QStringLiteral("&Remove"),
-                      QStringLiteral("Removes the currently selected display panel"));
+                      QStringLiteral("Removes the currently selected display panel"), this,
+                      &SetupDialog::RemoveEntry);
   cmdEdit_ = Button(QStringLiteral("cmdEdit"), QStringLiteral("&Edit"),
                     QStringLiteral("Edit the output & control for the current display panel"));
   cmdConfigSchedule_ =
-      Button(QStringLiteral("cmdConfigSchedule"), QStringLiteral("Configure Schedule"), QString());
-  cmdConfigure_ =
-      Button(QStringLiteral("CmdConfigure"), QStringLiteral("Configure Silence Detect"), QString());
+      Button(QStringLiteral("cmdConfigSchedule"), QStringLiteral("Configure Schedule"), QString(),
+             this, &SetupDialog::ConfigureSchedule);
+  cmdConfigure_ = Button(QStringLiteral("CmdConfigure"), QStringLiteral("Configure Silence Detect"),
+                         QString(), this, &SetupDialog::ConfigureSilenceDetect);
   for (QPushButton* button : {cmdAdd_, cmdInsert_, cmdRemove_, cmdEdit_}) {
     edits->addWidget(button);
   }
   edits->addStretch(1);
   edits->addWidget(cmdConfigSchedule_);
   edits->addWidget(cmdConfigure_);
-  connect(cmdAdd_, &QPushButton::clicked, this, &SetupDialog::AddEntry);
-  connect(cmdInsert_, &QPushButton::clicked, this, &SetupDialog::InsertEntry);
-  connect(cmdRemove_, &QPushButton::clicked, this, &SetupDialog::RemoveEntry);
   connect(cmdEdit_, &QPushButton::clicked, this, [this] {
     SetEditing(true);
     cmbOutputSelect_->setFocus();
   });
-  connect(cmdConfigSchedule_, &QPushButton::clicked, this, &SetupDialog::ConfigureSchedule);
-  connect(cmdConfigure_, &QPushButton::clicked, this, &SetupDialog::ConfigureSilenceDetect);
   layout->addLayout(edits);
   return group;
 }
@@ -176,15 +173,14 @@ QGroupBox* SetupDialog::BuildOutputGroup() {
 QLayout* SetupDialog::BuildShowButtons() {
   auto* row = new QHBoxLayout;
   cmdConfigShow_ = Button(QStringLiteral("cmdConfigShow"), QStringLiteral("Configure Shows"),
-                          QStringLiteral("Configure shows"));
+                          QStringLiteral("Configure shows"), this, &SetupDialog::ConfigureShows);
   cmdShowMonOutConfig_ = Button(
       QStringLiteral("cmdShowMonOutConfig"), QStringLiteral("Configure Outputs for Silence Detect"),
-      QStringLiteral("Configure outputs avaialable for use for silence detction for shows"));
+      QStringLiteral("Configure outputs avaialable for use for silence detction for shows"), this,
+      &SetupDialog::ConfigureSilenceOutputs);
   row->addWidget(cmdConfigShow_);
   row->addWidget(cmdShowMonOutConfig_);
   row->addStretch(1);
-  connect(cmdConfigShow_, &QPushButton::clicked, this, &SetupDialog::ConfigureShows);
-  connect(cmdShowMonOutConfig_, &QPushButton::clicked, this, &SetupDialog::ConfigureSilenceOutputs);
   cmdConfigSchedule_->setEnabled(static_cast<bool>(editors_.schedule));
   cmdConfigShow_->setEnabled(static_cast<bool>(editors_.shows));
   cmdShowMonOutConfig_->setEnabled(static_cast<bool>(editors_.silenceOutputs));

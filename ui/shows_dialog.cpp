@@ -17,6 +17,7 @@
 #include "ui/channel_picker.h"
 #include "ui/discard_changes.h"
 #include "ui/ignore_window_dialog.h"
+#include "ui/record_navigation.h"
 #include "ui/schedule_rules.h"
 #include "ui/show_editor_rules.h"
 #include "ui/silence_detect_rules.h"
@@ -162,10 +163,7 @@ void ShowsDialog::EnableDisabelControls(bool on) {
 void ShowsDialog::UpdateNavigation() {
   const int count = Count();
   frNav_->setTitle(QStringLiteral("%1 of %2").arg(count > 0 ? current_ + 1 : 0).arg(count));
-  cmdStart_->setEnabled(current_ > 0);
-  cmdBack_->setEnabled(current_ > 0);
-  cmdForward_->setEnabled(current_ < count - 1);
-  cmdEnd_->setEnabled(current_ < count - 1);
+  nav_->Update();
   cmdEdit_->setEnabled(count > 0);
   cmdRemove_->setEnabled(count > 0);
   if (count == 0) {

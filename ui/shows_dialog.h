@@ -19,6 +19,7 @@ class QPushButton;
 namespace zrn {
 
 class ChannelPicker;
+class RecordNavigation;
 
 // frmShows: browses, adds, removes and edits the shows on the working copy EditShows, copied
 // from Shows when the editor opens and starting at show SelectedShow. OK ends the shows on air,
@@ -89,10 +90,7 @@ class ShowsDialog final : public QDialog {
   DialogPrompt ask_;
 
   QGroupBox* frNav_ = nullptr;
-  QPushButton* cmdStart_ = nullptr;
-  QPushButton* cmdBack_ = nullptr;
-  QPushButton* cmdForward_ = nullptr;
-  QPushButton* cmdEnd_ = nullptr;
+  RecordNavigation* nav_ = nullptr;
   QPushButton* cmdEdit_ = nullptr;
   QPushButton* cmdAdd_ = nullptr;
   QPushButton* cmdRemove_ = nullptr;

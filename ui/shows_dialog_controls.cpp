@@ -10,10 +10,10 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QVBoxLayout>
-#include <tuple>
 
 #include "ui/channel_picker.h"
 #include "ui/dialog_controls.h"
+#include "ui/record_navigation.h"
 #include "ui/shows_dialog.h"
 #include "ui/time_entry.h"
 
@@ -51,9 +51,10 @@ void ShowsDialog::BuildControls() {
   cmdEdit_ = Button(QStringLiteral("cmdEdit"), QStringLiteral("&Edit"),
                     QStringLiteral("Edit the current show"));
   cmdAdd_ = Button(QStringLiteral("CmdAdd"), QStringLiteral("&Add"),
-                   QStringLiteral("Add an additional show"));
-  cmdRemove_ = Button(QStringLiteral("cmdRemove"), QStringLiteral("&Remove"),
-                      QStringLiteral("Removes the currently selected show"));
+                   QStringLiteral("Add an additional show"), this, &ShowsDialog::AddShow);
+  cmdRemove_ =
+      Button(QStringLiteral("cmdRemove"), QStringLiteral("&Remove"),
+             QStringLiteral("Removes the currently selected show"), this, &ShowsDialog::RemoveShow);
   // Framed like the navigation, so both rows of buttons line up.
   auto* actions = new QGroupBox;
   auto* actionRow = new QHBoxLayout(actions);
@@ -65,8 +66,6 @@ void ShowsDialog::BuildControls() {
     EnableDisabelControls(true);
     txtShowTitle_->setFocus();
   });
-  connect(cmdAdd_, &QPushButton::clicked, this, &ShowsDialog::AddShow);
-  connect(cmdRemove_, &QPushButton::clicked, this, &ShowsDialog::RemoveShow);
 
   auto* left = new QVBoxLayout;
   left->addLayout(BuildShowFields());
@@ -89,15 +88,16 @@ QGroupBox* ShowsDialog::BuildNavigation() {
   frNav_ = new QGroupBox;
   frNav_->setObjectName(QStringLiteral("frNav"));
   auto* row = new QHBoxLayout(frNav_);
-  std::tie(cmdStart_, cmdBack_, cmdForward_, cmdEnd_) = NavigationButtons(QStringLiteral("show"));
-  for (QPushButton* nav : {cmdStart_, cmdBack_, cmdForward_, cmdEnd_}) {
-    nav->setFixedWidth(40);
-    row->addWidget(nav);
+  nav_ = new RecordNavigation(
+      QStringLiteral("show"), this,
+      [this] {
+        return RecordNavigation::Place{current_, Count()};
+      },
+      [this](int index) { GoTo(index); });
+  for (QPushButton* button : nav_->Buttons()) {
+    button->setFixedWidth(40);
+    row->addWidget(button);
   }
-  connect(cmdStart_, &QPushButton::clicked, this, [this] { GoTo(0); });
-  connect(cmdBack_, &QPushButton::clicked, this, [this] { GoTo(current_ - 1); });
-  connect(cmdForward_, &QPushButton::clicked, this, [this] { GoTo(current_ + 1); });
-  connect(cmdEnd_, &QPushButton::clicked, this, [this] { GoTo(Count() - 1); });
   return frNav_;
 }
 
@@ -189,10 +189,10 @@ QLayout* ShowsDialog::BuildLists() {
   cmdEditDest_ = Button(QStringLiteral("cmdEditDest"), QStringLiteral("Edit"),
                         QStringLiteral("Edit Show Outputs"));
   cmdEditSched_ = Button(QStringLiteral("cmdEditSched"), QStringLiteral("Edit"),
-                         QStringLiteral("Edit Scheduled Silence Windows"));
+                         QStringLiteral("Edit Scheduled Silence Windows"), this,
+                         &ShowsDialog::EditIgnoreWindows);
   connect(cmdStudio_, &QPushButton::clicked, this, [this] { EditChannels(2); });
   connect(cmdEditDest_, &QPushButton::clicked, this, [this] { EditChannels(1); });
-  connect(cmdEditSched_, &QPushButton::clicked, this, &ShowsDialog::EditIgnoreWindows);
 
   auto* column = new QVBoxLayout;
   const std::array<std::pair<const char*, QListWidget*>, 3> lists{
