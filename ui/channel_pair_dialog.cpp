@@ -23,8 +23,7 @@ const QString kSaveTip =
 
 }  // namespace
 
-ChannelPairDialog::ChannelPairDialog(State& s, QWidget* parent)
-    : QDialog(parent), s_(s), ask_(s.prompt, this) {
+ChannelPairDialog::ChannelPairDialog(State& s, QWidget* parent) : CopyEditorDialog(s, parent) {
   setObjectName(QStringLiteral("frmChannelSelect2"));
   BuildControls();
   Trap(s_, QStringLiteral("Error Loading Channel Selection"), QStringLiteral("Display Error"),
@@ -179,7 +178,7 @@ void ChannelPairDialog::SaveGroup() {
   }
 }
 
-bool ChannelPairDialog::Changed() const {
+bool ChannelPairDialog::Changed() {
   if (groups_ != opened_) {
     return true;
   }
@@ -192,13 +191,6 @@ bool ChannelPairDialog::Changed() const {
                       ChannelOfPairItem(cmbChan_[2]->currentIndex())} != group;
 }
 
-void ChannelPairDialog::reject() {
-  if (Changed() && !MayDiscardChanges(ask_(), windowTitle())) {
-    return;
-  }
-  QDialog::reject();
-}
-
 int ChannelPairDialog::exec() {
   if (show_ < 0) {
     return QDialog::Rejected;
@@ -208,11 +200,11 @@ int ChannelPairDialog::exec() {
 
 void ChannelPairDialog::accept() {
   if (editing_) {
-    const Prompt::Answer answer = ask_().Ask(
-        QStringLiteral("Save Changes?"),
-        QStringLiteral(
-            "You are currently editing a selection.\nDo you wish to save these changes?"),
-        false);
+    const Prompt::Answer answer =
+        Ask().Ask(QStringLiteral("Save Changes?"),
+                  QStringLiteral(
+                      "You are currently editing a selection.\nDo you wish to save these changes?"),
+                  false);
     if (answer == Prompt::Answer::Yes) {
       SaveGroup();
     }

@@ -6,7 +6,7 @@
 
 #include "core/state.h"
 #include "ui/channel_pair_rules.h"
-#include "ui/message_box_prompt.h"
+#include "ui/discard_changes.h"
 
 class QPushButton;
 
@@ -23,7 +23,7 @@ class ChannelPicker;
 //   s.SelectedShow = current;
 //   ChannelPairDialog dialog(s, showEditor);
 //   dialog.exec();
-class ChannelPairDialog final : public QDialog {
+class ChannelPairDialog final : public CopyEditorDialog {
   Q_OBJECT
 
  public:
@@ -37,8 +37,6 @@ class ChannelPairDialog final : public QDialog {
   // Opens only in mode 1 or 2, for a show of the working copy.
   int exec() override;
   void accept() override;
-  // Escape and the close box: asks before changed groups are dropped.
-  void reject() override;
 
  private:
   void BuildControls();
@@ -52,9 +50,8 @@ class ChannelPairDialog final : public QDialog {
   void SaveGroup();
   void SetEditing(bool on);
   // The groups or the lists being edited differ from what the show holds.
-  bool Changed() const;
+  bool Changed() override;
 
-  State& s_;
   int mode_ = 0;
   int show_ = -1;
   std::vector<ChannelGroup> groups_;
@@ -63,7 +60,6 @@ class ChannelPairDialog final : public QDialog {
   bool editing_ = false;
   // Set while the dialog fills its lists, so their handlers stay quiet.
   bool updating_ = false;
-  DialogPrompt ask_;
 
   ChannelList* lvList_ = nullptr;
   // Left, right, cue.

@@ -30,8 +30,7 @@ QLineEdit* TimeField(const QString& name) {
 
 }  // namespace
 
-IgnoreWindowDialog::IgnoreWindowDialog(State& s, QWidget* parent)
-    : QDialog(parent), s_(s), ask_(s.prompt, this) {
+IgnoreWindowDialog::IgnoreWindowDialog(State& s, QWidget* parent) : CopyEditorDialog(s, parent) {
   setObjectName(QStringLiteral("frmSilenceIgnoreWindow"));
   setWindowTitle(QStringLiteral("Silence Ignore Windows"));
   BuildControls();
@@ -104,7 +103,7 @@ void IgnoreWindowDialog::AddWindow() {
     for (QLineEdit* field : {txtStartTime_, txtEndTime_}) {
       const QString error = IgnoreTimeError(field->text(), field == txtStartTime_);
       if (!error.isEmpty()) {
-        ask_().Inform(QStringLiteral("Entry Error"), error);
+        Ask().Inform(QStringLiteral("Entry Error"), error);
         field->setFocus();
         field->selectAll();
         return;
@@ -147,11 +146,8 @@ void IgnoreWindowDialog::accept() {
   }
 }
 
-void IgnoreWindowDialog::reject() {
-  if (windows_ != opened_ && !MayDiscardChanges(ask_(), windowTitle())) {
-    return;
-  }
-  QDialog::reject();
+bool IgnoreWindowDialog::Changed() {
+  return windows_ != opened_;
 }
 
 bool IgnoreWindowDialog::eventFilter(QObject* watched, QEvent* event) {

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "core/state.h"
-#include "ui/message_box_prompt.h"
+#include "ui/discard_changes.h"
 
 class QLabel;
 class QLineEdit;
@@ -20,7 +20,7 @@ class ChannelList;
 //   s.SelectedShow = current;
 //   IgnoreWindowDialog dialog(s, showEditor);
 //   dialog.exec();
-class IgnoreWindowDialog final : public QDialog {
+class IgnoreWindowDialog final : public CopyEditorDialog {
   Q_OBJECT
 
  public:
@@ -31,8 +31,6 @@ class IgnoreWindowDialog final : public QDialog {
   // Opens only for a show of the working copy.
   int exec() override;
   void accept() override;
-  // Escape and the close box: asks before changed windows are dropped.
-  void reject() override;
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -43,12 +41,11 @@ class IgnoreWindowDialog final : public QDialog {
   void AddWindow();
   void DeleteWindow();
   bool TimeKey(QLineEdit* field, QKeyEvent* key);
+  bool Changed() override;
 
-  State& s_;
   int show_ = -1;
   std::vector<IgnoreWindow> windows_;
   std::vector<IgnoreWindow> opened_;
-  DialogPrompt ask_;
 
   QLabel* lblShow_ = nullptr;
   QLineEdit* txtStartTime_ = nullptr;

@@ -36,7 +36,7 @@ bool IsEnter(const QKeyEvent* key) {
 
 }  // namespace
 
-ShowsDialog::ShowsDialog(State& s, QWidget* parent) : QDialog(parent), s_(s), ask_(s.prompt, this) {
+ShowsDialog::ShowsDialog(State& s, QWidget* parent) : CopyEditorDialog(s, parent) {
   setObjectName(QStringLiteral("frmShows"));
   setWindowTitle(QStringLiteral("Show Configuration"));
   BuildControls();
@@ -309,9 +309,9 @@ void ShowsDialog::accept() {
   if (const int wrong = FirstShowEndingBeforeItStarts(s_.EditShows); wrong >= 0) {
     DisplayShowInfo(wrong);
     EnableDisabelControls(true);
-    ask_().Inform(QStringLiteral("Entry Error"),
-                  QStringLiteral("The End Date is before the Start Date.  Please enter an End "
-                                 "Date on or after the Start Date."));
+    Ask().Inform(QStringLiteral("Entry Error"),
+                 QStringLiteral("The End Date is before the Start Date.  Please enter an End "
+                                "Date on or after the Start Date."));
     dtPickerEnd_->setFocus();
     return;
   }
@@ -321,19 +321,16 @@ void ShowsDialog::accept() {
     return;
   }
   if (!SaveShows(s_)) {
-    ask_().Inform(QStringLiteral("File Error"),
-                  QStringLiteral("The shows could not be saved.  The changes are in use now but "
-                                 "will be lost when the program stops."));
+    Ask().Inform(QStringLiteral("File Error"),
+                 QStringLiteral("The shows could not be saved.  The changes are in use now but "
+                                "will be lost when the program stops."));
   }
   QDialog::accept();
 }
 
-void ShowsDialog::reject() {
+bool ShowsDialog::Changed() {
   UpdateTempStruct();
-  if (s_.EditShows != opened_ && !MayDiscardChanges(ask_(), windowTitle())) {
-    return;
-  }
-  QDialog::reject();
+  return s_.EditShows != opened_;
 }
 
 bool ShowsDialog::eventFilter(QObject* watched, QEvent* event) {

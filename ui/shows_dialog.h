@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "core/state.h"
-#include "ui/message_box_prompt.h"
+#include "ui/discard_changes.h"
 
 class QCheckBox;
 class QComboBox;
@@ -29,7 +29,7 @@ class RecordNavigation;
 //   s.SelectedShow = 0;
 //   ShowsDialog dialog(s, mainWindow);
 //   dialog.exec();
-class ShowsDialog final : public QDialog {
+class ShowsDialog final : public CopyEditorDialog {
   Q_OBJECT
 
  public:
@@ -40,8 +40,6 @@ class ShowsDialog final : public QDialog {
 
   // Refuses a show that ends before it starts.
   void accept() override;
-  // Escape and the close box: asks before changed shows are dropped.
-  void reject() override;
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -63,6 +61,7 @@ class ShowsDialog final : public QDialog {
   void EnableDisabelControls(bool on);
   void UpdateNavigation();
   void UpdateTempStruct();
+  bool Changed() override;
 
   void GoTo(int index);
   void AddShow();
@@ -76,7 +75,6 @@ class ShowsDialog final : public QDialog {
   void DownlinkChosen(int position);
   void DetectChosen(int list, int position);
 
-  State& s_;
   // The working copy as it was opened, to tell whether anything was changed.
   std::vector<ShowRecord> opened_;
   int current_ = 0;
@@ -87,7 +85,6 @@ class ShowsDialog final : public QDialog {
   // The dates the pickers showed for the record, so an untouched picker rewrites nothing.
   QDate shownStart_;
   QDate shownEnd_;
-  DialogPrompt ask_;
 
   QGroupBox* frNav_ = nullptr;
   RecordNavigation* nav_ = nullptr;
