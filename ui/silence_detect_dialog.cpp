@@ -37,6 +37,21 @@ QRadioButton* MakeOption(const QString& caption, const QString& name, QButtonGro
   return option;
 }
 
+// A frame of two options, one above the other, with ids 0 and 1 and named prefix0, prefix1.
+QGroupBox* OptionPair(const QString& title, const std::array<QString, 2>& captions,
+                      const QString& prefix, std::array<QRadioButton*, 2>& options,
+                      QWidget* parent) {
+  auto* box = new QGroupBox(title, parent);
+  auto* column = new QVBoxLayout(box);
+  auto* group = new QButtonGroup(box);
+  for (int i = 0; i < 2; ++i) {
+    const auto at = static_cast<std::size_t>(i);
+    options[at] = MakeOption(captions[at], prefix + QString::number(i), group, i, box);
+    column->addWidget(options[at]);
+  }
+  return box;
+}
+
 }  // namespace
 
 SilenceDetectDialog::SilenceDetectDialog(State& s, int output, QWidget* parent)
@@ -109,24 +124,12 @@ void SilenceDetectDialog::BuildControls() {
   }
   connect(typeGroup, &QButtonGroup::idClicked, this, &SilenceDetectDialog::DeviceTypeChosen);
 
-  auto* action = new QGroupBox(QStringLiteral("Action"), this);
-  auto* actionColumn = new QVBoxLayout(action);
-  auto* actionGroup = new QButtonGroup(action);
-  optAction_[0] =
-      MakeOption(QStringLiteral("Off"), QStringLiteral("OptAction0"), actionGroup, 0, action);
-  optAction_[1] =
-      MakeOption(QStringLiteral("On"), QStringLiteral("OptAction1"), actionGroup, 1, action);
-  auto* assoc = new QGroupBox(QStringLiteral("Follows"), this);
-  auto* assocColumn = new QVBoxLayout(assoc);
-  auto* assocGroup = new QButtonGroup(assoc);
-  optAssoc_[0] =
-      MakeOption(QStringLiteral("Silence"), QStringLiteral("OptAssoc0"), assocGroup, 0, assoc);
-  optAssoc_[1] =
-      MakeOption(QStringLiteral("Peak"), QStringLiteral("OptAssoc1"), assocGroup, 1, assoc);
-  for (size_t i = 0; i < 2; ++i) {
-    actionColumn->addWidget(optAction_[i]);
-    assocColumn->addWidget(optAssoc_[i]);
-  }
+  QGroupBox* action =
+      OptionPair(QStringLiteral("Action"), {QStringLiteral("Off"), QStringLiteral("On")},
+                 QStringLiteral("OptAction"), optAction_, this);
+  QGroupBox* assoc =
+      OptionPair(QStringLiteral("Follows"), {QStringLiteral("Silence"), QStringLiteral("Peak")},
+                 QStringLiteral("OptAssoc"), optAssoc_, this);
 
   frDevice_ = new QGroupBox(QStringLiteral("Device"), this);
   frDevice_->setObjectName(QStringLiteral("frDetect5"));
