@@ -6,34 +6,41 @@
 
 namespace zrn {
 
+namespace {
+
+struct Step {
+  const char* name;
+  const char* caption;
+  const char* tip;
+  int (*target)(RecordNavigation::Place);
+};
+
+const Step kSteps[] = {
+    {"CmdStart", "|<", "Moves to first ", [](RecordNavigation::Place) { return 0; }},
+    {"cmdBack", "<", "Moves back one ", [](RecordNavigation::Place p) { return p.at - 1; }},
+    {"cmdForward", ">", "Moves forward one ", [](RecordNavigation::Place p) { return p.at + 1; }},
+    {"cmdEnd", ">|", "Moves to last ", [](RecordNavigation::Place p) { return p.count - 1; }}};
+
+}  // namespace
+
 RecordNavigation::RecordNavigation(const QString& what, QObject* parent,
                                    std::function<Place()> where,
                                    std::function<void(int index)> goTo)
     : QObject(parent), where_(std::move(where)) {
-  const auto first = [](Place) { return 0; };
-  const auto back = [](Place p) { return p.at - 1; };
-  const auto forward = [](Place p) { return p.at + 1; };
-  const auto last = [](Place p) { return p.count - 1; };
-  const std::array<std::function<int(Place)>, 4> targets{first, back, forward, last};
-  const std::array<QString, 4> names{QStringLiteral("CmdStart"), QStringLiteral("cmdBack"),
-                                     QStringLiteral("cmdForward"), QStringLiteral("cmdEnd")};
-  const std::array<QString, 4> captions{QStringLiteral("|<"), QStringLiteral("<"),
-                                        QStringLiteral(">"), QStringLiteral(">|")};
-  const std::array<QString, 4> tips{
-      QStringLiteral("Moves to first "), QStringLiteral("Moves back one "),
-      QStringLiteral("Moves forward one "), QStringLiteral("Moves to last ")};
   for (std::size_t i = 0; i < buttons_.size(); ++i) {
-    buttons_[i] = Button(names[i], captions[i], tips[i] + what, this,
-                         [where = where_, goTo, target = targets[i]] { goTo(target(where())); });
+    const Step& step = kSteps[i];
+    buttons_[i] = Button(QLatin1String(step.name), QLatin1String(step.caption),
+                         QLatin1String(step.tip) + what, this,
+                         [where = where_, goTo, step] { goTo(step.target(where())); });
   }
 }
 
 void RecordNavigation::Update() const {
   const Place place = where_();
-  buttons_[0]->setEnabled(place.at > 0);
-  buttons_[1]->setEnabled(place.at > 0);
-  buttons_[2]->setEnabled(place.at < place.count - 1);
-  buttons_[3]->setEnabled(place.at < place.count - 1);
+  for (std::size_t i = 0; i < buttons_.size(); ++i) {
+    // The first two lead back, the last two forward.
+    buttons_[i]->setEnabled(i < 2 ? place.at > 0 : place.at < place.count - 1);
+  }
 }
 
 }  // namespace zrn
