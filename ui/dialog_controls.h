@@ -11,8 +11,8 @@ class QWidget;
 
 namespace zrn {
 
-// A push button as the dialogs make them: named for the tests and the operator's habits, with
-// its tool tip. It never becomes the default by focus: Enter belongs to the fields and lists.
+// A push button as every dialog makes it, with its object name and tool tip. It never becomes
+// the default by taking the focus: Enter belongs to the fields and lists.
 QPushButton* Button(const QString& name, const QString& caption, const QString& tip = QString());
 
 // The same, with what a click does.
