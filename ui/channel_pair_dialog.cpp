@@ -10,7 +10,6 @@
 #include "ui/channel_list.h"
 #include "ui/channel_picker.h"
 #include "ui/dialog_controls.h"
-#include "ui/discard_changes.h"
 
 namespace zrn {
 

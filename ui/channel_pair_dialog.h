@@ -6,7 +6,7 @@
 
 #include "core/state.h"
 #include "ui/channel_pair_rules.h"
-#include "ui/discard_changes.h"
+#include "ui/copy_editor_dialog.h"
 
 class QPushButton;
 

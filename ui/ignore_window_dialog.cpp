@@ -11,7 +11,6 @@
 #include "storage/logs.h"
 #include "ui/channel_list.h"
 #include "ui/dialog_controls.h"
-#include "ui/discard_changes.h"
 #include "ui/ignore_window_rules.h"
 #include "ui/time_entry.h"
 

@@ -15,7 +15,6 @@
 #include "storage/shows_file.h"
 #include "ui/channel_pair_dialog.h"
 #include "ui/channel_picker.h"
-#include "ui/discard_changes.h"
 #include "ui/ignore_window_dialog.h"
 #include "ui/record_navigation.h"
 #include "ui/schedule_rules.h"

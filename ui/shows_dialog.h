@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "core/state.h"
-#include "ui/discard_changes.h"
+#include "ui/copy_editor_dialog.h"
 
 class QCheckBox;
 class QComboBox;

@@ -1,6 +1,7 @@
-#include "ui/discard_changes.h"
+#include "ui/copy_editor_dialog.h"
 
 #include "core/state.h"
+#include "ui/discard_changes.h"
 
 namespace zrn {
 
