@@ -28,7 +28,7 @@ QLineEdit* Field(const QString& text, const QString& name, QWidget* parent) {
 }  // namespace
 
 AlertsDialog::AlertsDialog(Alerts& alerts, State& s, QWidget* parent)
-    : QDialog(parent), alerts_(alerts), s_(s), fallbackPrompt_(this) {
+    : QDialog(parent), alerts_(alerts), ask_(s.prompt, this) {
   setObjectName(QStringLiteral("frmAlerts"));
   setWindowTitle(QStringLiteral("Alerts"));
   const AlertSettings& a = alerts_.Settings();
@@ -85,10 +85,6 @@ AlertsDialog::AlertsDialog(Alerts& alerts, State& s, QWidget* parent)
   root->addWidget(buttons);
 }
 
-Prompt& AlertsDialog::Ask() {
-  return s_.prompt != nullptr ? *s_.prompt : fallbackPrompt_;
-}
-
 AlertSettings AlertsDialog::Edited() const {
   AlertSettings a = alerts_.Settings();
   a.trayIcon = tray_->isChecked();
@@ -109,7 +105,7 @@ void AlertsDialog::Accept() {
   if (a.httpEnabled) {
     const QString refusal = EndpointRefusal(a);
     if (!refusal.isEmpty()) {
-      Ask().Inform(title, refusal + QLatin1Char('.'));
+      ask_().Inform(title, refusal + QLatin1Char('.'));
       (a.httpToken.isEmpty() ? token_ : address_)->setFocus();
       return;
     }
@@ -117,12 +113,12 @@ void AlertsDialog::Accept() {
   const QUrl url(a.webhookUrl, QUrl::StrictMode);
   if (!a.webhookUrl.isEmpty() && (!url.isValid() || (url.scheme() != QLatin1String("http") &&
                                                      url.scheme() != QLatin1String("https")))) {
-    Ask().Inform(title, QStringLiteral("The webhook URL must be an http or https address."));
+    ask_().Inform(title, QStringLiteral("The webhook URL must be an http or https address."));
     url_->setFocus();
     return;
   }
   if (!alerts_.Apply(a)) {
-    Ask().Inform(title, kAlertsFileName + QStringLiteral(" could not be saved."));
+    ask_().Inform(title, kAlertsFileName + QStringLiteral(" could not be saved."));
     return;
   }
   accept();

@@ -26,11 +26,9 @@ class AlertsDialog final : public QDialog {
  private:
   AlertSettings Edited() const;
   void Accept();
-  Prompt& Ask();
 
   Alerts& alerts_;
-  State& s_;
-  MessageBoxPrompt fallbackPrompt_;
+  DialogPrompt ask_;
   QCheckBox* tray_ = nullptr;
   QCheckBox* notifications_ = nullptr;
   QCheckBox* sound_ = nullptr;

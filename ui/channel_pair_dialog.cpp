@@ -1,18 +1,15 @@
 #include "ui/channel_pair_dialog.h"
 
-#include <QComboBox>
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QPushButton>
-#include <QSignalBlocker>
-#include <QTreeWidget>
 #include <QVBoxLayout>
 
 #include "storage/logs.h"
-#include "ui/discard_changes.h"
-#include "ui/typed_channel_list.h"
+#include "ui/channel_list.h"
+#include "ui/channel_picker.h"
+#include "ui/dialog_controls.h"
 
 namespace zrn {
 
@@ -23,19 +20,9 @@ const QString kEditTip = QStringLiteral("Edit the current selection");
 const QString kSaveTip =
     QStringLiteral("Save changes to the working copy of the current selection");
 
-QPushButton* Button(const QString& name, const QString& caption, const QString& tip) {
-  auto* button = new QPushButton(caption);
-  button->setObjectName(name);
-  button->setToolTip(tip);
-  // Enter belongs to the channel lists.
-  button->setAutoDefault(false);
-  return button;
-}
-
 }  // namespace
 
-ChannelPairDialog::ChannelPairDialog(State& s, QWidget* parent)
-    : QDialog(parent), s_(s), fallbackPrompt_(this) {
+ChannelPairDialog::ChannelPairDialog(State& s, QWidget* parent) : CopyEditorDialog(s, parent) {
   setObjectName(QStringLiteral("frmChannelSelect2"));
   BuildControls();
   Trap(s_, QStringLiteral("Error Loading Channel Selection"), QStringLiteral("Display Error"),
@@ -43,14 +30,8 @@ ChannelPairDialog::ChannelPairDialog(State& s, QWidget* parent)
 }
 
 void ChannelPairDialog::BuildControls() {
-  lvList_ = new QTreeWidget;
-  lvList_->setObjectName(QStringLiteral("lvList"));
-  lvList_->setHeaderLabels({QStringLiteral("Channel Alpha")});
-  lvList_->setRootIsDecorated(false);
-  lvList_->setUniformRowHeights(true);
-  lvList_->setAlternatingRowColors(true);
-  lvList_->setSelectionMode(QAbstractItemView::ExtendedSelection);
-  lvList_->setMinimumSize(520, 220);
+  lvList_ = new ChannelList(QStringLiteral("lvList"), {QStringLiteral("Channel Alpha")},
+                            QAbstractItemView::ExtendedSelection, QSize(520, 220));
   connect(lvList_, &QTreeWidget::itemSelectionChanged, this, &ChannelPairDialog::RowChosen);
 
   auto* frChannels = new QGroupBox;
@@ -58,22 +39,19 @@ void ChannelPairDialog::BuildControls() {
   const char* const names[] = {"cmbLeftChan", "cmbRightChan", "cmbCueChan"};
   const char* const captions[] = {"Left Channel", "Right Channel", "Cue Channel"};
   for (std::size_t i = 0; i < cmbChan_.size(); ++i) {
-    cmbChan_[i] = new QComboBox;
-    cmbChan_[i]->setObjectName(QLatin1String(names[i]));
+    cmbChan_[i] = new ChannelPicker(QLatin1String(names[i]), {.undefinedKey = true, .itemOf = {}});
     cmbChan_[i]->setMinimumWidth(300);
     cmbChan_[i]->setMaxVisibleItems(20);
-    MakeTypedChannelList(cmbChan_[i], true);
     channels->addRow(QLatin1String(captions[i]), cmbChan_[i]);
   }
 
   cmdAdd_ = Button(QStringLiteral("cmdAdd"), QStringLiteral("&Add"),
-                   QStringLiteral("Add an additional item"));
-  cmdDelete_ = Button(QStringLiteral("cmdDelete"), QStringLiteral("Delete"),
-                      QStringLiteral("Delete the selected item"));
-  cmdEdit_ = Button(QStringLiteral("cmdEdit"), QStringLiteral("Edit"), kEditTip);
-  connect(cmdAdd_, &QPushButton::clicked, this, &ChannelPairDialog::AddGroup);
-  connect(cmdDelete_, &QPushButton::clicked, this, &ChannelPairDialog::DeleteGroups);
-  connect(cmdEdit_, &QPushButton::clicked, this, &ChannelPairDialog::EditOrSave);
+                   QStringLiteral("Add an additional item"), this, &ChannelPairDialog::AddGroup);
+  cmdDelete_ =
+      Button(QStringLiteral("cmdDelete"), QStringLiteral("Delete"),
+             QStringLiteral("Delete the selected item"), this, &ChannelPairDialog::DeleteGroups);
+  cmdEdit_ = Button(QStringLiteral("cmdEdit"), QStringLiteral("Edit"), kEditTip, this,
+                    &ChannelPairDialog::EditOrSave);
   auto* listButtons = new QVBoxLayout;
   listButtons->addWidget(cmdAdd_);
   listButtons->addWidget(cmdDelete_);
@@ -84,21 +62,13 @@ void ChannelPairDialog::BuildControls() {
   editRow->addWidget(frChannels, 1);
   editRow->addLayout(listButtons);
 
-  auto* cmdOk = Button(QStringLiteral("cmdOk"), QStringLiteral("OK"),
-                       QStringLiteral("Save changes and close the form"));
-  auto* cmdCancel = Button(QStringLiteral("cmdCancel"), QStringLiteral("&Cancel"),
-                           QStringLiteral("Abandon any changes and close the form"));
-  connect(cmdOk, &QPushButton::clicked, this, &ChannelPairDialog::accept);
-  connect(cmdCancel, &QPushButton::clicked, this, [this] { QDialog::reject(); });
-  auto* closeRow = new QHBoxLayout;
-  closeRow->addStretch(1);
-  closeRow->addWidget(cmdOk);
-  closeRow->addWidget(cmdCancel);
-
+  CloseRowOptions close;
+  close.okTip = QStringLiteral("Save changes and close the form");
+  close.cancelTip = QStringLiteral("Abandon any changes and close the form");
   auto* root = new QVBoxLayout(this);
   root->addWidget(lvList_, 1);
   root->addLayout(editRow);
-  root->addLayout(closeRow);
+  root->addLayout(CloseRow(this, close));
 }
 
 void ChannelPairDialog::Fill() {
@@ -122,18 +92,11 @@ void ChannelPairDialog::Fill() {
 }
 
 void ChannelPairDialog::FillList(int select) {
-  {
-    const QSignalBlocker quiet(lvList_);
-    lvList_->clear();
-    for (const ChannelGroup& group : groups_) {
-      lvList_->addTopLevelItem(new QTreeWidgetItem({ChannelGroupText(s_, mode_, group)}));
-    }
-    if (select >= 0 && select < lvList_->topLevelItemCount()) {
-      lvList_->setCurrentItem(lvList_->topLevelItem(select));
-    } else {
-      lvList_->setCurrentItem(nullptr);
-    }
+  std::vector<QStringList> rows;
+  for (const ChannelGroup& group : groups_) {
+    rows.push_back({ChannelGroupText(s_, mode_, group)});
   }
+  lvList_->SetRows(rows, select);
   ShowGroup(select);
 }
 
@@ -144,9 +107,7 @@ void ChannelPairDialog::ShowGroup(int index) {
   const std::array<int, 3> channels{group.left, group.right, group.cue};
   updating_ = true;
   for (std::size_t i = 0; i < cmbChan_.size(); ++i) {
-    const int item = ChannelPairItem(s_, mode_, channels[i]);
-    cmbChan_[i]->setCurrentIndex(item);
-    cmbChan_[i]->setEditText(cmbChan_[i]->itemText(item));
+    cmbChan_[i]->Select(ChannelPairItem(s_, mode_, channels[i]));
   }
   updating_ = false;
 }
@@ -170,14 +131,12 @@ void ChannelPairDialog::AddGroup() {
 
 void ChannelPairDialog::DeleteGroups() {
   Trap(s_, QStringLiteral("Error deleting item"), kListError, [&] {
-    std::vector<ChannelGroup> kept;
-    for (int i = 0; i < static_cast<int>(groups_.size()); ++i) {
-      const QTreeWidgetItem* row = lvList_->topLevelItem(i);
-      if (row == nullptr || !row->isSelected()) {
-        kept.push_back(groups_[static_cast<std::size_t>(i)]);
+    const std::vector<int> selected = lvList_->SelectedRows();
+    for (auto row = selected.rbegin(); row != selected.rend(); ++row) {
+      if (*row < static_cast<int>(groups_.size())) {
+        groups_.erase(groups_.begin() + *row);
       }
     }
-    groups_ = std::move(kept);
     FillList(kNone);
   });
 }
@@ -218,7 +177,7 @@ void ChannelPairDialog::SaveGroup() {
   }
 }
 
-bool ChannelPairDialog::Changed() const {
+bool ChannelPairDialog::Changed() {
   if (groups_ != opened_) {
     return true;
   }
@@ -231,14 +190,6 @@ bool ChannelPairDialog::Changed() const {
                       ChannelOfPairItem(cmbChan_[2]->currentIndex())} != group;
 }
 
-void ChannelPairDialog::reject() {
-  Prompt& prompt = s_.prompt != nullptr ? *s_.prompt : fallbackPrompt_;
-  if (Changed() && !MayDiscardChanges(prompt, windowTitle())) {
-    return;
-  }
-  QDialog::reject();
-}
-
 int ChannelPairDialog::exec() {
   if (show_ < 0) {
     return QDialog::Rejected;
@@ -248,12 +199,11 @@ int ChannelPairDialog::exec() {
 
 void ChannelPairDialog::accept() {
   if (editing_) {
-    Prompt& prompt = s_.prompt != nullptr ? *s_.prompt : fallbackPrompt_;
-    const Prompt::Answer answer = prompt.Ask(
-        QStringLiteral("Save Changes?"),
-        QStringLiteral(
-            "You are currently editing a selection.\nDo you wish to save these changes?"),
-        false);
+    const Prompt::Answer answer =
+        Ask().Ask(QStringLiteral("Save Changes?"),
+                  QStringLiteral(
+                      "You are currently editing a selection.\nDo you wish to save these changes?"),
+                  false);
     if (answer == Prompt::Answer::Yes) {
       SaveGroup();
     }

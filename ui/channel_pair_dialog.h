@@ -6,13 +6,14 @@
 
 #include "core/state.h"
 #include "ui/channel_pair_rules.h"
-#include "ui/message_box_prompt.h"
+#include "ui/copy_editor_dialog.h"
 
-class QComboBox;
 class QPushButton;
-class QTreeWidget;
 
 namespace zrn {
+
+class ChannelList;
+class ChannelPicker;
 
 // frmChannelSelect2: the outputs (ChannelSelectMode 1) or studio sources (mode 2) of show
 // EditShows[SelectedShow], each a left, right and cue channel. It edits a copy of the groups;
@@ -22,7 +23,7 @@ namespace zrn {
 //   s.SelectedShow = current;
 //   ChannelPairDialog dialog(s, showEditor);
 //   dialog.exec();
-class ChannelPairDialog final : public QDialog {
+class ChannelPairDialog final : public CopyEditorDialog {
   Q_OBJECT
 
  public:
@@ -36,8 +37,6 @@ class ChannelPairDialog final : public QDialog {
   // Opens only in mode 1 or 2, for a show of the working copy.
   int exec() override;
   void accept() override;
-  // Escape and the close box: asks before changed groups are dropped.
-  void reject() override;
 
  private:
   void BuildControls();
@@ -51,9 +50,8 @@ class ChannelPairDialog final : public QDialog {
   void SaveGroup();
   void SetEditing(bool on);
   // The groups or the lists being edited differ from what the show holds.
-  bool Changed() const;
+  bool Changed() override;
 
-  State& s_;
   int mode_ = 0;
   int show_ = -1;
   std::vector<ChannelGroup> groups_;
@@ -62,11 +60,10 @@ class ChannelPairDialog final : public QDialog {
   bool editing_ = false;
   // Set while the dialog fills its lists, so their handlers stay quiet.
   bool updating_ = false;
-  MessageBoxPrompt fallbackPrompt_;
 
-  QTreeWidget* lvList_ = nullptr;
+  ChannelList* lvList_ = nullptr;
   // Left, right, cue.
-  std::array<QComboBox*, 3> cmbChan_{};
+  std::array<ChannelPicker*, 3> cmbChan_{};
   QPushButton* cmdAdd_ = nullptr;
   QPushButton* cmdDelete_ = nullptr;
   QPushButton* cmdEdit_ = nullptr;

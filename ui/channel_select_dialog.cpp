@@ -1,44 +1,28 @@
 #include "ui/channel_select_dialog.h"
 
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QLabel>
 #include <QPushButton>
-#include <QTreeWidget>
 #include <QVBoxLayout>
 
 #include "storage/logs.h"
+#include "ui/channel_list.h"
 #include "ui/channel_select_rules.h"
+#include "ui/dialog_controls.h"
 
 namespace zrn {
 
 namespace {
 
 const QString kListError = QStringLiteral("List Error");
+// The channel number beside its name, which tells the rows apart.
 constexpr int kKeyColumn = 1;
 
-QTreeWidget* ChannelList(const QString& name) {
-  auto* list = new QTreeWidget;
-  list->setObjectName(name);
-  list->setColumnCount(2);
-  list->setHeaderLabels({QStringLiteral("Channel Alpha"), QStringLiteral("Channel")});
-  list->setRootIsDecorated(false);
-  list->setUniformRowHeights(true);
-  list->setAlternatingRowColors(true);
-  list->setSelectionMode(QAbstractItemView::ExtendedSelection);
-  list->header()->setStretchLastSection(false);
-  list->header()->setSectionResizeMode(0, QHeaderView::Stretch);
-  list->header()->setSectionResizeMode(kKeyColumn, QHeaderView::ResizeToContents);
-  list->setMinimumSize(280, 340);
+ChannelList* SilenceOutList(const QString& name) {
+  auto* list = new ChannelList(name, {QStringLiteral("Channel Alpha"), QStringLiteral("Channel")},
+                               QAbstractItemView::ExtendedSelection, QSize(280, 340));
+  list->SetKeyColumn(kKeyColumn);
   return list;
-}
-
-QPushButton* Button(const QString& name, const QString& caption, const QString& tip) {
-  auto* button = new QPushButton(caption);
-  button->setObjectName(name);
-  button->setToolTip(tip);
-  button->setAutoDefault(false);
-  return button;
 }
 
 }  // namespace
@@ -47,17 +31,17 @@ ChannelSelectDialog::ChannelSelectDialog(State& s, QWidget* parent) : QDialog(pa
   setObjectName(QStringLiteral("frmChannelSelect"));
   setWindowTitle(QStringLiteral("Configure Available Silence Detect Outputs"));
 
-  lvChannel_ = ChannelList(QStringLiteral("lvChannel"));
-  lvList_ = ChannelList(QStringLiteral("lvList"));
+  lvChannel_ = SilenceOutList(QStringLiteral("lvChannel"));
+  lvList_ = SilenceOutList(QStringLiteral("lvList"));
   auto* cmdAdd = Button(QStringLiteral("cmdAdd"), QStringLiteral("&Add >>"),
-                        QStringLiteral("Add Selected Items to Current Display Listy"));
+                        QStringLiteral("Add Selected Items to Current Display Listy"), this,
+                        &ChannelSelectDialog::AddSelected);
   auto* cmdRemove = Button(QStringLiteral("cmdRemove"), QStringLiteral("<< &Remove"),
-                           QStringLiteral("Remove Selected Items from Current Display List"));
+                           QStringLiteral("Remove Selected Items from Current Display List"), this,
+                           &ChannelSelectDialog::RemoveSelected);
   auto* cmdRemoveAll = Button(QStringLiteral("cmdRemoveAll"), QStringLiteral("<< Remove All"),
-                              QStringLiteral("Remove Selected Items from Current Display List"));
-  connect(cmdAdd, &QPushButton::clicked, this, &ChannelSelectDialog::AddSelected);
-  connect(cmdRemove, &QPushButton::clicked, this, &ChannelSelectDialog::RemoveSelected);
-  connect(cmdRemoveAll, &QPushButton::clicked, this, &ChannelSelectDialog::RemoveAll);
+                              QStringLiteral("Remove Selected Items from Current Display List"),
+                              this, &ChannelSelectDialog::RemoveAll);
   connect(lvChannel_, &QTreeWidget::itemDoubleClicked, this, &ChannelSelectDialog::AddSelected);
   connect(lvList_, &QTreeWidget::itemDoubleClicked, this, &ChannelSelectDialog::RemoveSelected);
 
@@ -90,36 +74,22 @@ ChannelSelectDialog::ChannelSelectDialog(State& s, QWidget* parent) : QDialog(pa
   lists->addLayout(moves);
   lists->addLayout(chosen, 1);
 
-  auto* cmdOk = new QPushButton(QStringLiteral("OK"));
-  cmdOk->setObjectName(QStringLiteral("cmdOk"));
-  cmdOk->setDefault(true);
-  auto* cmdCancel = Button(QStringLiteral("cmdCancel"), QStringLiteral("&Cancel"), QString());
-  connect(cmdOk, &QPushButton::clicked, this, &ChannelSelectDialog::accept);
-  connect(cmdCancel, &QPushButton::clicked, this, &ChannelSelectDialog::reject);
-  auto* closeRow = new QHBoxLayout;
-  closeRow->addStretch(1);
-  closeRow->addWidget(cmdOk);
-  closeRow->addWidget(cmdCancel);
-
+  CloseRowOptions close;
+  close.okIsDefault = true;
   auto* root = new QVBoxLayout(this);
   root->addLayout(lists, 1);
-  root->addLayout(closeRow);
+  root->addLayout(CloseRow(this, close));
 
   Trap(s_, QStringLiteral("Error Loading Channel Selection"), QStringLiteral("Display Error"),
        [&] { Fill(); });
 }
 
-QTreeWidgetItem* ChannelSelectDialog::MakeItem(int channel) const {
-  auto* item = new QTreeWidgetItem({SilenceOutItemText(s_, channel), SilenceOutKey(channel)});
-  return item;
-}
-
 void ChannelSelectDialog::Fill() {
   for (int k = 1; k <= s_.SwitcherOutputCount; ++k) {
-    lvChannel_->addTopLevelItem(MakeItem(k));
+    lvChannel_->AddRow({SilenceOutItemText(s_, k), SilenceOutKey(k)});
   }
   for (int channel : SilenceOutChannels(s_)) {
-    lvList_->addTopLevelItem(MakeItem(channel));
+    lvList_->AddRow({SilenceOutItemText(s_, channel), SilenceOutKey(channel)});
   }
   ShowSelectedCount();
   lblRequired_->setText(QStringLiteral("Currently Required: %1").arg(CurrentlyRequired(s_)));
@@ -130,24 +100,12 @@ void ChannelSelectDialog::ShowSelectedCount() {
   lblOutCount_->setText(QStringLiteral("Selected: %1").arg(lvList_->topLevelItemCount()));
 }
 
-QTreeWidgetItem* ChannelSelectDialog::FindKey(const QString& key) const {
-  QTreeWidgetItem* found = nullptr;
-  Trap(s_, QStringLiteral("Error Finding Key"), kListError, [&] {
-    for (int i = 0; i < lvList_->topLevelItemCount() && found == nullptr; ++i) {
-      if (lvList_->topLevelItem(i)->text(kKeyColumn) == key) {
-        found = lvList_->topLevelItem(i);
-      }
-    }
-  });
-  return found;
-}
-
 void ChannelSelectDialog::AddSelected() {
   Trap(s_, QStringLiteral("Error Adding item"), kListError, [&] {
     // In left-list order, whatever order the operator picked them in.
-    for (int i = 0; i < lvChannel_->topLevelItemCount(); ++i) {
-      QTreeWidgetItem* item = lvChannel_->topLevelItem(i);
-      if (item->isSelected() && FindKey(item->text(kKeyColumn)) == nullptr) {
+    for (int row : lvChannel_->SelectedRows()) {
+      QTreeWidgetItem* item = lvChannel_->topLevelItem(row);
+      if (lvList_->FindKey(item->text(kKeyColumn)) < 0) {
         lvList_->addTopLevelItem(item->clone());
       }
     }
@@ -171,8 +129,8 @@ void ChannelSelectDialog::RemoveAll() {
 
 std::vector<int> ChannelSelectDialog::ChosenChannels() const {
   std::vector<int> channels;
-  for (int i = 0; i < lvList_->topLevelItemCount(); ++i) {
-    const int channel = ChannelOfKey(lvList_->topLevelItem(i)->text(kKeyColumn));
+  for (const QString& key : lvList_->Keys()) {
+    const int channel = ChannelOfKey(key);
     if (channel > 0) {
       channels.push_back(channel);
     }

@@ -6,10 +6,10 @@
 #include "core/state.h"
 
 class QLabel;
-class QTreeWidget;
-class QTreeWidgetItem;
 
 namespace zrn {
+
+class ChannelList;
 
 // frmChannelSelect (mode 3): which switcher outputs shows may borrow for silence detection.
 // Every switcher output on the left, the chosen ones on the right; OK replaces SilenceOuts.
@@ -34,12 +34,10 @@ class ChannelSelectDialog final : public QDialog {
   void RemoveSelected();
   void RemoveAll();
   void ShowSelectedCount();
-  QTreeWidgetItem* MakeItem(int channel) const;
-  QTreeWidgetItem* FindKey(const QString& key) const;
 
   State& s_;
-  QTreeWidget* lvChannel_ = nullptr;
-  QTreeWidget* lvList_ = nullptr;
+  ChannelList* lvChannel_ = nullptr;
+  ChannelList* lvList_ = nullptr;
   QLabel* lblOutCount_ = nullptr;
   QLabel* lblRequired_ = nullptr;
   QLabel* lblMax_ = nullptr;

@@ -2,16 +2,15 @@
 
 #include <QGridLayout>
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QTreeWidget>
 #include <QVBoxLayout>
 
 #include "storage/logs.h"
-#include "ui/discard_changes.h"
+#include "ui/channel_list.h"
+#include "ui/dialog_controls.h"
 #include "ui/ignore_window_rules.h"
 #include "ui/time_entry.h"
 
@@ -20,15 +19,6 @@ namespace zrn {
 namespace {
 
 const QString kListError = QStringLiteral("List Error");
-
-QPushButton* Button(const QString& name, const QString& caption, const QString& tip) {
-  auto* button = new QPushButton(caption);
-  button->setObjectName(name);
-  button->setToolTip(tip);
-  // Enter belongs to the time fields.
-  button->setAutoDefault(false);
-  return button;
-}
 
 QLineEdit* TimeField(const QString& name) {
   auto* field = new QLineEdit(QStringLiteral("00:00:00"));
@@ -39,8 +29,7 @@ QLineEdit* TimeField(const QString& name) {
 
 }  // namespace
 
-IgnoreWindowDialog::IgnoreWindowDialog(State& s, QWidget* parent)
-    : QDialog(parent), s_(s), fallbackPrompt_(this) {
+IgnoreWindowDialog::IgnoreWindowDialog(State& s, QWidget* parent) : CopyEditorDialog(s, parent) {
   setObjectName(QStringLiteral("frmSilenceIgnoreWindow"));
   setWindowTitle(QStringLiteral("Silence Ignore Windows"));
   BuildControls();
@@ -59,17 +48,12 @@ void IgnoreWindowDialog::BuildControls() {
   txtEndTime_ = TimeField(QStringLiteral("txtEndTime"));
   txtStartTime_->installEventFilter(this);
   txtEndTime_->installEventFilter(this);
-  auto* startCaption = new QLabel(QStringLiteral("Start Time"));
-  startCaption->setBuddy(txtStartTime_);
-  auto* endCaption = new QLabel(QStringLiteral("End Time"));
-  endCaption->setBuddy(txtEndTime_);
 
   auto* cmdAdd = Button(QStringLiteral("cmdAdd"), QStringLiteral("&Add Listed Window"),
-                        QStringLiteral("Add Listed Window"));
-  auto* cmdDelete = Button(QStringLiteral("cmdDelete"), QStringLiteral("Delete"),
-                           QStringLiteral("Delete Selected Winfow"));
-  connect(cmdAdd, &QPushButton::clicked, this, &IgnoreWindowDialog::AddWindow);
-  connect(cmdDelete, &QPushButton::clicked, this, &IgnoreWindowDialog::DeleteWindow);
+                        QStringLiteral("Add Listed Window"), this, &IgnoreWindowDialog::AddWindow);
+  auto* cmdDelete =
+      Button(QStringLiteral("cmdDelete"), QStringLiteral("Delete"),
+             QStringLiteral("Delete Selected Winfow"), this, &IgnoreWindowDialog::DeleteWindow);
 
   lblShow_ = new QLabel;
   lblShow_->setObjectName(QStringLiteral("lblShow"));
@@ -78,21 +62,16 @@ void IgnoreWindowDialog::BuildControls() {
   lblShow_->setFont(bold);
 
   auto* entry = new QGridLayout;
-  entry->addWidget(startCaption, 0, 0);
+  entry->addWidget(Caption(QStringLiteral("Start Time"), txtStartTime_), 0, 0);
   entry->addWidget(txtStartTime_, 1, 0);
-  entry->addWidget(endCaption, 0, 1);
+  entry->addWidget(Caption(QStringLiteral("End Time"), txtEndTime_), 0, 1);
   entry->addWidget(txtEndTime_, 1, 1);
   entry->addWidget(cmdAdd, 1, 2);
   entry->setColumnStretch(3, 1);
 
-  lstSilenceSched_ = new QTreeWidget;
-  lstSilenceSched_->setObjectName(QStringLiteral("lstSilenceSched"));
-  lstSilenceSched_->setHeaderLabels({QStringLiteral("Schedule")});
-  lstSilenceSched_->setRootIsDecorated(false);
-  lstSilenceSched_->setUniformRowHeights(true);
-  lstSilenceSched_->setAlternatingRowColors(true);
-  lstSilenceSched_->setSelectionMode(QAbstractItemView::SingleSelection);
-  lstSilenceSched_->setMinimumSize(300, 200);
+  lstSilenceSched_ =
+      new ChannelList(QStringLiteral("lstSilenceSched"), {QStringLiteral("Schedule")},
+                      QAbstractItemView::SingleSelection, QSize(300, 200));
 
   auto* listColumn = new QVBoxLayout;
   listColumn->addWidget(cmdDelete);
@@ -101,32 +80,21 @@ void IgnoreWindowDialog::BuildControls() {
   listRow->addWidget(lstSilenceSched_, 1);
   listRow->addLayout(listColumn);
 
-  auto* cmdOk = Button(QStringLiteral("cmdOk"), QStringLiteral("OK"), QString());
-  auto* cmdCancel = Button(QStringLiteral("cmdCancel"), QStringLiteral("&Cancel"), QString());
-  connect(cmdOk, &QPushButton::clicked, this, &IgnoreWindowDialog::accept);
-  connect(cmdCancel, &QPushButton::clicked, this, [this] { QDialog::reject(); });
-  auto* closeRow = new QHBoxLayout;
-  closeRow->addStretch(1);
-  closeRow->addWidget(cmdOk);
-  closeRow->addWidget(cmdCancel);
-
   auto* root = new QVBoxLayout(this);
   root->addWidget(lblShow_);
   root->addLayout(entry);
   root->addLayout(listRow, 1);
-  root->addLayout(closeRow);
+  root->addLayout(CloseRow(this));
 }
 
 void IgnoreWindowDialog::FillList() {
-  lstSilenceSched_->clear();
+  std::vector<QStringList> rows;
+  QStringList keys;
   for (int i = 0; i < static_cast<int>(windows_.size()); ++i) {
-    auto* row = new QTreeWidgetItem(lstSilenceSched_, {IgnoreRowText(windows_[i])});
-    row->setData(0, Qt::UserRole, IgnoreRowKey(i));
+    rows.push_back({IgnoreRowText(windows_[static_cast<std::size_t>(i)])});
+    keys.push_back(IgnoreRowKey(i));
   }
-}
-
-Prompt& IgnoreWindowDialog::Ask() {
-  return s_.prompt != nullptr ? *s_.prompt : fallbackPrompt_;
+  lstSilenceSched_->SetRows(rows, -1, keys);
 }
 
 void IgnoreWindowDialog::AddWindow() {
@@ -149,12 +117,12 @@ void IgnoreWindowDialog::AddWindow() {
 }
 
 void IgnoreWindowDialog::DeleteWindow() {
-  const QList<QTreeWidgetItem*> selected = lstSilenceSched_->selectedItems();
-  if (selected.isEmpty()) {
+  const std::vector<int> selected = lstSilenceSched_->SelectedRows();
+  if (selected.empty()) {
     return;
   }
-  const int row = lstSilenceSched_->indexOfTopLevelItem(selected.front());
-  if (row >= 0 && row < static_cast<int>(windows_.size())) {
+  const int row = selected.front();
+  if (row < static_cast<int>(windows_.size())) {
     windows_.erase(windows_.begin() + row);
     FillList();
   }
@@ -177,11 +145,8 @@ void IgnoreWindowDialog::accept() {
   }
 }
 
-void IgnoreWindowDialog::reject() {
-  if (windows_ != opened_ && !MayDiscardChanges(Ask(), windowTitle())) {
-    return;
-  }
-  QDialog::reject();
+bool IgnoreWindowDialog::Changed() {
+  return windows_ != opened_;
 }
 
 bool IgnoreWindowDialog::eventFilter(QObject* watched, QEvent* event) {

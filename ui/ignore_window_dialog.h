@@ -4,13 +4,14 @@
 #include <vector>
 
 #include "core/state.h"
-#include "ui/message_box_prompt.h"
+#include "ui/copy_editor_dialog.h"
 
 class QLabel;
 class QLineEdit;
-class QTreeWidget;
 
 namespace zrn {
+
+class ChannelList;
 
 // frmSilenceIgnoreWindow: the daily periods in which silence of show EditShows[SelectedShow]
 // is not shown as an alarm. It edits a copy; OK writes the windows into the show editor's
@@ -19,7 +20,7 @@ namespace zrn {
 //   s.SelectedShow = current;
 //   IgnoreWindowDialog dialog(s, showEditor);
 //   dialog.exec();
-class IgnoreWindowDialog final : public QDialog {
+class IgnoreWindowDialog final : public CopyEditorDialog {
   Q_OBJECT
 
  public:
@@ -30,8 +31,6 @@ class IgnoreWindowDialog final : public QDialog {
   // Opens only for a show of the working copy.
   int exec() override;
   void accept() override;
-  // Escape and the close box: asks before changed windows are dropped.
-  void reject() override;
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -42,18 +41,16 @@ class IgnoreWindowDialog final : public QDialog {
   void AddWindow();
   void DeleteWindow();
   bool TimeKey(QLineEdit* field, QKeyEvent* key);
-  Prompt& Ask();
+  bool Changed() override;
 
-  State& s_;
   int show_ = -1;
   std::vector<IgnoreWindow> windows_;
   std::vector<IgnoreWindow> opened_;
-  MessageBoxPrompt fallbackPrompt_;
 
   QLabel* lblShow_ = nullptr;
   QLineEdit* txtStartTime_ = nullptr;
   QLineEdit* txtEndTime_ = nullptr;
-  QTreeWidget* lstSilenceSched_ = nullptr;
+  ChannelList* lstSilenceSched_ = nullptr;
 };
 
 }  // namespace zrn

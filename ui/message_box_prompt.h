@@ -20,4 +20,20 @@ class MessageBoxPrompt final : public Prompt {
   QPointer<QWidget> parent_;
 };
 
+// The prompt a dialog asks through: the program's own (State::prompt) when there is one, else
+// message boxes over the dialog. It follows State::prompt, which may be set after the dialog.
+//
+//   DialogPrompt ask_{s.prompt, this};
+//   ask_().Inform(title, text);
+class DialogPrompt {
+ public:
+  DialogPrompt(Prompt* const& chosen, QWidget* parent) : chosen_(chosen), boxes_(parent) {}
+
+  Prompt& operator()() { return chosen_ != nullptr ? *chosen_ : boxes_; }
+
+ private:
+  Prompt* const& chosen_;
+  MessageBoxPrompt boxes_;
+};
+
 }  // namespace zrn

@@ -3,22 +3,20 @@
 #include <QApplication>
 #include <QButtonGroup>
 #include <QCheckBox>
-#include <QComboBox>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QSignalBlocker>
-#include <QTreeWidget>
 #include <QVBoxLayout>
 #include <algorithm>
 
-#include "ui/typed_channel_list.h"
+#include "ui/channel_list.h"
+#include "ui/channel_picker.h"
+#include "ui/dialog_controls.h"
 
 namespace zrn {
 
@@ -39,16 +37,6 @@ const char* const kButtonTips[] = {"",
                                    "",
                                    ""};
 
-QPushButton* MakeButton(const QString& caption, const QString& tip, const QString& name,
-                        QWidget* parent) {
-  auto* button = new QPushButton(caption, parent);
-  button->setObjectName(name);
-  button->setToolTip(tip);
-  // Enter belongs to the time box and the source list, never to a button.
-  button->setAutoDefault(false);
-  return button;
-}
-
 bool IsEnter(const QKeyEvent* key) {
   return key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
 }
@@ -56,7 +44,7 @@ bool IsEnter(const QKeyEvent* key) {
 }  // namespace
 
 ScheduleDialog::ScheduleDialog(State& s, QWidget* parent)
-    : QDialog(parent), s_(s), fallbackPrompt_(this) {
+    : QDialog(parent), s_(s), ask_(s.prompt, this) {
   BuildControls();
   const int index = s_.SelectedOutput;
   const bool known = index >= 0 && index < static_cast<int>(s_.Outputs.size());
@@ -77,24 +65,21 @@ ScheduleDialog::ScheduleDialog(State& s, QWidget* parent)
 
 void ScheduleDialog::BuildControls() {
   setObjectName(QStringLiteral("frmSchedule"));
-  lvEvents_ = new QTreeWidget(this);
-  lvEvents_->setObjectName(QStringLiteral("lvEvents"));
-  lvEvents_->setHeaderLabels({QStringLiteral("Time"), QStringLiteral("Status"),
-                              QStringLiteral("Source"), QStringLiteral("Days")});
-  lvEvents_->setRootIsDecorated(false);
-  lvEvents_->setUniformRowHeights(true);
+  lvEvents_ = new ChannelList(QStringLiteral("lvEvents"),
+                              {QStringLiteral("Time"), QStringLiteral("Status"),
+                               QStringLiteral("Source"), QStringLiteral("Days")},
+                              QAbstractItemView::SingleSelection, QSize(440, 300));
+  // A plain table of events, its rows picked as a whole.
+  lvEvents_->setAlternatingRowColors(false);
   lvEvents_->setAllColumnsShowFocus(true);
-  lvEvents_->setSelectionMode(QAbstractItemView::SingleSelection);
-  lvEvents_->setMinimumSize(440, 300);
-  lvEvents_->header()->setStretchLastSection(true);
   connect(lvEvents_, &QTreeWidget::currentItemChanged, this, [this] { RowChosen(); });
 
   for (int i : {kNewEvent, kEdit, kDelete, kCancel, kSave, kSaveAsNew, kEveryDay}) {
     cmdAuto_[static_cast<size_t>(i)] =
-        MakeButton(QLatin1String(kButtonCaptions[i]), QLatin1String(kButtonTips[i]),
-                   QStringLiteral("cmdAuto%1").arg(i), this);
+        Button(QStringLiteral("cmdAuto%1").arg(i), QLatin1String(kButtonCaptions[i]),
+               QLatin1String(kButtonTips[i]));
   }
-  cmdOk_ = MakeButton(QStringLiteral("OK"), QString(), QStringLiteral("cmdOk"), this);
+  cmdOk_ = Button(QStringLiteral("cmdOk"), QStringLiteral("OK"));
 
   connect(cmdAuto_[kNewEvent], &QPushButton::clicked, this, &ScheduleDialog::NewEvent);
   connect(cmdAuto_[kEdit], &QPushButton::clicked, this, &ScheduleDialog::EditEvent);
@@ -188,10 +173,8 @@ QLayout* ScheduleDialog::BuildFields() {
   chkConnect_->setObjectName(QStringLiteral("chkConnect"));
   connect(chkConnect_, &QCheckBox::toggled, this,
           [this](bool on) { cmbAutoSource_->setEnabled(editing_ && on); });
-  cmbAutoSource_ = new QComboBox(route);
-  cmbAutoSource_->setObjectName(QStringLiteral("cmbAutoSource"));
+  cmbAutoSource_ = new ChannelPicker(QStringLiteral("cmbAutoSource"), {}, route);
   cmbAutoSource_->setMaxVisibleItems(20);
-  MakeTypedChannelList(cmbAutoSource_);
   routeColumn->addWidget(chkConnect_);
   routeColumn->addWidget(cmbAutoSource_);
   fields->addWidget(route);
@@ -203,10 +186,6 @@ QPushButton* ScheduleDialog::AutoButton(int index) const {
   return index >= 0 && index < static_cast<int>(cmdAuto_.size())
              ? cmdAuto_[static_cast<size_t>(index)]
              : nullptr;
-}
-
-Prompt& ScheduleDialog::Ask() {
-  return s_.prompt != nullptr ? *s_.prompt : fallbackPrompt_;
 }
 
 void ScheduleDialog::SetEditMode(bool on) {
@@ -256,18 +235,16 @@ void ScheduleDialog::FillEventList() {
   if (draft_.count == 0) {
     draft_.events.front() = BlankEvent();
   }
-  {
-    const QSignalBlocker quiet(lvEvents_);
-    lvEvents_->clear();
-    for (int i = 0; i < draft_.count; ++i) {
-      auto* row =
-          new QTreeWidgetItem(lvEvents_, EventRowTexts(s_, draft_.events[static_cast<size_t>(i)]));
-      row->setData(0, Qt::UserRole, EventRowKey(i));
-    }
-    for (int column = 0; column < 3; ++column) {
-      lvEvents_->resizeColumnToContents(column);
-      lvEvents_->setColumnWidth(column, lvEvents_->columnWidth(column) + 18);
-    }
+  std::vector<QStringList> rows;
+  QStringList keys;
+  for (int i = 0; i < draft_.count; ++i) {
+    rows.push_back(EventRowTexts(s_, draft_.events[static_cast<size_t>(i)]));
+    keys.push_back(EventRowKey(i));
+  }
+  lvEvents_->SetRows(rows, -1, keys);
+  for (int column = 0; column < 3; ++column) {
+    lvEvents_->resizeColumnToContents(column);
+    lvEvents_->setColumnWidth(column, lvEvents_->columnWidth(column) + 18);
   }
   ShowEvent(draft_.current);
 }
@@ -281,8 +258,7 @@ void ScheduleDialog::ShowEvent(int index) {
   optDisplay_[static_cast<size_t>(std::clamp(fields.displayOption, 0, 2))]->setChecked(true);
   optAutoActive_[fields.active ? 1 : 0]->setChecked(true);
   const int position = fields.sourcePosition < cmbAutoSource_->count() ? fields.sourcePosition : 0;
-  cmbAutoSource_->setCurrentIndex(position);
-  RestoreSourceText();
+  cmbAutoSource_->Select(position);
   txtCustom_->setText(fields.label);
   chkConnect_->setChecked(fields.connect);
   for (size_t d = 0; d < chkAutoDay_.size(); ++d) {
@@ -321,7 +297,7 @@ bool ScheduleDialog::SaveCurrentEvent() {
   const EventFields fields = ReadFields();
   // Checked before anything is stored, so a refused new event leaves nothing behind.
   if (const std::optional<FieldError> error = CheckEventFields(fields)) {
-    Ask().Inform(error->title, error->text);
+    ask_().Inform(error->title, error->text);
     QWidget* culprit = cmbAutoSource_;
     if (error->title == QStringLiteral("Time Error")) {
       culprit = txtAutoTime_;
@@ -336,8 +312,8 @@ bool ScheduleDialog::SaveCurrentEvent() {
   ScheduleDraft next = draft_;
   PutEvent(next, EventFromFields(fields));
   if (!StoreDraft(s_, output_, next)) {
-    Ask().Inform(QStringLiteral("Save Error"),
-                 QStringLiteral("This output is no longer configured.  The event was not saved."));
+    ask_().Inform(QStringLiteral("Save Error"),
+                  QStringLiteral("This output is no longer configured.  The event was not saved."));
     return false;
   }
   draft_ = std::move(next);
@@ -377,9 +353,9 @@ void ScheduleDialog::DeleteEvent() {
     return;
   }
   const QString time = draft_.events[static_cast<size_t>(draft_.current)].Time;
-  if (Ask().Ask(QStringLiteral("Delete Event?"),
-                QStringLiteral("Delete the event at ") + time + QLatin1Char('?'),
-                false) != Prompt::Answer::Yes) {
+  if (ask_().Ask(QStringLiteral("Delete Event?"),
+                 QStringLiteral("Delete the event at ") + time + QLatin1Char('?'),
+                 false) != Prompt::Answer::Yes) {
     return;
   }
   ScheduleDraft next = draft_;
@@ -421,7 +397,7 @@ void ScheduleDialog::EveryDay() {
 
 void ScheduleDialog::CloseRequested() {
   if (changesPending_) {
-    const Prompt::Answer answer = Ask().Ask(
+    const Prompt::Answer answer = ask_().Ask(
         QStringLiteral("Save Changes?"),
         QStringLiteral("Event changes have not been saved, do you wish to Save these changes?"),
         false);
@@ -491,10 +467,6 @@ bool ScheduleDialog::TimeBoxKey(QKeyEvent* key) {
     return true;
   }
   return false;
-}
-
-void ScheduleDialog::RestoreSourceText() {
-  cmbAutoSource_->setEditText(cmbAutoSource_->itemText(cmbAutoSource_->currentIndex()));
 }
 
 }  // namespace zrn

@@ -9,13 +9,14 @@
 #include "ui/schedule_rules.h"
 
 class QCheckBox;
-class QComboBox;
 class QLineEdit;
 class QPushButton;
 class QRadioButton;
-class QTreeWidget;
 
 namespace zrn {
+
+class ChannelList;
+class ChannelPicker;
 
 // frmSchedule: edits the timed events of the watched output Outputs[SelectedOutput] as it was
 // when the editor opened. Every saved or deleted event is in Outputs at once, with the output's
@@ -63,8 +64,6 @@ class ScheduleDialog final : public QDialog {
   void RowChosen();
 
   bool TimeBoxKey(QKeyEvent* key);
-  void RestoreSourceText();
-  Prompt& Ask();
 
   State& s_;
   // Index into Outputs of the edited output; -1 when SelectedOutput named none.
@@ -75,16 +74,16 @@ class ScheduleDialog final : public QDialog {
   bool changesPending_ = false;
   bool editing_ = false;
   bool saved_ = false;
-  MessageBoxPrompt fallbackPrompt_;
+  DialogPrompt ask_;
 
-  QTreeWidget* lvEvents_ = nullptr;
+  ChannelList* lvEvents_ = nullptr;
   QLineEdit* txtAutoTime_ = nullptr;
   std::array<QRadioButton*, 2> optAutoActive_{};
   std::array<QCheckBox*, 7> chkAutoDay_{};
   std::array<QRadioButton*, 3> optDisplay_{};
   QLineEdit* txtCustom_ = nullptr;
   QCheckBox* chkConnect_ = nullptr;
-  QComboBox* cmbAutoSource_ = nullptr;
+  ChannelPicker* cmbAutoSource_ = nullptr;
   std::array<QPushButton*, 8> cmdAuto_{};
   QPushButton* cmdOk_ = nullptr;
 };

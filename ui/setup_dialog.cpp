@@ -1,6 +1,5 @@
 #include "ui/setup_dialog.h"
 
-#include <QComboBox>
 #include <QGroupBox>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -12,7 +11,10 @@
 #include "monitor/panel_update.h"
 #include "schedule/event_scheduler.h"
 #include "storage/logs.h"
+#include "ui/channel_picker.h"
 #include "ui/channel_select_dialog.h"
+#include "ui/dialog_controls.h"
+#include "ui/record_navigation.h"
 #include "ui/schedule_dialog.h"
 #include "ui/shows_dialog.h"
 #include "ui/silence_detect_dialog.h"
@@ -58,7 +60,10 @@ SetupDialog::SetupDialog(State& s, SetupEditors editors, QWidget* parent)
   frOutputSelect_ = BuildOutputGroup();
   root->addWidget(frOutputSelect_);
   root->addLayout(BuildShowButtons());
-  root->addLayout(BuildCloseButtons());
+  CloseRowOptions close;
+  close.okIsDefault = true;
+  close.cancelRunsReject = true;
+  root->addLayout(CloseRow(this, close));
 
   Trap(s_, kErrorLocation, kErrorTitle, [&] { Fill(); });
 }
@@ -102,8 +107,7 @@ void SetupDialog::DisplayEntry() {
   loading_ = true;
   const OutputEntry& entry = Current().edited;
   const int item = OutputChoiceIndex(s_, entry.Output);
-  cmbOutputSelect_->setCurrentIndex(item);
-  cmbOutputSelect_->setEditText(cmbOutputSelect_->itemText(item));
+  cmbOutputSelect_->Select(item);
   const bool known = entry.DisplayOption >= 0 && entry.DisplayOption < 3;
   for (int i = 0; i < 3; ++i) {
     // A stored option outside the three shows none checked rather than a wrong one.
@@ -133,10 +137,7 @@ void SetupDialog::UpdateListButtons() {
   cmdAdd_->setEnabled(count < kMaxWatchedOutputs);
   cmdInsert_->setEnabled(count < kMaxWatchedOutputs);
   cmdRemove_->setEnabled(count > 1);
-  cmdStart_->setEnabled(position_ > 0);
-  cmdBack_->setEnabled(position_ > 0);
-  cmdForward_->setEnabled(position_ < count - 1);
-  cmdEnd_->setEnabled(position_ < count - 1);
+  nav_->Update();
 }
 
 void SetupDialog::GoTo(int position) {

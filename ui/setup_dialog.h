@@ -16,6 +16,9 @@ class QRadioButton;
 
 namespace zrn {
 
+class ChannelPicker;
+class RecordNavigation;
+
 // The editors Setup opens, each shown modally and returning when closed. The defaults open
 // the program's dialogs; an editor left empty turns its button off.
 struct SetupEditors {
@@ -64,7 +67,6 @@ class SetupDialog final : public QDialog {
   QWidget* BuildSettings();
   QGroupBox* BuildOutputGroup();
   QLayout* BuildShowButtons();
-  QLayout* BuildCloseButtons();
   void Fill();
 
   void DisplayEntry();
@@ -114,13 +116,10 @@ class SetupDialog final : public QDialog {
   std::array<QRadioButton*, 2> optProgramMode_{};
   QGroupBox* frOutputSelect_ = nullptr;
   QLineEdit* txtCount_ = nullptr;
-  QComboBox* cmbOutputSelect_ = nullptr;
+  ChannelPicker* cmbOutputSelect_ = nullptr;
   std::array<QRadioButton*, 3> optDisplay_{};
   QLineEdit* txtCustom_ = nullptr;
-  QPushButton* cmdStart_ = nullptr;
-  QPushButton* cmdBack_ = nullptr;
-  QPushButton* cmdForward_ = nullptr;
-  QPushButton* cmdEnd_ = nullptr;
+  RecordNavigation* nav_ = nullptr;
   QPushButton* cmdAdd_ = nullptr;
   QPushButton* cmdInsert_ = nullptr;
   QPushButton* cmdRemove_ = nullptr;

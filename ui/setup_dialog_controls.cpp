@@ -12,29 +12,11 @@
 #include <QRegularExpressionValidator>
 #include <QVBoxLayout>
 
-#include "ui/typed_channel_list.h"
+#include "ui/channel_picker.h"
+#include "ui/dialog_controls.h"
+#include "ui/record_navigation.h"
 
 namespace zrn {
-
-namespace {
-
-QLineEdit* NumberField(const QString& name, const QString& pattern, int maxLength) {
-  auto* field = new QLineEdit;
-  field->setObjectName(name);
-  field->setValidator(new QRegularExpressionValidator(QRegularExpression(pattern), field));
-  field->setMaxLength(maxLength);
-  return field;
-}
-
-QPushButton* Button(const QString& name, const QString& caption, const QString& tip) {
-  auto* button = new QPushButton(caption);
-  button->setObjectName(name);
-  button->setToolTip(tip);
-  button->setAutoDefault(false);
-  return button;
-}
-
-}  // namespace
 
 QWidget* SetupDialog::BuildSettings() {
   auto* box = new QWidget;
@@ -109,33 +91,25 @@ QGroupBox* SetupDialog::BuildOutputGroup() {
   top->addWidget(new QLabel(QStringLiteral("Output Count")));
   top->addWidget(txtCount_);
   top->addStretch(1);
-  cmdStart_ = Button(QStringLiteral("CmdStart"), QStringLiteral("|<"),
-                     QStringLiteral("Moves to first display panel"));
-  cmdBack_ = Button(QStringLiteral("cmdBack"), QStringLiteral("<"),
-                    QStringLiteral("Moves back one display panel"));
-  cmdForward_ = Button(QStringLiteral("cmdForward"), QStringLiteral(">"),
-                       QStringLiteral("Moves forward one display panel"));
-  cmdEnd_ = Button(QStringLiteral("cmdEnd"), QStringLiteral(">|"),
-                   QStringLiteral("Moves to last display panel"));
-  for (QPushButton* nav : {cmdStart_, cmdBack_, cmdForward_, cmdEnd_}) {
-    nav->setMaximumWidth(40);
-    top->addWidget(nav);
+  nav_ = new RecordNavigation(
+      QStringLiteral("display panel"), this,
+      [this] {
+        return RecordNavigation::Place{position_, static_cast<int>(entries_.size())};
+      },
+      [this](int position) { GoTo(position); });
+  for (QPushButton* button : nav_->Buttons()) {
+    button->setMaximumWidth(40);
+    top->addWidget(button);
   }
-  connect(cmdStart_, &QPushButton::clicked, this, [this] { GoTo(0); });
-  connect(cmdBack_, &QPushButton::clicked, this, [this] { GoTo(position_ - 1); });
-  connect(cmdForward_, &QPushButton::clicked, this, [this] { GoTo(position_ + 1); });
-  connect(cmdEnd_, &QPushButton::clicked, this,
-          [this] { GoTo(static_cast<int>(entries_.size()) - 1); });
   layout->addLayout(top);
 
   auto* destination = new QHBoxLayout;
   auto* lblDestinationSelect = new QLabel(QStringLiteral("Monitor Destination"));
   lblDestinationSelect->setObjectName(QStringLiteral("lblDestinationSelect"));
-  cmbOutputSelect_ = new QComboBox;
-  cmbOutputSelect_->setObjectName(QStringLiteral("cmbOutputSelect"));
+  cmbOutputSelect_ =
+      new ChannelPicker(QStringLiteral("cmbOutputSelect"), {.undefinedKey = true, .itemOf = {}});
   cmbOutputSelect_->setToolTip(QStringLiteral("Choose the output for the current window"));
   cmbOutputSelect_->setMinimumWidth(280);
-  MakeTypedChannelList(cmbOutputSelect_, true);
   lblDestinationSelect->setBuddy(cmbOutputSelect_);
   connect(cmbOutputSelect_, &QComboBox::currentIndexChanged, this, &SetupDialog::OutputChosen);
   destination->addWidget(lblDestinationSelect);
@@ -169,31 +143,29 @@ QGroupBox* SetupDialog::BuildOutputGroup() {
 
   auto* edits = new QHBoxLayout;
   cmdAdd_ = Button(QStringLiteral("CmdAdd"), QStringLiteral("&Add"),
-                   QStringLiteral("Add an additional display panel"));
-  cmdInsert_ = Button(QStringLiteral("CmdInsert"), QStringLiteral("&Insert"), QString());
+                   QStringLiteral("Add an additional display panel"), this, &SetupDialog::AddEntry);
+  cmdInsert_ = Button(QStringLiteral("CmdInsert"), QStringLiteral("&Insert"), QString(), this,
+                      &SetupDialog::InsertEntry);
   cmdRemove_ = Button(QStringLiteral("cmdRemove"), QStringLiteral("&Remove"),
-                      QStringLiteral("Removes the currently selected display panel"));
+                      QStringLiteral("Removes the currently selected display panel"), this,
+                      &SetupDialog::RemoveEntry);
   cmdEdit_ = Button(QStringLiteral("cmdEdit"), QStringLiteral("&Edit"),
                     QStringLiteral("Edit the output & control for the current display panel"));
   cmdConfigSchedule_ =
-      Button(QStringLiteral("cmdConfigSchedule"), QStringLiteral("Configure Schedule"), QString());
-  cmdConfigure_ =
-      Button(QStringLiteral("CmdConfigure"), QStringLiteral("Configure Silence Detect"), QString());
+      Button(QStringLiteral("cmdConfigSchedule"), QStringLiteral("Configure Schedule"), QString(),
+             this, &SetupDialog::ConfigureSchedule);
+  cmdConfigure_ = Button(QStringLiteral("CmdConfigure"), QStringLiteral("Configure Silence Detect"),
+                         QString(), this, &SetupDialog::ConfigureSilenceDetect);
   for (QPushButton* button : {cmdAdd_, cmdInsert_, cmdRemove_, cmdEdit_}) {
     edits->addWidget(button);
   }
   edits->addStretch(1);
   edits->addWidget(cmdConfigSchedule_);
   edits->addWidget(cmdConfigure_);
-  connect(cmdAdd_, &QPushButton::clicked, this, &SetupDialog::AddEntry);
-  connect(cmdInsert_, &QPushButton::clicked, this, &SetupDialog::InsertEntry);
-  connect(cmdRemove_, &QPushButton::clicked, this, &SetupDialog::RemoveEntry);
   connect(cmdEdit_, &QPushButton::clicked, this, [this] {
     SetEditing(true);
     cmbOutputSelect_->setFocus();
   });
-  connect(cmdConfigSchedule_, &QPushButton::clicked, this, &SetupDialog::ConfigureSchedule);
-  connect(cmdConfigure_, &QPushButton::clicked, this, &SetupDialog::ConfigureSilenceDetect);
   layout->addLayout(edits);
   return group;
 }
@@ -201,32 +173,17 @@ QGroupBox* SetupDialog::BuildOutputGroup() {
 QLayout* SetupDialog::BuildShowButtons() {
   auto* row = new QHBoxLayout;
   cmdConfigShow_ = Button(QStringLiteral("cmdConfigShow"), QStringLiteral("Configure Shows"),
-                          QStringLiteral("Configure shows"));
+                          QStringLiteral("Configure shows"), this, &SetupDialog::ConfigureShows);
   cmdShowMonOutConfig_ = Button(
       QStringLiteral("cmdShowMonOutConfig"), QStringLiteral("Configure Outputs for Silence Detect"),
-      QStringLiteral("Configure outputs avaialable for use for silence detction for shows"));
+      QStringLiteral("Configure outputs avaialable for use for silence detction for shows"), this,
+      &SetupDialog::ConfigureSilenceOutputs);
   row->addWidget(cmdConfigShow_);
   row->addWidget(cmdShowMonOutConfig_);
   row->addStretch(1);
-  connect(cmdConfigShow_, &QPushButton::clicked, this, &SetupDialog::ConfigureShows);
-  connect(cmdShowMonOutConfig_, &QPushButton::clicked, this, &SetupDialog::ConfigureSilenceOutputs);
   cmdConfigSchedule_->setEnabled(static_cast<bool>(editors_.schedule));
   cmdConfigShow_->setEnabled(static_cast<bool>(editors_.shows));
   cmdShowMonOutConfig_->setEnabled(static_cast<bool>(editors_.silenceOutputs));
-  return row;
-}
-
-QLayout* SetupDialog::BuildCloseButtons() {
-  auto* cmdOk = new QPushButton(QStringLiteral("OK"));
-  cmdOk->setObjectName(QStringLiteral("cmdOk"));
-  cmdOk->setDefault(true);
-  auto* cmdCancel = Button(QStringLiteral("cmdCancel"), QStringLiteral("&Cancel"), QString());
-  connect(cmdOk, &QPushButton::clicked, this, &SetupDialog::accept);
-  connect(cmdCancel, &QPushButton::clicked, this, &SetupDialog::reject);
-  auto* row = new QHBoxLayout;
-  row->addStretch(1);
-  row->addWidget(cmdOk);
-  row->addWidget(cmdCancel);
   return row;
 }
 

@@ -14,8 +14,9 @@
 #include "storage/logs.h"
 #include "storage/shows_file.h"
 #include "ui/channel_pair_dialog.h"
-#include "ui/discard_changes.h"
+#include "ui/channel_picker.h"
 #include "ui/ignore_window_dialog.h"
+#include "ui/record_navigation.h"
 #include "ui/schedule_rules.h"
 #include "ui/show_editor_rules.h"
 #include "ui/silence_detect_rules.h"
@@ -34,8 +35,7 @@ bool IsEnter(const QKeyEvent* key) {
 
 }  // namespace
 
-ShowsDialog::ShowsDialog(State& s, QWidget* parent)
-    : QDialog(parent), s_(s), fallbackPrompt_(this) {
+ShowsDialog::ShowsDialog(State& s, QWidget* parent) : CopyEditorDialog(s, parent) {
   setObjectName(QStringLiteral("frmShows"));
   setWindowTitle(QStringLiteral("Show Configuration"));
   BuildControls();
@@ -99,8 +99,7 @@ void ShowsDialog::DisplayShowInfo(int index) {
                         .arg(show.Name),
                     kDisplayError);
     }
-    cmbDownlinkSource_->setCurrentIndex(downlink);
-    cmbDownlinkSource_->setEditText(cmbDownlinkSource_->itemText(downlink));
+    cmbDownlinkSource_->Select(downlink);
     cmbDetect_[1]->setCurrentIndex(ThresholdPosition(show.DetectLevel));
     cmbDetect_[2]->setCurrentIndex(TimePosition(show.DetectTime1));
     cmbDetect_[3]->setCurrentIndex(TimePosition(show.DetectTime2));
@@ -163,10 +162,7 @@ void ShowsDialog::EnableDisabelControls(bool on) {
 void ShowsDialog::UpdateNavigation() {
   const int count = Count();
   frNav_->setTitle(QStringLiteral("%1 of %2").arg(count > 0 ? current_ + 1 : 0).arg(count));
-  cmdStart_->setEnabled(current_ > 0);
-  cmdBack_->setEnabled(current_ > 0);
-  cmdForward_->setEnabled(current_ < count - 1);
-  cmdEnd_->setEnabled(current_ < count - 1);
+  nav_->Update();
   cmdEdit_->setEnabled(count > 0);
   cmdRemove_->setEnabled(count > 0);
   if (count == 0) {
@@ -307,10 +303,6 @@ void ShowsDialog::DetectChosen(int list, int position) {
   }
 }
 
-Prompt& ShowsDialog::Ask() {
-  return s_.prompt != nullptr ? *s_.prompt : fallbackPrompt_;
-}
-
 void ShowsDialog::accept() {
   UpdateTempStruct();
   if (const int wrong = FirstShowEndingBeforeItStarts(s_.EditShows); wrong >= 0) {
@@ -335,12 +327,9 @@ void ShowsDialog::accept() {
   QDialog::accept();
 }
 
-void ShowsDialog::reject() {
+bool ShowsDialog::Changed() {
   UpdateTempStruct();
-  if (s_.EditShows != opened_ && !MayDiscardChanges(Ask(), windowTitle())) {
-    return;
-  }
-  QDialog::reject();
+  return s_.EditShows != opened_;
 }
 
 bool ShowsDialog::eventFilter(QObject* watched, QEvent* event) {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "core/state.h"
-#include "ui/message_box_prompt.h"
+#include "ui/copy_editor_dialog.h"
 
 class QCheckBox;
 class QComboBox;
@@ -18,6 +18,9 @@ class QPushButton;
 
 namespace zrn {
 
+class ChannelPicker;
+class RecordNavigation;
+
 // frmShows: browses, adds, removes and edits the shows on the working copy EditShows, copied
 // from Shows when the editor opens and starting at show SelectedShow. OK ends the shows on air,
 // makes the copy the live table and saves the shows file; Cancel drops the copy. It opens the
@@ -26,7 +29,7 @@ namespace zrn {
 //   s.SelectedShow = 0;
 //   ShowsDialog dialog(s, mainWindow);
 //   dialog.exec();
-class ShowsDialog final : public QDialog {
+class ShowsDialog final : public CopyEditorDialog {
   Q_OBJECT
 
  public:
@@ -37,8 +40,6 @@ class ShowsDialog final : public QDialog {
 
   // Refuses a show that ends before it starts.
   void accept() override;
-  // Escape and the close box: asks before changed shows are dropped.
-  void reject() override;
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -50,7 +51,6 @@ class ShowsDialog final : public QDialog {
   QGroupBox* BuildDays();
   QGroupBox* BuildDetect();
   QLayout* BuildLists();
-  QLayout* BuildCloseButtons();
   void FillLists();
 
   int Count() const { return static_cast<int>(s_.EditShows.size()); }
@@ -61,6 +61,7 @@ class ShowsDialog final : public QDialog {
   void EnableDisabelControls(bool on);
   void UpdateNavigation();
   void UpdateTempStruct();
+  bool Changed() override;
 
   void GoTo(int index);
   void AddShow();
@@ -73,9 +74,7 @@ class ShowsDialog final : public QDialog {
   void RestoreTime(QLineEdit* field);
   void DownlinkChosen(int position);
   void DetectChosen(int list, int position);
-  Prompt& Ask();
 
-  State& s_;
   // The working copy as it was opened, to tell whether anything was changed.
   std::vector<ShowRecord> opened_;
   int current_ = 0;
@@ -86,13 +85,9 @@ class ShowsDialog final : public QDialog {
   // The dates the pickers showed for the record, so an untouched picker rewrites nothing.
   QDate shownStart_;
   QDate shownEnd_;
-  MessageBoxPrompt fallbackPrompt_;
 
   QGroupBox* frNav_ = nullptr;
-  QPushButton* cmdStart_ = nullptr;
-  QPushButton* cmdBack_ = nullptr;
-  QPushButton* cmdForward_ = nullptr;
-  QPushButton* cmdEnd_ = nullptr;
+  RecordNavigation* nav_ = nullptr;
   QPushButton* cmdEdit_ = nullptr;
   QPushButton* cmdAdd_ = nullptr;
   QPushButton* cmdRemove_ = nullptr;
@@ -103,7 +98,7 @@ class ShowsDialog final : public QDialog {
   QDateEdit* dtPickerEnd_ = nullptr;
   std::array<QCheckBox*, 7> chkAutoDay_{};
   QPushButton* cmdEveryDay_ = nullptr;
-  QComboBox* cmbDownlinkSource_ = nullptr;
+  ChannelPicker* cmbDownlinkSource_ = nullptr;
   // Index 1 threshold, 2 detect time, 3 return time; 0 unused.
   std::array<QComboBox*, 4> cmbDetect_{};
   QListWidget* lstStudioSource_ = nullptr;

@@ -11,28 +11,15 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "ui/channel_picker.h"
+#include "ui/dialog_controls.h"
+#include "ui/record_navigation.h"
 #include "ui/shows_dialog.h"
 #include "ui/time_entry.h"
-#include "ui/typed_channel_list.h"
 
 namespace zrn {
 
 namespace {
-
-QPushButton* Button(const QString& name, const QString& caption, const QString& tip) {
-  auto* button = new QPushButton(caption);
-  button->setObjectName(name);
-  button->setToolTip(tip);
-  // Enter belongs to the fields; it never closes the editor.
-  button->setAutoDefault(false);
-  return button;
-}
-
-QLabel* Caption(const QString& text, QWidget* buddy) {
-  auto* label = new QLabel(text);
-  label->setBuddy(buddy);
-  return label;
-}
 
 QDateEdit* DatePicker(const QString& name) {
   auto* picker = new QDateEdit;
@@ -64,9 +51,10 @@ void ShowsDialog::BuildControls() {
   cmdEdit_ = Button(QStringLiteral("cmdEdit"), QStringLiteral("&Edit"),
                     QStringLiteral("Edit the current show"));
   cmdAdd_ = Button(QStringLiteral("CmdAdd"), QStringLiteral("&Add"),
-                   QStringLiteral("Add an additional show"));
-  cmdRemove_ = Button(QStringLiteral("cmdRemove"), QStringLiteral("&Remove"),
-                      QStringLiteral("Removes the currently selected show"));
+                   QStringLiteral("Add an additional show"), this, &ShowsDialog::AddShow);
+  cmdRemove_ =
+      Button(QStringLiteral("cmdRemove"), QStringLiteral("&Remove"),
+             QStringLiteral("Removes the currently selected show"), this, &ShowsDialog::RemoveShow);
   // Framed like the navigation, so both rows of buttons line up.
   auto* actions = new QGroupBox;
   auto* actionRow = new QHBoxLayout(actions);
@@ -78,8 +66,6 @@ void ShowsDialog::BuildControls() {
     EnableDisabelControls(true);
     txtShowTitle_->setFocus();
   });
-  connect(cmdAdd_, &QPushButton::clicked, this, &ShowsDialog::AddShow);
-  connect(cmdRemove_, &QPushButton::clicked, this, &ShowsDialog::RemoveShow);
 
   auto* left = new QVBoxLayout;
   left->addLayout(BuildShowFields());
@@ -95,29 +81,23 @@ void ShowsDialog::BuildControls() {
   auto* root = new QVBoxLayout(this);
   root->addLayout(top);
   root->addLayout(middle, 1);
-  root->addLayout(BuildCloseButtons());
+  root->addLayout(CloseRow(this));
 }
 
 QGroupBox* ShowsDialog::BuildNavigation() {
   frNav_ = new QGroupBox;
   frNav_->setObjectName(QStringLiteral("frNav"));
   auto* row = new QHBoxLayout(frNav_);
-  cmdStart_ = Button(QStringLiteral("CmdStart"), QStringLiteral("|<"),
-                     QStringLiteral("Moves to first show"));
-  cmdBack_ =
-      Button(QStringLiteral("cmdBack"), QStringLiteral("<"), QStringLiteral("Moves back one show"));
-  cmdForward_ = Button(QStringLiteral("cmdForward"), QStringLiteral(">"),
-                       QStringLiteral("Moves forward one show"));
-  cmdEnd_ =
-      Button(QStringLiteral("cmdEnd"), QStringLiteral(">|"), QStringLiteral("Moves to last show"));
-  for (QPushButton* nav : {cmdStart_, cmdBack_, cmdForward_, cmdEnd_}) {
-    nav->setFixedWidth(40);
-    row->addWidget(nav);
+  nav_ = new RecordNavigation(
+      QStringLiteral("show"), this,
+      [this] {
+        return RecordNavigation::Place{current_, Count()};
+      },
+      [this](int index) { GoTo(index); });
+  for (QPushButton* button : nav_->Buttons()) {
+    button->setFixedWidth(40);
+    row->addWidget(button);
   }
-  connect(cmdStart_, &QPushButton::clicked, this, [this] { GoTo(0); });
-  connect(cmdBack_, &QPushButton::clicked, this, [this] { GoTo(current_ - 1); });
-  connect(cmdForward_, &QPushButton::clicked, this, [this] { GoTo(current_ + 1); });
-  connect(cmdEnd_, &QPushButton::clicked, this, [this] { GoTo(Count() - 1); });
   return frNav_;
 }
 
@@ -137,10 +117,8 @@ QLayout* ShowsDialog::BuildShowFields() {
   }
   dtPickerStart_ = DatePicker(QStringLiteral("DTPickerStart"));
   dtPickerEnd_ = DatePicker(QStringLiteral("DTPickerEnd"));
-  cmbDownlinkSource_ = new QComboBox;
-  cmbDownlinkSource_->setObjectName(QStringLiteral("cmbDownlinkSource"));
+  cmbDownlinkSource_ = new ChannelPicker(QStringLiteral("cmbDownlinkSource"));
   cmbDownlinkSource_->setMaxVisibleItems(20);
-  MakeTypedChannelList(cmbDownlinkSource_);
   connect(cmbDownlinkSource_, &QComboBox::currentIndexChanged, this, &ShowsDialog::DownlinkChosen);
 
   auto* grid = new QGridLayout;
@@ -211,10 +189,10 @@ QLayout* ShowsDialog::BuildLists() {
   cmdEditDest_ = Button(QStringLiteral("cmdEditDest"), QStringLiteral("Edit"),
                         QStringLiteral("Edit Show Outputs"));
   cmdEditSched_ = Button(QStringLiteral("cmdEditSched"), QStringLiteral("Edit"),
-                         QStringLiteral("Edit Scheduled Silence Windows"));
+                         QStringLiteral("Edit Scheduled Silence Windows"), this,
+                         &ShowsDialog::EditIgnoreWindows);
   connect(cmdStudio_, &QPushButton::clicked, this, [this] { EditChannels(2); });
   connect(cmdEditDest_, &QPushButton::clicked, this, [this] { EditChannels(1); });
-  connect(cmdEditSched_, &QPushButton::clicked, this, &ShowsDialog::EditIgnoreWindows);
 
   auto* column = new QVBoxLayout;
   const std::array<std::pair<const char*, QListWidget*>, 3> lists{
@@ -231,18 +209,6 @@ QLayout* ShowsDialog::BuildLists() {
     column->addWidget(lists[i].second, 1);
   }
   return column;
-}
-
-QLayout* ShowsDialog::BuildCloseButtons() {
-  auto* cmdOk = Button(QStringLiteral("cmdOk"), QStringLiteral("OK"), QString());
-  auto* cmdCancel = Button(QStringLiteral("cmdCancel"), QStringLiteral("&Cancel"), QString());
-  connect(cmdOk, &QPushButton::clicked, this, &ShowsDialog::accept);
-  connect(cmdCancel, &QPushButton::clicked, this, [this] { QDialog::reject(); });
-  auto* row = new QHBoxLayout;
-  row->addStretch(1);
-  row->addWidget(cmdOk);
-  row->addWidget(cmdCancel);
-  return row;
 }
 
 }  // namespace zrn

@@ -16,7 +16,7 @@
 #include "core/failure.h"
 #include "storage/logs.h"
 #include "switcher/commands.h"
-#include "ui/typed_channel_list.h"
+#include "ui/channel_picker.h"
 
 namespace zrn {
 
@@ -37,10 +37,25 @@ QRadioButton* MakeOption(const QString& caption, const QString& name, QButtonGro
   return option;
 }
 
+// A frame of two options, one above the other, with ids 0 and 1 and named prefix0, prefix1.
+QGroupBox* OptionPair(const QString& title, const std::array<QString, 2>& captions,
+                      const QString& prefix, std::array<QRadioButton*, 2>& options,
+                      QWidget* parent) {
+  auto* box = new QGroupBox(title, parent);
+  auto* column = new QVBoxLayout(box);
+  auto* group = new QButtonGroup(box);
+  for (int i = 0; i < 2; ++i) {
+    const auto at = static_cast<std::size_t>(i);
+    options[at] = MakeOption(captions[at], prefix + QString::number(i), group, i, box);
+    column->addWidget(options[at]);
+  }
+  return box;
+}
+
 }  // namespace
 
 SilenceDetectDialog::SilenceDetectDialog(State& s, int output, QWidget* parent)
-    : QDialog(parent), s_(s), fallbackPrompt_(this) {
+    : QDialog(parent), s_(s), ask_(s.prompt, this) {
   BuildControls();
   UpdateSilenceDetectConfig(output);
 }
@@ -49,8 +64,14 @@ void SilenceDetectDialog::BuildControls() {
   setObjectName(QStringLiteral("frmSilenceDetect"));
   const char* const captions[] = {"Silence Threshold", "Detect Time", "Return Time",
                                   "PeakThreshold",     "Hold Time",   ""};
+  // Devices are typed by number; an unreported one kept in the list has its own position.
+  ChannelPickerOptions deviceKeys{.undefinedKey = true, .itemOf = [this](int n) {
+                                    const int position = DevicePosition(deviceItems_, n - 1);
+                                    return position > 0 ? position : -1;
+                                  }};
+  auto* devices = new ChannelPicker(QString(), std::move(deviceKeys), this);
   for (size_t i = 0; i < cmbDetect_.size(); ++i) {
-    cmbDetect_[i] = new QComboBox(this);
+    cmbDetect_[i] = i == kDevice ? devices : new QComboBox(this);
     cmbDetect_[i]->setObjectName(QStringLiteral("cmbDetect%1").arg(i));
     cmbDetect_[i]->setMaxVisibleItems(16);
     lblDetect_[i] = new QLabel(QLatin1String(captions[i]), this);
@@ -66,13 +87,7 @@ void SilenceDetectDialog::BuildControls() {
     cmbDetect_[static_cast<size_t>(list)]->addItems(TimeListTexts());
   }
 
-  QComboBox* devices = cmbDetect_[kDevice];
   devices->setMinimumContentsLength(22);
-  // Devices are typed by number; an unreported one kept in the list has its own position.
-  MakeTypedChannelList(devices, true, [this](int n) {
-    const int position = DevicePosition(deviceItems_, n - 1);
-    return position > 0 ? position : -1;
-  });
   connect(devices, &QComboBox::activated, this, [this](int index) { deviceSelection_ = index; });
 
   const char* const detectCaptions[] = {"Silence Detect Enabled", "Peak Detect Enabled"};
@@ -109,24 +124,12 @@ void SilenceDetectDialog::BuildControls() {
   }
   connect(typeGroup, &QButtonGroup::idClicked, this, &SilenceDetectDialog::DeviceTypeChosen);
 
-  auto* action = new QGroupBox(QStringLiteral("Action"), this);
-  auto* actionColumn = new QVBoxLayout(action);
-  auto* actionGroup = new QButtonGroup(action);
-  optAction_[0] =
-      MakeOption(QStringLiteral("Off"), QStringLiteral("OptAction0"), actionGroup, 0, action);
-  optAction_[1] =
-      MakeOption(QStringLiteral("On"), QStringLiteral("OptAction1"), actionGroup, 1, action);
-  auto* assoc = new QGroupBox(QStringLiteral("Follows"), this);
-  auto* assocColumn = new QVBoxLayout(assoc);
-  auto* assocGroup = new QButtonGroup(assoc);
-  optAssoc_[0] =
-      MakeOption(QStringLiteral("Silence"), QStringLiteral("OptAssoc0"), assocGroup, 0, assoc);
-  optAssoc_[1] =
-      MakeOption(QStringLiteral("Peak"), QStringLiteral("OptAssoc1"), assocGroup, 1, assoc);
-  for (size_t i = 0; i < 2; ++i) {
-    actionColumn->addWidget(optAction_[i]);
-    assocColumn->addWidget(optAssoc_[i]);
-  }
+  QGroupBox* action =
+      OptionPair(QStringLiteral("Action"), {QStringLiteral("Off"), QStringLiteral("On")},
+                 QStringLiteral("OptAction"), optAction_, this);
+  QGroupBox* assoc =
+      OptionPair(QStringLiteral("Follows"), {QStringLiteral("Silence"), QStringLiteral("Peak")},
+                 QStringLiteral("OptAssoc"), optAssoc_, this);
 
   frDevice_ = new QGroupBox(QStringLiteral("Device"), this);
   frDevice_->setObjectName(QStringLiteral("frDetect5"));
@@ -171,10 +174,6 @@ void SilenceDetectDialog::BuildControls() {
   root->addLayout(detectRow);
   root->addLayout(alarmRow);
   root->addLayout(buttons);
-}
-
-Prompt& SilenceDetectDialog::Ask() {
-  return s_.prompt != nullptr ? *s_.prompt : fallbackPrompt_;
 }
 
 void SilenceDetectDialog::UpdateSilenceDetectConfig(int output) {
@@ -303,11 +302,11 @@ void SilenceDetectDialog::Send() {
     entry = before;
     entry.Status = status;
   });
-  Ask().Inform(QStringLiteral("Send Error"),
-               s_.Connected ? QStringLiteral("The silence detect configuration could not be "
-                                             "sent to the switcher.  Please try again.")
-                            : QStringLiteral("The switcher is not connected.  The silence "
-                                             "detect configuration was not sent."));
+  ask_().Inform(QStringLiteral("Send Error"),
+                s_.Connected ? QStringLiteral("The silence detect configuration could not be "
+                                              "sent to the switcher.  Please try again.")
+                             : QStringLiteral("The switcher is not connected.  The silence "
+                                              "detect configuration was not sent."));
 }
 
 void SilenceDetectDialog::DeviceTypeChosen(int type) {
@@ -331,10 +330,9 @@ void SilenceDetectDialog::RebuildDeviceList(int type, int device, bool keepUnrep
 }
 
 void SilenceDetectDialog::RestoreDevice() {
-  QComboBox* list = cmbDetect_[kDevice];
+  auto* list = static_cast<ChannelPicker*>(cmbDetect_[kDevice]);
   deviceSelection_ = std::clamp(deviceSelection_, 0, std::max(list->count() - 1, 0));
-  list->setCurrentIndex(deviceSelection_);
-  list->setEditText(list->itemText(deviceSelection_));
+  list->Select(deviceSelection_);
 }
 
 }  // namespace zrn

@@ -52,7 +52,6 @@ class SilenceDetectDialog final : public QDialog {
   DetectMode ChosenMode() const;
 
   void RestoreDevice();
-  Prompt& Ask();
 
   State& s_;
   int output_ = kNone;
@@ -60,7 +59,7 @@ class SilenceDetectDialog final : public QDialog {
   // Position of the alarm device in its list, as last chosen.
   int deviceSelection_ = 0;
   std::vector<DeviceItem> deviceItems_;
-  MessageBoxPrompt fallbackPrompt_;
+  DialogPrompt ask_;
 
   std::array<QCheckBox*, 2> chkDetect_{};
   std::array<QLabel*, 6> lblDetect_{};

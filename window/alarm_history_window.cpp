@@ -3,7 +3,6 @@
 #include <QComboBox>
 #include <QFormLayout>
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPaintEvent>
@@ -16,6 +15,7 @@
 #include "monitor/link_watch.h"
 #include "monitor/monitor.h"
 #include "window/csv_export.h"
+#include "window/list_window.h"
 
 namespace zrn {
 
@@ -145,23 +145,14 @@ AlarmHistoryWindow::AlarmHistoryWindow(Monitor& monitor, AlarmHistory& history, 
   filters->addWidget(export_);
   layout->addLayout(filters);
 
-  table_ = new QTableWidget(0, 4);
-  table_->setHorizontalHeaderLabels({QStringLiteral("Time"), QStringLiteral("Output or show"),
-                                     QStringLiteral("What happened"), QStringLiteral("How long")});
-  table_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-  table_->setSelectionBehavior(QAbstractItemView::SelectRows);
-  table_->verticalHeader()->hide();
-  table_->horizontalHeader()->setStretchLastSection(true);
+  table_ = ListTable({QStringLiteral("Time"), QStringLiteral("Output or show"),
+                      QStringLiteral("What happened"), QStringLiteral("How long")});
   layout->addWidget(table_, 3);
 
   connect(output_, &QLineEdit::textChanged, this, &AlarmHistoryWindow::Fill);
   connect(kind_, &QComboBox::currentIndexChanged, this, &AlarmHistoryWindow::Fill);
   connect(export_, &QPushButton::clicked, this, &AlarmHistoryWindow::Export);
-  connect(&monitor_, &Monitor::changed, this, [this] {
-    if (isVisible()) {
-      Refresh();
-    }
-  });
+  RefreshWhileShown(this, monitor_, [this] { Refresh(); });
   Fill();
 }
 

@@ -1,7 +1,6 @@
 #include "window/next_day_window.h"
 
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QLabel>
 #include <QPushButton>
 #include <QTableWidget>
@@ -9,6 +8,7 @@
 
 #include "monitor/monitor.h"
 #include "window/csv_export.h"
+#include "window/list_window.h"
 
 namespace zrn {
 
@@ -32,14 +32,9 @@ NextDayWindow::NextDayWindow(Monitor& monitor, QWidget* parent)
   auto* layout = new QVBoxLayout(this);
   summary_ = new QLabel;
   layout->addWidget(summary_);
-  table_ = new QTableWidget(0, 5);
-  table_->setHorizontalHeaderLabels({QStringLiteral("Time"), QStringLiteral("Output"),
-                                     QStringLiteral("Monitoring"), QStringLiteral("Label"),
-                                     QStringLiteral("Source routed")});
-  table_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-  table_->setSelectionBehavior(QAbstractItemView::SelectRows);
-  table_->verticalHeader()->hide();
-  table_->horizontalHeader()->setStretchLastSection(true);
+  table_ =
+      ListTable({QStringLiteral("Time"), QStringLiteral("Output"), QStringLiteral("Monitoring"),
+                 QStringLiteral("Label"), QStringLiteral("Source routed")});
   layout->addWidget(table_, 1);
   auto* buttons = new QHBoxLayout;
   buttons->addStretch(1);
@@ -47,11 +42,7 @@ NextDayWindow::NextDayWindow(Monitor& monitor, QWidget* parent)
   buttons->addWidget(export_);
   layout->addLayout(buttons);
   connect(export_, &QPushButton::clicked, this, &NextDayWindow::Export);
-  connect(&monitor_, &Monitor::changed, this, [this] {
-    if (isVisible()) {
-      Refresh();
-    }
-  });
+  RefreshWhileShown(this, monitor_, [this] { Refresh(); });
   Refresh();
 }
 

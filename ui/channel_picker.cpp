@@ -1,6 +1,5 @@
-#include "ui/typed_channel_list.h"
+#include "ui/channel_picker.h"
 
-#include <QComboBox>
 #include <QFocusEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -21,60 +20,61 @@ bool AllDigits(const QString& text) {
 
 }  // namespace
 
-TypedChannelList::TypedChannelList(QComboBox* list, TypedChannelOptions options)
-    : QObject(list), list_(list), options_(std::move(options)) {
-  list_->setEditable(true);
-  list_->setInsertPolicy(QComboBox::NoInsert);
-  list_->setCompleter(nullptr);
-  list_->installEventFilter(this);
+ChannelPicker::ChannelPicker(const QString& name, ChannelPickerOptions options, QWidget* parent)
+    : QComboBox(parent), options_(std::move(options)) {
+  setObjectName(name);
+  setEditable(true);
+  setInsertPolicy(QComboBox::NoInsert);
+  setCompleter(nullptr);
 }
 
-void TypedChannelList::Restore() {
-  list_->setEditText(list_->itemText(list_->currentIndex()));
+void ChannelPicker::Restore() {
+  setEditText(itemText(currentIndex()));
 }
 
-void TypedChannelList::Choose(int item) {
-  list_->setCurrentIndex(item);
+void ChannelPicker::Select(int item) {
+  setCurrentIndex(item);
   Restore();
-  emit list_->activated(item);
 }
 
-int TypedChannelList::ItemOf(int n) const {
+void ChannelPicker::Choose(int item) {
+  Select(item);
+  emit activated(item);
+}
+
+int ChannelPicker::ItemOf(int n) const {
   if (options_.itemOf) {
     return options_.itemOf(n);
   }
-  return n >= 1 && n < list_->count() ? n : -1;
+  return n >= 1 && n < count() ? n : -1;
 }
 
-void TypedChannelList::Take() {
-  const QString typed = list_->lineEdit()->text().trimmed();
+void ChannelPicker::Take() {
+  const QString typed = lineEdit()->text().trimmed();
   const int item = AllDigits(typed) && typed.size() <= kMostDigits ? ItemOf(typed.toInt()) : -1;
-  if (item > 0 && item < list_->count()) {
+  if (item > 0 && item < count()) {
     Choose(item);
   } else {
     Restore();
   }
 }
 
-bool TypedChannelList::eventFilter(QObject* watched, QEvent* event) {
-  if (watched != list_ || list_->lineEdit() == nullptr) {
-    return QObject::eventFilter(watched, event);
-  }
-  if (event->type() == QEvent::FocusOut) {
+bool ChannelPicker::event(QEvent* event) {
+  if (lineEdit() != nullptr) {
     // Opening the list's own popup is not leaving it.
-    if (static_cast<QFocusEvent*>(event)->reason() != Qt::PopupFocusReason) {
+    if (event->type() == QEvent::FocusOut &&
+        static_cast<QFocusEvent*>(event)->reason() != Qt::PopupFocusReason) {
       Take();
     }
-    return false;
+    if (event->type() == QEvent::KeyPress && Key(*static_cast<QKeyEvent*>(event))) {
+      return true;
+    }
   }
-  if (event->type() == QEvent::KeyPress) {
-    return Key(*static_cast<QKeyEvent*>(event));
-  }
-  return false;
+  return QComboBox::event(event);
 }
 
-bool TypedChannelList::Key(const QKeyEvent& key) {
-  QLineEdit* edit = list_->lineEdit();
+bool ChannelPicker::Key(const QKeyEvent& key) {
+  QLineEdit* edit = lineEdit();
   switch (key.key()) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
@@ -111,13 +111,6 @@ bool TypedChannelList::Key(const QKeyEvent& key) {
   }
   // Other characters are no channel number; the caret and list keys keep working.
   return text.size() == 1 && text[0].isPrint();
-}
-
-void MakeTypedChannelList(QComboBox* list, bool undefinedKey, std::function<int(int n)> itemOf) {
-  TypedChannelOptions options;
-  options.undefinedKey = undefinedKey;
-  options.itemOf = std::move(itemOf);
-  new TypedChannelList(list, std::move(options));
 }
 
 }  // namespace zrn
