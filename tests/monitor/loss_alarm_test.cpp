@@ -1,20 +1,12 @@
-#include "monitor/loss_alarm.h"
-#include "monitor/panel_update.h"
-#include "support/bytes.h"
-#include "support/fake_link.h"
-#include "support/temp_state.h"
-#include "switcher/link.h"
+#include "monitor_fixture.h"
 
 namespace zrn {
 namespace {
 
-using test::FakeLink;
-using test::TempStateTest;
-
 using test::Bytes;
+using test::kLatch3;
+using test::kRelease3;
 
-const QByteArray kLatch3 = Bytes({0xFE, 0x44, 0x00, 0x00, 0x00, 0x02, 0x00, 0x46, 0xFF});
-const QByteArray kRelease3 = Bytes({0xFE, 0x40, 0x00, 0x00, 0x00, 0x02, 0x00, 0x42, 0xFF});
 const QByteArray kLatch2 = Bytes({0xFE, 0x44, 0x00, 0x00, 0x00, 0x01, 0x00, 0x45, 0xFF});
 
 const QString kOn = QStringLiteral("Loss Alarm Report On");
@@ -22,25 +14,15 @@ const QString kOff = QStringLiteral("Loss Alarm Report Off");
 const QString kCanceled = QStringLiteral("Loss Alarm Report Canceled");
 
 // Three watched outputs with audio, relay 3 of four as the alarm relay, on a live link.
-class LossAlarm : public TempStateTest {
+class LossAlarm : public test::LinkedStateTest {
  protected:
   void SetUp() override {
-    TempStateTest::SetUp();
-    s.link = &link;
-    OnConnected(s);
-    s.SwitcherRelayCount = 4;
-    s.RelayStates.assign(4, 0);
-    s.AlarmRelay = 3;
-    s.Outputs.assign(3, OutputEntry());
-    s.OutputCount = 3;
-    for (int i = 0; i < 3; ++i) {
-      s.Outputs[i].Output = static_cast<qint16>(i + 1);
-      s.Outputs[i].MonitoringEnabled = true;
-      s.SilenceStatus[i].Mode = 0x100;
-    }
-    UpdateOutputs(s);
+    LinkedStateTest::SetUp();
+    // The outputs are laid out before the exchange completes, as at start-up.
+    s.linkState.ExchangeComplete = false;
+    Watch(3, 0x100);
     s.linkState.ExchangeComplete = true;
-    link.wire.clear();
+    Wire();
   }
   // A poll tick as far as the relay is concerned.
   void Tick() {
@@ -51,26 +33,8 @@ class LossAlarm : public TempStateTest {
     s.SilenceStatus[output].Status = status;
     UpdateStatus(s);
   }
-  void Report(int relay, qint16 state) {
-    s.RelayStates[relay - 1] = state;
-    RelayStatesReported(s);
-  }
-  QByteArray Wire() { return std::exchange(link.wire, QByteArray()); }
   Rgb Lamp(int output) const { return s.panels.outputs[output].lamp; }
-  // Messages of the activity log file about the alarm, in order.
-  QStringList Activity() const {
-    QStringList out;
-    const QStringList lines =
-        QString::fromUtf8(ReadAll(QStringLiteral("EventLog.txt"))).split(QStringLiteral("\r\n"));
-    for (const QString& line : lines.mid(lines.indexOf(QString(80, QLatin1Char('-'))) + 1)) {
-      if (line.contains(QStringLiteral("Loss Alarm"))) {
-        out << line.mid(55);
-      }
-    }
-    return out;
-  }
-
-  FakeLink link;
+  QStringList Alarms() const { return Activity(QStringLiteral("Loss Alarm")); }
 };
 
 TEST_F(LossAlarm, TwoSilentInOnePassLatchOnce) {
@@ -78,13 +42,13 @@ TEST_F(LossAlarm, TwoSilentInOnePassLatchOnce) {
   s.SilenceStatus[1].Status = 1;
   UpdateStatus(s);
   EXPECT_EQ(Wire(), kLatch3);
-  EXPECT_EQ(Activity(), QStringList{kOn});
+  EXPECT_EQ(Alarms(), QStringList{kOn});
   EXPECT_TRUE(s.MessageRows.last().endsWith(QStringLiteral(" - Loss Alarm Report On")));
 
-  Report(3, 1);
+  ReportRelay(1);
   Silence(2, 1);
   EXPECT_TRUE(Wire().isEmpty()) << "already reported on";
-  EXPECT_EQ(Activity(), QStringList{kOn});
+  EXPECT_EQ(Alarms(), QStringList{kOn});
 }
 
 TEST_F(LossAlarm, LatchIsRepeatedEachTickUntilTheSwitcherReportsIt) {
@@ -97,27 +61,27 @@ TEST_F(LossAlarm, LatchIsRepeatedEachTickUntilTheSwitcherReportsIt) {
     EXPECT_EQ(Wire(), kLatch3) << tick;
   }
   EXPECT_EQ(s.panels.window.alarmLampColour, kLampGrey) << "the lamp shows the report";
-  Report(3, 1);
+  ReportRelay(1);
   EXPECT_EQ(s.panels.window.alarmLampColour, kLampRed);
   for (int tick = 0; tick < 20; ++tick) {
     Tick();
   }
   EXPECT_TRUE(Wire().isEmpty());
   EXPECT_EQ(Lamp(0), kLampRed);
-  EXPECT_EQ(Activity(), QStringList{kOn});
+  EXPECT_EQ(Alarms(), QStringList{kOn});
 }
 
 TEST_F(LossAlarm, ReleasedOnlyWhenTheLastSilentOutputRecovers) {
   Silence(0, 1);
   Silence(1, 1);
-  Report(3, 1);
+  ReportRelay(1);
   Wire();
   Silence(0, 0);
   EXPECT_TRUE(Wire().isEmpty());
   Silence(1, 0);
   EXPECT_EQ(Wire(), kRelease3);
-  EXPECT_EQ(Activity(), (QStringList{kOn, kOff}));
-  Report(3, 0);
+  EXPECT_EQ(Alarms(), (QStringList{kOn, kOff}));
+  ReportRelay(0);
   EXPECT_EQ(s.panels.window.alarmLampColour, kLampGrey);
   Tick();
   EXPECT_TRUE(Wire().isEmpty());
@@ -125,7 +89,7 @@ TEST_F(LossAlarm, ReleasedOnlyWhenTheLastSilentOutputRecovers) {
 
 TEST_F(LossAlarm, AcknowledgingTheOnlySilentOutputReleases) {
   Silence(0, 1);
-  Report(3, 1);
+  ReportRelay(1);
   Wire();
   EXPECT_FALSE(AcknowledgeLossAlarm(s, 1)) << "a green lamp has nothing to acknowledge";
   EXPECT_EQ(s.Outputs[1].AlarmState, 0);
@@ -133,7 +97,7 @@ TEST_F(LossAlarm, AcknowledgingTheOnlySilentOutputReleases) {
   EXPECT_TRUE(AcknowledgeLossAlarm(s, 0));
   EXPECT_EQ(Lamp(0), kLampYellow);
   EXPECT_EQ(Wire(), kRelease3);
-  EXPECT_EQ(Activity(),
+  EXPECT_EQ(Alarms(),
             (QStringList{kOn, QStringLiteral("Out 0001 [0001] Loss Alarm Canceled - User"), kOff}));
   EXPECT_FALSE(AcknowledgeLossAlarm(s, 0)) << "already acknowledged";
   EXPECT_FALSE(AcknowledgeLossAlarm(s, 3));
@@ -142,7 +106,7 @@ TEST_F(LossAlarm, AcknowledgingTheOnlySilentOutputReleases) {
   Silence(1, 1);
   s.Outputs[1].MonitoringEnabled = false;
   EXPECT_FALSE(AcknowledgeLossAlarm(s, 1)) << "red until the next pass, but not monitored";
-  EXPECT_EQ(Activity().size(), 4);
+  EXPECT_EQ(Alarms().size(), 4);
 }
 
 TEST_F(LossAlarm, CancelWithoutAUsableRelayDoesNothing) {
@@ -154,18 +118,18 @@ TEST_F(LossAlarm, CancelWithoutAUsableRelayDoesNothing) {
     EXPECT_TRUE(Wire().isEmpty()) << relay;
     EXPECT_FALSE(s.Outputs[0].AlarmCanceled);
   }
-  EXPECT_FALSE(Activity().contains(kCanceled));
+  EXPECT_FALSE(Alarms().contains(kCanceled));
 }
 
 TEST_F(LossAlarm, CancelWithNoAlarmStillReleases) {
   cmdCancel_Click(s);
   EXPECT_EQ(Wire(), kRelease3);
-  EXPECT_EQ(Activity(), QStringList{kCanceled});
+  EXPECT_EQ(Alarms(), QStringList{kCanceled});
 }
 
 TEST_F(LossAlarm, CancelTakesWhatAlarmsNowOffTheRelayUntilItsSilenceChanges) {
   Silence(0, 1);
-  Report(3, 1);
+  ReportRelay(1);
   Wire();
   cmdCancel_Click(s);
   EXPECT_EQ(Wire(), kRelease3);
@@ -176,23 +140,23 @@ TEST_F(LossAlarm, CancelTakesWhatAlarmsNowOffTheRelayUntilItsSilenceChanges) {
   // Released each tick until the switcher agrees, and never latched again for this silence.
   Tick();
   EXPECT_EQ(Wire(), kRelease3);
-  Report(3, 0);
+  ReportRelay(0);
   Silence(0, 1);
   Tick();
   EXPECT_TRUE(Wire().isEmpty());
-  EXPECT_EQ(Activity(), (QStringList{kOn, kCanceled}));
+  EXPECT_EQ(Alarms(), (QStringList{kOn, kCanceled}));
 
   // Another output's silence alarms as usual; so does this one's next silence.
   Silence(1, 1);
   EXPECT_EQ(Wire(), kLatch3);
-  Report(3, 1);
+  ReportRelay(1);
   Silence(1, 0);
   EXPECT_EQ(Wire(), kRelease3);
-  Report(3, 0);
+  ReportRelay(0);
   Silence(0, 0);
   Silence(0, 1);
   EXPECT_EQ(Wire(), kLatch3);
-  EXPECT_EQ(Activity(), (QStringList{kOn, kCanceled, kOn, kOff, kOn}));
+  EXPECT_EQ(Alarms(), (QStringList{kOn, kCanceled, kOn, kOff, kOn}));
 }
 
 TEST_F(LossAlarm, InShowModeOnlyShowsAlarm) {
@@ -209,21 +173,21 @@ TEST_F(LossAlarm, InShowModeOnlyShowsAlarm) {
   s.Shows[1].DownlinkMonitor = 5;
   Tick();
   EXPECT_EQ(Wire(), kLatch3);
-  Report(3, 1);
+  ReportRelay(1);
   s.Shows[1].AlarmSuppressed = true;
   Tick();
   EXPECT_EQ(Wire(), kRelease3);
-  Report(3, 0);
+  ReportRelay(0);
   s.Shows[1].AlarmSuppressed = false;
   Tick();
   EXPECT_EQ(Wire(), kLatch3);
-  Report(3, 1);
+  ReportRelay(1);
 
   cmdCancel_Click(s);
   EXPECT_EQ(Wire(), kRelease3);
   EXPECT_TRUE(s.Shows[1].AlarmCanceled);
   EXPECT_FALSE(s.Shows[0].AlarmCanceled);
-  EXPECT_EQ(Activity(), (QStringList{kOn, kOff, kOn, kCanceled}));
+  EXPECT_EQ(Alarms(), (QStringList{kOn, kOff, kOn, kCanceled}));
 
   // A show out of the table is skipped, not read.
   s.ActiveShows = {7};
@@ -236,36 +200,36 @@ TEST_F(LossAlarm, InShowModeOnlyShowsAlarm) {
 // once; after that only a relay this monitor latched itself is released, so a second monitor
 // (or a panel) holding the same relay is left alone and no command storm arises.
 TEST_F(LossAlarm, OnlyOwnLatchesAreReleasedAfterTheFirstDecision) {
-  Report(3, 1);
+  ReportRelay(1);
   EXPECT_EQ(Wire(), kRelease3);
-  EXPECT_TRUE(Activity().isEmpty()) << "the decision did not change";
-  Report(3, 1);
+  EXPECT_TRUE(Alarms().isEmpty()) << "the decision did not change";
+  ReportRelay(1);
   Tick();
   EXPECT_TRUE(Wire().isEmpty()) << "someone else holds it now";
 
   // Our own latch is released when the silence ends, repeated each tick until carried out.
-  Report(3, 0);
+  ReportRelay(0);
   Silence(0, 1);
   EXPECT_EQ(Wire(), kLatch3);
-  Report(3, 1);
+  ReportRelay(1);
   Tick();
   Silence(0, 0);
   EXPECT_EQ(Wire(), kRelease3);
-  Report(3, 1);
+  ReportRelay(1);
   EXPECT_TRUE(Wire().isEmpty()) << "a report never triggers a second command in one tick";
   Tick();
   EXPECT_EQ(Wire(), kRelease3);
-  Report(3, 0);
-  Report(3, 1);
+  ReportRelay(0);
+  ReportRelay(1);
   Tick();
   EXPECT_TRUE(Wire().isEmpty()) << "latched again by another controller: not ours to release";
 
   // Wanted while someone else flips it: at most one latch per tick, however many reports.
-  Report(3, 0);
+  ReportRelay(0);
   Silence(1, 1);
   EXPECT_EQ(Wire(), kLatch3);
   for (int i = 0; i < 10; ++i) {
-    Report(3, (i + 1) % 2);
+    ReportRelay((i + 1) % 2);
   }
   EXPECT_TRUE(Wire().isEmpty());
   Tick();
@@ -286,7 +250,7 @@ TEST_F(LossAlarm, OneCommandPerTickWhateverDecidesInIt) {
 // this connection's exchange has completed.
 TEST_F(LossAlarm, NoRelayCommandBeforeTheExchangeCompletes) {
   Silence(0, 1);
-  Report(3, 1);
+  ReportRelay(1);
   Wire();
   OnClosed(s);
   OnConnected(s);
@@ -307,7 +271,7 @@ TEST_F(LossAlarm, ARelayBeyondTheTableCountsAsNone) {
   Silence(0, 1);
   Tick();
   EXPECT_TRUE(Wire().isEmpty());
-  EXPECT_TRUE(Activity().isEmpty());
+  EXPECT_TRUE(Alarms().isEmpty());
   EXPECT_EQ(s.panels.window.alarmLampColour, kLampGrey);
 
   // Until the relay names arrive no relay is known at all.
@@ -318,7 +282,7 @@ TEST_F(LossAlarm, ARelayBeyondTheTableCountsAsNone) {
 
 TEST_F(LossAlarm, AChangedAlarmRelayLeavesNothingLatched) {
   Silence(0, 1);
-  Report(3, 1);
+  ReportRelay(1);
   Wire();
   s.AlarmRelay = 2;
   Tick();
@@ -327,12 +291,12 @@ TEST_F(LossAlarm, AChangedAlarmRelayLeavesNothingLatched) {
   RelayStatesReported(s);
   Tick();
   EXPECT_TRUE(Wire().isEmpty());
-  EXPECT_EQ(Activity(), QStringList{kOn}) << "still one alarm";
+  EXPECT_EQ(Alarms(), QStringList{kOn}) << "still one alarm";
 
   s.AlarmRelay = kNone;
   Tick();
   EXPECT_EQ(Wire(), Bytes({0xFE, 0x40, 0x00, 0x00, 0x00, 0x01, 0x00, 0x41, 0xFF}));
-  EXPECT_EQ(Activity(), (QStringList{kOn, kOff}));
+  EXPECT_EQ(Alarms(), (QStringList{kOn, kOff}));
 }
 
 TEST_F(LossAlarm, ADeadLinkDefersTheCommandNotTheDecision) {
@@ -340,7 +304,7 @@ TEST_F(LossAlarm, ADeadLinkDefersTheCommandNotTheDecision) {
   Silence(0, 1);
   Tick();
   EXPECT_TRUE(Wire().isEmpty());
-  EXPECT_EQ(Activity(), QStringList{kOn});
+  EXPECT_EQ(Alarms(), QStringList{kOn});
   OnConnected(s);
   s.linkState.ExchangeComplete = true;
   Tick();

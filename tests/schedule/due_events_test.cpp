@@ -82,7 +82,8 @@ TEST_F(DueEvents, AWeekOfWeekdayAndWeekendEvents) {
                                           "4 07:00:00,5 09:00:00,6 09:00:00,7 07:00:00"));
 }
 
-TEST_F(DueEvents, ShowModeLeavesEverythingAlone) {
+// In show mode the shows own the outputs: the schedule leaves everything alone.
+TEST_F(DueEvents, ReportLineNamesTheLabelAndTheNewSourceOutsideShowMode) {
   ScheduledEvent e = Event("10:00:00", kEveryDay, true);
   e.DisplayOption = 2;
   e.Label = QStringLiteral("Late Show   ");
@@ -92,23 +93,15 @@ TEST_F(DueEvents, ShowModeLeavesEverythingAlone) {
   s.ProgramMode = 1;
   StartAt(2, "09:59:59");
   Ticks(10);
-  const OutputEntry& o = s.Outputs[0];
-  EXPECT_EQ(o.NextEvent, 0);
-  EXPECT_EQ(o.HoldOffTicks, 0);
-  EXPECT_FALSE(o.MonitoringEnabled);
-  EXPECT_EQ(o.CustomLabel, QStringLiteral("None"));
+  EXPECT_EQ(s.Outputs[0].NextEvent, 0);
+  EXPECT_EQ(s.Outputs[0].HoldOffTicks, 0);
+  EXPECT_FALSE(s.Outputs[0].MonitoringEnabled);
+  EXPECT_EQ(s.Outputs[0].CustomLabel, QStringLiteral("None"));
   EXPECT_TRUE(link.wire.isEmpty());
   EXPECT_TRUE(s.MessageRows.isEmpty());
   EXPECT_FALSE(s.OutputsDirty);
-}
 
-TEST_F(DueEvents, ReportLineNamesTheLabelAndTheNewSource) {
-  ScheduledEvent e = Event("10:00:00", kEveryDay, true);
-  e.DisplayOption = 2;
-  e.Label = QStringLiteral("Late Show   ");
-  e.Connect = true;
-  e.Source = 5;
-  SetEvents({e});
+  s.ProgramMode = 0;
   StartAt(2, "09:59:59");
   link.wire.clear();
   Ticks(2);
@@ -160,7 +153,7 @@ TEST_F(DueEvents, RoutesNeedASourceAndALiveLink) {
   EXPECT_EQ(Reports().size(), 2);
   EXPECT_FALSE(Reports().join('\n').contains(QStringLiteral("Source")));
 
-  // Link down: the route waits for the next exchange.
+  // Link down: the route is held.
   OnClosed(s);
   s.MessageRows.clear();
   TickAt(At(2, "10:19:59"));
@@ -168,24 +161,8 @@ TEST_F(DueEvents, RoutesNeedASourceAndALiveLink) {
   EXPECT_EQ(Reports().last(), QStringLiteral("Out 0007 [0007] Monitoring enabled. Source: Line 12 "
                                              "[0012] (held until the switcher is connected)"));
   EXPECT_EQ(s.Outputs[0].PendingRouteSource, 12);
-  SendPendingRoutes(s);
-  EXPECT_EQ(s.Outputs[0].PendingRouteSource, 12);
   EXPECT_FALSE(InSilenceGrace(s, 6));
-
-  // A new connection sends nothing before its exchange completes.
-  OnConnected(s);
-  s.MessageRows.clear();
-  SendPendingRoutes(s);
-  EXPECT_TRUE(link.wire.isEmpty());
-  s.linkState.ExchangeComplete = true;
-  SendPendingRoutes(s);
-  SendPendingRoutes(s);
-  EXPECT_EQ(link.wire, Bytes({0xFE, 0x04, 0x00, 0x0B, 0x00, 0x06, 0x00, 0x15, 0xFF}));
-  EXPECT_EQ(
-      Reports(),
-      QStringList{QStringLiteral("Out 0007 [0007] Monitoring enabled. Source: Line 12 [0012]")});
-  EXPECT_EQ(s.Outputs[0].PendingRouteSource, kNone);
-  EXPECT_TRUE(InSilenceGrace(s, 6));
+  // Sent once the next exchange completes: the poll timer's tests follow it there.
 }
 
 TEST_F(DueEvents, ClockJumps) {

@@ -4,30 +4,20 @@
 #include <QStringList>
 #include <utility>
 
-#include "monitor/loss_alarm.h"
+#include "monitor/monitor_fixture.h"
 #include "monitor/poll_tick.h"
 #include "shows/shows_pass.h"
-#include "support/fake_link.h"
-#include "support/switcher_bytes.h"
-#include "support/temp_state.h"
-#include "switcher/link.h"
 
 namespace zrn::test {
 
 // Show mode on a live link whose exchange is complete: silence-detect outputs 10, 11 and 12
 // free to borrow, relay 3 of four as the alarm relay, every detector reporting audio, Monday
 // 16 November 2026 at 12:15:00.
-class ShowsTest : public TempStateTest {
+class ShowsTest : public LinkedStateTest {
  protected:
   void SetUp() override {
-    TempStateTest::SetUp();
-    s.link = &link;
-    OnConnected(s);
-    s.linkState.ExchangeComplete = true;
+    LinkedStateTest::SetUp();
     s.ProgramMode = 1;
-    s.SwitcherRelayCount = 4;
-    s.RelayStates.assign(4, 0);
-    s.AlarmRelay = 3;
     SetSilenceOuts({10, 11, 12});
     s.Shows.clear();
     s.ShowCount = 0;
@@ -92,31 +82,10 @@ class ShowsTest : public TempStateTest {
     s.SilenceStatus[output].Status = status;
     EndSilenceGrace(s, output);
   }
-  void ReportRelay(qint16 state) {
-    s.RelayStates[2] = state;
-    RelayStatesReported(s);
-  }
-  QByteArray Wire() { return std::exchange(link.wire, QByteArray()); }
-  // Messages of the activity log after its header, without their stamps.
-  QStringList Activity() const {
-    QStringList out;
-    const QStringList lines =
-        QString::fromUtf8(ReadAll(QStringLiteral("EventLog.txt"))).split(QStringLiteral("\r\n"));
-    for (const QString& line : lines.mid(lines.indexOf(QString(80, QLatin1Char('-'))) + 1)) {
-      if (!line.isEmpty() && !line.contains(QStringLiteral("Server Module"))) {
-        out << line.mid(55);
-      }
-    }
-    return out;
-  }
   Rgb Indicator(int panel) const { return s.panels.shows.at(panel).indicatorColour; }
-
-  FakeLink link;
 };
 
 // Literal frames used across the show tests.
-inline const QByteArray kLatch3 = Bytes({0xFE, 0x44, 0x00, 0x00, 0x00, 0x02, 0x00, 0x46, 0xFF});
-inline const QByteArray kRelease3 = Bytes({0xFE, 0x40, 0x00, 0x00, 0x00, 0x02, 0x00, 0x42, 0xFF});
 // Input 5 routed to output 10, input 7 to output 11 (0-based), and output 10 parked.
 inline const QByteArray kRoute5To10 = Bytes({0xFE, 0x04, 0x00, 0x05, 0x00, 0x0A, 0x00, 0x13, 0xFF});
 inline const QByteArray kRoute7To11 = Bytes({0xFE, 0x04, 0x00, 0x07, 0x00, 0x0B, 0x00, 0x16, 0xFF});
