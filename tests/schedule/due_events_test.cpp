@@ -168,16 +168,23 @@ TEST_F(DueEvents, RoutesNeedASourceAndALiveLink) {
 TEST_F(DueEvents, ClockJumps) {
   SetEvents({Event("10:00:00", kEveryDay, true), Event("10:30:00", kEveryDay, false)});
   StartAt(2, "09:00:00");
-  auto jumpRecomputes = [&](int before, int now) {
-    s.Outputs[0].NextEvent = 1;
-    FollowClockJump(s, before, now);
-    return s.Outputs[0].NextEvent == 0;
+  // Minutes of the week before and after a tick; Wednesday 09:00 is minute 3420.
+  const struct {
+    const char* why;
+    int before, now;
+    bool recomputes;
+  } jumps[] = {
+      {"ten minutes forward", 3410, 3420, true},
+      {"three minutes forward", 3417, 3420, true},
+      {"two minutes forward is ordinary progress", 3418, 3420, false},
+      {"one minute back", 3421, 3420, true},
+      {"Sunday night into Monday", 10079, 0, false},
   };
-  const int nine = 2 * 1440 + 9 * 60;
-  EXPECT_TRUE(jumpRecomputes(nine - 3, nine));
-  EXPECT_FALSE(jumpRecomputes(nine - 2, nine));
-  EXPECT_TRUE(jumpRecomputes(nine + 1, nine));
-  EXPECT_FALSE(jumpRecomputes(10079, 0));
+  for (const auto& j : jumps) {
+    s.Outputs[0].NextEvent = 1;  // stale on purpose: a recomputation makes it 0
+    FollowClockJump(s, j.before, j.now);
+    EXPECT_EQ(s.Outputs[0].NextEvent == 0, j.recomputes) << j.why;
+  }
 
   // Set back by an hour after both ran: neither runs again, and tomorrow both do.
   TickAt(At(2, "09:59:59"));

@@ -27,15 +27,6 @@ class ShowsPassTest : public test::ShowsTest {
     Tick();
     Wire();
   }
-  // One watched output (switcher output 1) with detection on, for the output alarm.
-  void WatchOutputOne() {
-    s.Outputs.assign(1, OutputEntry());
-    s.OutputCount = 1;
-    s.Outputs[0].Output = 1;
-    s.Outputs[0].MonitoringEnabled = true;
-    s.SilenceStatus[0].Mode = 0x109;
-    UpdateOutputs(s);
-  }
 };
 
 TEST_F(ShowsPassTest, ShowsWaitForALiveCompleteLink) {
@@ -248,7 +239,7 @@ TEST_F(ShowsPassTest, APeakOnASilentDownlinkKeepsTheCancel) {
 }
 
 TEST_F(ShowsPassTest, EachModeKeepsItsOwnAlarmOnTheRelay) {
-  WatchOutputOne();
+  Watch(1, 0x109);  // switcher output 1, detecting, for the output alarm
   StartMorning();
 
   // Show mode: the show alarm holds the relay while a watched output's silence comes and goes,
