@@ -33,6 +33,12 @@ class LossAlarm : public test::LinkedStateTest {
     s.SilenceStatus[output].Status = status;
     UpdateStatus(s);
   }
+  // Output 1 silent and the latch carried out.
+  void AlarmOnRelay() {
+    Silence(0, 1);
+    ReportRelay(1);
+    Wire();
+  }
   Rgb Lamp(int output) const { return s.panels.outputs[output].lamp; }
   QStringList Alarms() const { return Activity(QStringLiteral("Loss Alarm")); }
 };
@@ -88,9 +94,7 @@ TEST_F(LossAlarm, ReleasedOnlyWhenTheLastSilentOutputRecovers) {
 }
 
 TEST_F(LossAlarm, AcknowledgingTheOnlySilentOutputReleases) {
-  Silence(0, 1);
-  ReportRelay(1);
-  Wire();
+  AlarmOnRelay();
   EXPECT_FALSE(AcknowledgeLossAlarm(s, 1)) << "a green lamp has nothing to acknowledge";
   EXPECT_EQ(s.Outputs[1].AlarmState, 0);
 
@@ -128,9 +132,7 @@ TEST_F(LossAlarm, CancelWithNoAlarmStillReleases) {
 }
 
 TEST_F(LossAlarm, CancelTakesWhatAlarmsNowOffTheRelayUntilItsSilenceChanges) {
-  Silence(0, 1);
-  ReportRelay(1);
-  Wire();
+  AlarmOnRelay();
   cmdCancel_Click(s);
   EXPECT_EQ(Wire(), kRelease3);
   EXPECT_TRUE(s.Outputs[0].AlarmCanceled);
@@ -249,9 +251,7 @@ TEST_F(LossAlarm, OneCommandPerTickWhateverDecidesInIt) {
 // On a new connection nothing is commanded from the previous connection's relay states until
 // this connection's exchange has completed.
 TEST_F(LossAlarm, NoRelayCommandBeforeTheExchangeCompletes) {
-  Silence(0, 1);
-  ReportRelay(1);
-  Wire();
+  AlarmOnRelay();
   OnClosed(s);
   OnConnected(s);
   Silence(0, 0);
@@ -281,9 +281,7 @@ TEST_F(LossAlarm, ARelayBeyondTheTableCountsAsNone) {
 }
 
 TEST_F(LossAlarm, AChangedAlarmRelayLeavesNothingLatched) {
-  Silence(0, 1);
-  ReportRelay(1);
-  Wire();
+  AlarmOnRelay();
   s.AlarmRelay = 2;
   Tick();
   EXPECT_EQ(Wire(), kRelease3 + kLatch2);

@@ -1,7 +1,4 @@
-#include "monitor/panel_update.h"
-
-#include "monitor/loss_alarm.h"
-#include "support/temp_state.h"
+#include "monitor_fixture.h"
 
 namespace zrn {
 namespace {
@@ -62,18 +59,12 @@ TEST_F(PanelTexts, FollowTheDisplayOptionAndReadUknownOutsideTheTables) {
   EXPECT_TRUE(ErrorLines().isEmpty());
 }
 
-class Lamps : public TempStateTest {
+// Two watched outputs with audio on a live link.
+class Lamps : public test::LinkedStateTest {
  protected:
   void SetUp() override {
-    TempStateTest::SetUp();
-    s.Outputs.assign(2, OutputEntry());
-    s.OutputCount = 2;
-    for (int i = 0; i < 2; ++i) {
-      s.Outputs[i].Output = static_cast<qint16>(i + 1);
-      s.Outputs[i].MonitoringEnabled = true;
-      s.SilenceStatus[i].Mode = kDetecting;
-    }
-    UpdateOutputs(s);
+    LinkedStateTest::SetUp();
+    Watch(2, kDetecting);
   }
   Rgb Pass(quint8 silence) {
     s.SilenceStatus[0].Status = silence;
