@@ -1,3 +1,6 @@
+#include <functional>
+#include <map>
+
 #include "monitor_fixture.h"
 
 namespace zrn {
@@ -8,13 +11,92 @@ using test::kLatch3;
 using test::kRelease3;
 
 const QByteArray kLatch2 = Bytes({0xFE, 0x44, 0x00, 0x00, 0x00, 0x01, 0x00, 0x45, 0xFF});
+const QByteArray kRelease2 = Bytes({0xFE, 0x40, 0x00, 0x00, 0x00, 0x01, 0x00, 0x41, 0xFF});
 
 const QString kOn = QStringLiteral("Loss Alarm Report On");
 const QString kOff = QStringLiteral("Loss Alarm Report Off");
 const QString kCanceled = QStringLiteral("Loss Alarm Report Canceled");
+const QString kUserAck = QStringLiteral("Out 0001 [0001] Loss Alarm Canceled - User");
+
+// A scenario is a line of steps; lower-case steps act, '=', '#' and 'w' look:
+//   s<o> a<o> p<o> P<o>  output o reports silence / audio / silence with a peak / a peak
+//   S<o...>              those outputs report silence in one pass
+//   r<0|1> v<4 states>   the switcher reports relay 3 / every relay
+//   t[n]                 n poll ticks (one by default); b, u, l: the tick's relay start, a lamp
+//                        pass, the tick's relay decision, each alone
+//   c  k<o>  n<o>        Cancel clicked; output o acknowledged, accepted / refused
+//   d<o> m<o>            monitoring of output o switched off / on
+//   x  o  e              link closed / connected / exchange completed
+//   A<relay|->           the alarm relay chosen in the setup
+//   g<o>  +<seconds>     output o routed anew (grace); the clock moves on
+//   _                    forget what was sent
+//   =L =R =- =RL2 =R2    exactly this was sent since the last look (relay 3 latched, released,
+//                        nothing, relay 3 released and 2 latched, relay 2 released)
+//   #<o|w><r|y|g|c|->    lamp of output o, or the window's alarm lamp: red, yellow, green, cyan,
+//                        grey
+//   w<0|1>               the lamp pass wants the relay or not
+struct Scenario {
+  const char* name;
+  const char* steps;
+  QStringList log;  // the alarm lines of the activity log afterwards
+};
+void PrintTo(const Scenario& scenario, std::ostream* os) {
+  *os << scenario.name;
+}
+
+const Scenario kScenarios[] = {
+    {"two silent in one pass latch once", "S01 =L r1 s2 =-", {kOn}},
+    {"the latch is repeated each tick until the switcher reports it",
+     "s0 =L s1 =- t =L t =L t =L #w- r1 #wr t20 =- #0r",
+     {kOn}},
+    {"released only when the last silent output recovers",
+     "s0 s1 r1 _ a0 =- a1 =R r0 #w- t =-",
+     {kOn, kOff}},
+    {"acknowledging the only silent output releases",
+     "s0 r1 _ n1 k0 #0y =R n0 n3 n-1 s1 d1 n1",
+     {kOn, kUserAck, kOff, kOn}},
+    {"cancel without a usable relay does nothing, and cancels nothing",
+     "s0 _ A- c =- A5 c =- A0 c =- A3 t =L",
+     {kOn}},
+    {"cancel with no alarm still releases", "c =R", {kCanceled}},
+    // Cancel takes what alarms now off the relay until its silence changes; another output's
+    // silence alarms as usual, and so does this one's next silence.
+    {"cancel lasts until the silence changes",
+     "s0 r1 _ c =R #0r t =R r0 s0 t =- s1 =L r1 a1 =R r0 a0 s0 =L",
+     {kOn, kCanceled, kOn, kOff, kOn}},
+    // Found latched at the first decision (left so before a restart): released once. After
+    // that only a latch of our own is released, so a second monitor (or a panel) holding the
+    // same relay is left alone, and reports never storm it: one command per tick at most.
+    {"only own latches are released after the first decision",
+     "r1 =R r1 t =- r0 s0 =L r1 t a0 =R r1 =- t =R r0 r1 t =- r0 s1 =L r1 r0 r1 r0 r1 r0 =- t =L",
+     {kOn, kOff, kOn}},
+    {"one command per tick whatever decides in it", "b s0 u l =L", {kOn}},
+    {"no relay command before the exchange of a new connection completes",
+     "s0 r1 _ x o a0 t =- e t =R",
+     {kOn, kOff}},
+    {"a changed alarm relay leaves nothing latched",
+     "s0 r1 _ A2 t =RL2 v0100 t =- A- t =R2",
+     {kOn, kOff}},
+    {"a dead link defers the command, not the decision", "x s0 t =- o e t =L", {kOn}},
+    {"the tick looks again when the grace ends", "g0 s0 #0- t =- +13 t #0r =L", {kOn}},
+    {"acknowledged, back to audio, the next silence alarms again",
+     "a0 #0g w0 s0 #0r w1 k0 #0y w0 a0 #0g s0 #0r w1 p0 #0c w0 P0 #0c",
+     {kOn, kUserAck, kOff, kOn, kOff}},
+    // A peak appearing or fading on a silent output leaves the acknowledgement and the cancel
+    // in force; only the silence bit clearing ends them.
+    {"a peak keeps the acknowledgement", "s0 k0 p0 s0 p0 s0 p0 #0y w0", {kOn, kUserAck, kOff}},
+    {"a peak keeps the cancel", "s0 c p0 s0 #0r w0", {kOn, kCanceled}},
+    {"audio ends the acknowledgement", "s0 k0 a0 s0 #0r w1", {kOn, kUserAck, kOff, kOn}},
+    {"audio with a peak ends the cancel", "s0 c P0 s0 #0r w1", {kOn, kCanceled, kOn}},
+    // An off period ends whatever was acknowledged or cancelled.
+    {"monitoring off forgets the acknowledgement",
+     "s0 k0 d0 s0 #0- m0 s0 #0r w1",
+     {kOn, kUserAck, kOff, kOn}},
+    {"monitoring off forgets the cancel", "s0 c d0 s0 #0- m0 s0 #0r w1", {kOn, kCanceled, kOn}},
+};
 
 // Three watched outputs with audio, relay 3 of four as the alarm relay, on a live link.
-class LossAlarm : public test::LinkedStateTest {
+class LossAlarm : public test::LinkedStateTest, public testing::WithParamInterface<Scenario> {
  protected:
   void SetUp() override {
     LinkedStateTest::SetUp();
@@ -29,145 +111,104 @@ class LossAlarm : public test::LinkedStateTest {
     BeginRelayTick(s);
     LossAlarmTick(s);
   }
-  void Silence(int output, quint8 status) {
+  void Status(int output, quint8 status) {
     s.SilenceStatus[output].Status = status;
     UpdateStatus(s);
   }
-  // Output 1 silent and the latch carried out.
-  void AlarmOnRelay() {
-    Silence(0, 1);
-    ReportRelay(1);
-    Wire();
+  Rgb Lamp(QChar which) const {
+    return which == QLatin1Char('w') ? s.panels.window.alarmLampColour
+                                     : s.panels.outputs[which.digitValue()].lamp;
   }
-  Rgb Lamp(int output) const { return s.panels.outputs[output].lamp; }
   QStringList Alarms() const { return Activity(QStringLiteral("Loss Alarm")); }
+  void Run(const QString& step);
 };
 
-TEST_F(LossAlarm, TwoSilentInOnePassLatchOnce) {
-  s.SilenceStatus[0].Status = 1;
-  s.SilenceStatus[1].Status = 1;
-  UpdateStatus(s);
-  EXPECT_EQ(Wire(), kLatch3);
-  EXPECT_EQ(Alarms(), QStringList{kOn});
-  EXPECT_TRUE(s.MessageRows.last().endsWith(QStringLiteral(" - Loss Alarm Report On")));
-
-  ReportRelay(1);
-  Silence(2, 1);
-  EXPECT_TRUE(Wire().isEmpty()) << "already reported on";
-  EXPECT_EQ(Alarms(), QStringList{kOn});
+void LossAlarm::Run(const QString& step) {
+  const QString rest = step.mid(1);
+  const int n = rest.toInt();
+  const QHash<QChar, Rgb> lamps = {
+      {'r', kLampRed}, {'y', kLampYellow}, {'g', kLampGreen}, {'c', kLampCyan}, {'-', kLampGrey}};
+  const QHash<QString, QByteArray> sent = {
+      {"L", kLatch3}, {"R", kRelease3}, {"-", {}}, {"RL2", kRelease3 + kLatch2}, {"R2", kRelease2}};
+  const std::map<char, std::function<void()>> steps = {
+      {'s', [&] { Status(n, 1); }},
+      {'a', [&] { Status(n, 0); }},
+      {'p', [&] { Status(n, 3); }},
+      {'P', [&] { Status(n, 2); }},
+      {'S',
+       [&] {
+         for (QChar o : rest) {
+           s.SilenceStatus[o.digitValue()].Status = 1;
+         }
+         UpdateStatus(s);
+       }},
+      {'r', [&] { ReportRelay(static_cast<qint16>(n)); }},
+      {'v',
+       [&] {
+         for (int i = 0; i < 4; ++i) {
+           s.RelayStates[i] = static_cast<qint16>(rest[i].digitValue());
+         }
+         RelayStatesReported(s);
+       }},
+      {'t',
+       [&] {
+         for (int i = 0; i < std::max(n, 1); ++i) {
+           Tick();
+         }
+       }},
+      {'b', [&] { BeginRelayTick(s); }},
+      {'u', [&] { UpdateOutputs(s); }},
+      {'l', [&] { LossAlarmTick(s); }},
+      {'c', [&] { cmdCancel_Click(s); }},
+      {'k', [&] { EXPECT_TRUE(AcknowledgeLossAlarm(s, n)); }},
+      {'n', [&] { EXPECT_FALSE(AcknowledgeLossAlarm(s, n)); }},
+      {'d', [&] { s.Outputs[n].MonitoringEnabled = false; }},
+      {'m', [&] { s.Outputs[n].MonitoringEnabled = true; }},
+      {'x', [&] { OnClosed(s); }},
+      {'o', [&] { OnConnected(s); }},
+      {'e', [&] { s.linkState.ExchangeComplete = true; }},
+      {'A', [&] { s.AlarmRelay = rest == QLatin1String("-") ? kNone : static_cast<qint16>(n); }},
+      {'g', [&] { StartSilenceGrace(s, n, 7); }},
+      {'+', [&] { clock.AdvanceSeconds(n); }},
+      {'_', [&] { Wire(); }},
+      {'=', [&] { EXPECT_EQ(Wire(), sent.value(rest, "?")); }},
+      {'#', [&] { EXPECT_EQ(Lamp(rest[0]), lamps.value(rest[1])); }},
+      {'w', [&] { EXPECT_EQ(AlarmRelayWanted(s), n == 1); }},
+  };
+  const auto action = steps.find(step[0].toLatin1());
+  ASSERT_NE(action, steps.end()) << "unknown step";
+  action->second();
 }
 
-TEST_F(LossAlarm, LatchIsRepeatedEachTickUntilTheSwitcherReportsIt) {
-  Silence(0, 1);
-  EXPECT_EQ(Wire(), kLatch3);
-  Silence(1, 1);
-  EXPECT_TRUE(Wire().isEmpty()) << "not again before the next tick";
-  for (int tick = 0; tick < 3; ++tick) {
-    Tick();
-    EXPECT_EQ(Wire(), kLatch3) << tick;
+TEST_P(LossAlarm, Scenario) {
+  const QStringList steps = QString::fromLatin1(GetParam().steps).split(QLatin1Char(' '));
+  for (int i = 0; i < steps.size(); ++i) {
+    SCOPED_TRACE(testing::Message() << "step " << i + 1 << " '" << qPrintable(steps[i]) << "'");
+    Run(steps[i]);
   }
-  EXPECT_EQ(s.panels.window.alarmLampColour, kLampGrey) << "the lamp shows the report";
-  ReportRelay(1);
-  EXPECT_EQ(s.panels.window.alarmLampColour, kLampRed);
-  for (int tick = 0; tick < 20; ++tick) {
-    Tick();
-  }
-  EXPECT_TRUE(Wire().isEmpty());
-  EXPECT_EQ(Lamp(0), kLampRed);
-  EXPECT_EQ(Alarms(), QStringList{kOn});
+  EXPECT_EQ(Alarms(), GetParam().log);
 }
 
-TEST_F(LossAlarm, ReleasedOnlyWhenTheLastSilentOutputRecovers) {
-  Silence(0, 1);
-  Silence(1, 1);
-  ReportRelay(1);
-  Wire();
-  Silence(0, 0);
-  EXPECT_TRUE(Wire().isEmpty());
-  Silence(1, 0);
-  EXPECT_EQ(Wire(), kRelease3);
-  EXPECT_EQ(Alarms(), (QStringList{kOn, kOff}));
-  ReportRelay(0);
-  EXPECT_EQ(s.panels.window.alarmLampColour, kLampGrey);
-  Tick();
-  EXPECT_TRUE(Wire().isEmpty());
-}
+INSTANTIATE_TEST_SUITE_P(Steps, LossAlarm, testing::ValuesIn(kScenarios),
+                         [](const testing::TestParamInfo<Scenario>& info) {
+                           std::string name;
+                           for (const char* c = info.param.name; *c; ++c) {
+                             if (std::isalnum(static_cast<unsigned char>(*c))) {
+                               name += name.empty() || c[-1] == ' ' ? char(std::toupper(*c)) : *c;
+                             }
+                           }
+                           return name;
+                         });
 
-TEST_F(LossAlarm, AcknowledgingTheOnlySilentOutputReleases) {
-  AlarmOnRelay();
-  EXPECT_FALSE(AcknowledgeLossAlarm(s, 1)) << "a green lamp has nothing to acknowledge";
-  EXPECT_EQ(s.Outputs[1].AlarmState, 0);
+using LossAlarmCases = LossAlarm;
 
-  EXPECT_TRUE(AcknowledgeLossAlarm(s, 0));
-  EXPECT_EQ(Lamp(0), kLampYellow);
-  EXPECT_EQ(Wire(), kRelease3);
-  EXPECT_EQ(Alarms(),
-            (QStringList{kOn, QStringLiteral("Out 0001 [0001] Loss Alarm Canceled - User"), kOff}));
-  EXPECT_FALSE(AcknowledgeLossAlarm(s, 0)) << "already acknowledged";
-  EXPECT_FALSE(AcknowledgeLossAlarm(s, 3));
-  EXPECT_FALSE(AcknowledgeLossAlarm(s, -1));
-
-  Silence(1, 1);
-  s.Outputs[1].MonitoringEnabled = false;
-  EXPECT_FALSE(AcknowledgeLossAlarm(s, 1)) << "red until the next pass, but not monitored";
-  EXPECT_EQ(Alarms().size(), 4);
-}
-
-TEST_F(LossAlarm, CancelWithoutAUsableRelayDoesNothing) {
-  Silence(0, 1);
-  Wire();
-  for (qint16 relay : {kNone, qint16(5), qint16(0)}) {
-    s.AlarmRelay = relay;
-    cmdCancel_Click(s);
-    EXPECT_TRUE(Wire().isEmpty()) << relay;
-    EXPECT_FALSE(s.Outputs[0].AlarmCanceled);
-  }
-  EXPECT_FALSE(Alarms().contains(kCanceled));
-}
-
-TEST_F(LossAlarm, CancelWithNoAlarmStillReleases) {
-  cmdCancel_Click(s);
-  EXPECT_EQ(Wire(), kRelease3);
-  EXPECT_EQ(Alarms(), QStringList{kCanceled});
-}
-
-TEST_F(LossAlarm, CancelTakesWhatAlarmsNowOffTheRelayUntilItsSilenceChanges) {
-  AlarmOnRelay();
-  cmdCancel_Click(s);
-  EXPECT_EQ(Wire(), kRelease3);
-  EXPECT_TRUE(s.Outputs[0].AlarmCanceled);
-  EXPECT_EQ(Lamp(0), kLampRed) << "still silent, still shown";
-  EXPECT_EQ(s.Outputs[0].AlarmState, 0) << "cancel is no acknowledgement";
-
-  // Released each tick until the switcher agrees, and never latched again for this silence.
-  Tick();
-  EXPECT_EQ(Wire(), kRelease3);
-  ReportRelay(0);
-  Silence(0, 1);
-  Tick();
-  EXPECT_TRUE(Wire().isEmpty());
-  EXPECT_EQ(Alarms(), (QStringList{kOn, kCanceled}));
-
-  // Another output's silence alarms as usual; so does this one's next silence.
-  Silence(1, 1);
-  EXPECT_EQ(Wire(), kLatch3);
-  ReportRelay(1);
-  Silence(1, 0);
-  EXPECT_EQ(Wire(), kRelease3);
-  ReportRelay(0);
-  Silence(0, 0);
-  Silence(0, 1);
-  EXPECT_EQ(Wire(), kLatch3);
-  EXPECT_EQ(Alarms(), (QStringList{kOn, kCanceled, kOn, kOff, kOn}));
-}
-
-TEST_F(LossAlarm, InShowModeOnlyShowsAlarm) {
+TEST_F(LossAlarmCases, InShowModeOnlyShowsAlarm) {
   s.ProgramMode = 1;
   s.Shows.assign(2, ShowRecord());
   s.ShowCount = 2;
   s.ActiveShows = {0, 1};
   s.ActiveShowCount = 2;
-  Silence(0, 1);
+  Status(0, 1);
   EXPECT_TRUE(Wire().isEmpty());
   EXPECT_FALSE(AcknowledgeLossAlarm(s, 0));
 
@@ -198,77 +239,13 @@ TEST_F(LossAlarm, InShowModeOnlyShowsAlarm) {
   EXPECT_EQ(Wire(), kRelease3);
 }
 
-// A relay found latched when this monitor first decides (left so before a restart) is released
-// once; after that only a relay this monitor latched itself is released, so a second monitor
-// (or a panel) holding the same relay is left alone and no command storm arises.
-TEST_F(LossAlarm, OnlyOwnLatchesAreReleasedAfterTheFirstDecision) {
-  ReportRelay(1);
-  EXPECT_EQ(Wire(), kRelease3);
-  EXPECT_TRUE(Alarms().isEmpty()) << "the decision did not change";
-  ReportRelay(1);
-  Tick();
-  EXPECT_TRUE(Wire().isEmpty()) << "someone else holds it now";
-
-  // Our own latch is released when the silence ends, repeated each tick until carried out.
-  ReportRelay(0);
-  Silence(0, 1);
-  EXPECT_EQ(Wire(), kLatch3);
-  ReportRelay(1);
-  Tick();
-  Silence(0, 0);
-  EXPECT_EQ(Wire(), kRelease3);
-  ReportRelay(1);
-  EXPECT_TRUE(Wire().isEmpty()) << "a report never triggers a second command in one tick";
-  Tick();
-  EXPECT_EQ(Wire(), kRelease3);
-  ReportRelay(0);
-  ReportRelay(1);
-  Tick();
-  EXPECT_TRUE(Wire().isEmpty()) << "latched again by another controller: not ours to release";
-
-  // Wanted while someone else flips it: at most one latch per tick, however many reports.
-  ReportRelay(0);
-  Silence(1, 1);
-  EXPECT_EQ(Wire(), kLatch3);
-  for (int i = 0; i < 10; ++i) {
-    ReportRelay((i + 1) % 2);
-  }
-  EXPECT_TRUE(Wire().isEmpty());
-  Tick();
-  EXPECT_EQ(Wire(), kLatch3);
-}
-
-// A scheduled event that changes a lamp in the same tick as the tick's own decision sends the
-// relay command once.
-TEST_F(LossAlarm, OneCommandPerTickWhateverDecidesInIt) {
-  BeginRelayTick(s);
-  Silence(0, 1);
-  UpdateOutputs(s);
-  LossAlarmTick(s);
-  EXPECT_EQ(Wire(), kLatch3);
-}
-
-// On a new connection nothing is commanded from the previous connection's relay states until
-// this connection's exchange has completed.
-TEST_F(LossAlarm, NoRelayCommandBeforeTheExchangeCompletes) {
-  AlarmOnRelay();
-  OnClosed(s);
-  OnConnected(s);
-  Silence(0, 0);
-  Tick();
-  EXPECT_TRUE(Wire().isEmpty());
-  s.linkState.ExchangeComplete = true;
-  Tick();
-  EXPECT_EQ(Wire(), kRelease3);
-}
-
-TEST_F(LossAlarm, ARelayBeyondTheTableCountsAsNone) {
+TEST_F(LossAlarmCases, ARelayBeyondTheTableCountsAsNone) {
   s.SwitcherRelayCount = 2;
   s.RelayStates.assign(2, 1);
   AlarmRelayTableArrived(s);
   ASSERT_EQ(ErrorLines().size(), 1);
   EXPECT_TRUE(ErrorLines()[0].contains(QStringLiteral("Alarm Relay 0003")));
-  Silence(0, 1);
+  Status(0, 1);
   Tick();
   EXPECT_TRUE(Wire().isEmpty());
   EXPECT_TRUE(Alarms().isEmpty());
@@ -278,47 +255,6 @@ TEST_F(LossAlarm, ARelayBeyondTheTableCountsAsNone) {
   State fresh;
   fresh.AlarmRelay = 3;
   EXPECT_FALSE(AlarmRelayUsable(fresh));
-}
-
-TEST_F(LossAlarm, AChangedAlarmRelayLeavesNothingLatched) {
-  AlarmOnRelay();
-  s.AlarmRelay = 2;
-  Tick();
-  EXPECT_EQ(Wire(), kRelease3 + kLatch2);
-  s.RelayStates = {0, 1, 0, 0};
-  RelayStatesReported(s);
-  Tick();
-  EXPECT_TRUE(Wire().isEmpty());
-  EXPECT_EQ(Alarms(), QStringList{kOn}) << "still one alarm";
-
-  s.AlarmRelay = kNone;
-  Tick();
-  EXPECT_EQ(Wire(), Bytes({0xFE, 0x40, 0x00, 0x00, 0x00, 0x01, 0x00, 0x41, 0xFF}));
-  EXPECT_EQ(Alarms(), (QStringList{kOn, kOff}));
-}
-
-TEST_F(LossAlarm, ADeadLinkDefersTheCommandNotTheDecision) {
-  OnClosed(s);
-  Silence(0, 1);
-  Tick();
-  EXPECT_TRUE(Wire().isEmpty());
-  EXPECT_EQ(Alarms(), QStringList{kOn});
-  OnConnected(s);
-  s.linkState.ExchangeComplete = true;
-  Tick();
-  EXPECT_EQ(Wire(), kLatch3);
-}
-
-TEST_F(LossAlarm, TheTickLooksAgainWhenTheGraceEnds) {
-  StartSilenceGrace(s, 0, 7);
-  Silence(0, 1);
-  EXPECT_EQ(Lamp(0), kLampGrey);
-  Tick();
-  EXPECT_TRUE(Wire().isEmpty());
-  clock.AdvanceSeconds(13);
-  Tick();
-  EXPECT_EQ(Lamp(0), kLampRed);
-  EXPECT_EQ(Wire(), kLatch3);
 }
 
 }  // namespace
