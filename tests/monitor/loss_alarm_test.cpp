@@ -1,40 +1,16 @@
-#include <functional>
-#include <map>
-
 #include "monitor_fixture.h"
 
 namespace zrn {
 namespace {
 
-using test::Bytes;
 using test::kLatch3;
 using test::kRelease3;
-
-const QByteArray kLatch2 = Bytes({0xFE, 0x44, 0x00, 0x00, 0x00, 0x01, 0x00, 0x45, 0xFF});
-const QByteArray kRelease2 = Bytes({0xFE, 0x40, 0x00, 0x00, 0x00, 0x01, 0x00, 0x41, 0xFF});
 
 const QString kOn = QStringLiteral("Loss Alarm Report On");
 const QString kOff = QStringLiteral("Loss Alarm Report Off");
 const QString kCanceled = QStringLiteral("Loss Alarm Report Canceled");
 const QString kUserAck = QStringLiteral("Out 0001 [0001] Loss Alarm Canceled - User");
 
-// A scenario is a line of steps; lower-case steps act, '=', '#' and 'w' look:
-//   s<o> a<o> p<o> P<o>  output o reports silence / audio / silence with a peak / a peak
-//   S<o...>              those outputs report silence in one pass
-//   r<0|1> v<4 states>   the switcher reports relay 3 / every relay
-//   t[n]                 n poll ticks (one by default); b, u, l: the tick's relay start, a lamp
-//                        pass, the tick's relay decision, each alone
-//   c  k<o>  n<o>        Cancel clicked; output o acknowledged, accepted / refused
-//   d<o> m<o>            monitoring of output o switched off / on
-//   x  o  e              link closed / connected / exchange completed
-//   A<relay|->           the alarm relay chosen in the setup
-//   g<o>  +<seconds>     output o routed anew (grace); the clock moves on
-//   _                    forget what was sent
-//   =L =R =- =RL2 =R2    exactly this was sent since the last look (relay 3 latched, released,
-//                        nothing, relay 3 released and 2 latched, relay 2 released)
-//   #<o|w><r|y|g|c|->    lamp of output o, or the window's alarm lamp: red, yellow, green, cyan,
-//                        grey
-//   w<0|1>               the lamp pass wants the relay or not
 struct Scenario {
   const char* name;
   const char* steps;
@@ -106,98 +82,17 @@ class LossAlarm : public test::LinkedStateTest, public testing::WithParamInterfa
     s.linkState.ExchangeComplete = true;
     Wire();
   }
-  // A poll tick as far as the relay is concerned.
-  void Tick() {
-    BeginRelayTick(s);
-    LossAlarmTick(s);
-  }
-  void Status(int output, quint8 status) {
-    s.SilenceStatus[output].Status = status;
-    UpdateStatus(s);
-  }
-  Rgb Lamp(QChar which) const {
-    return which == QLatin1Char('w') ? s.panels.window.alarmLampColour
-                                     : s.panels.outputs[which.digitValue()].lamp;
-  }
   QStringList Alarms() const { return Activity(QStringLiteral("Loss Alarm")); }
-  void Run(const QString& step);
 };
 
-void LossAlarm::Run(const QString& step) {
-  const QString rest = step.mid(1);
-  const int n = rest.toInt();
-  const QHash<QChar, Rgb> lamps = {
-      {'r', kLampRed}, {'y', kLampYellow}, {'g', kLampGreen}, {'c', kLampCyan}, {'-', kLampGrey}};
-  const QHash<QString, QByteArray> sent = {
-      {"L", kLatch3}, {"R", kRelease3}, {"-", {}}, {"RL2", kRelease3 + kLatch2}, {"R2", kRelease2}};
-  const std::map<char, std::function<void()>> steps = {
-      {'s', [&] { Status(n, 1); }},
-      {'a', [&] { Status(n, 0); }},
-      {'p', [&] { Status(n, 3); }},
-      {'P', [&] { Status(n, 2); }},
-      {'S',
-       [&] {
-         for (QChar o : rest) {
-           s.SilenceStatus[o.digitValue()].Status = 1;
-         }
-         UpdateStatus(s);
-       }},
-      {'r', [&] { ReportRelay(static_cast<qint16>(n)); }},
-      {'v',
-       [&] {
-         for (int i = 0; i < 4; ++i) {
-           s.RelayStates[i] = static_cast<qint16>(rest[i].digitValue());
-         }
-         RelayStatesReported(s);
-       }},
-      {'t',
-       [&] {
-         for (int i = 0; i < std::max(n, 1); ++i) {
-           Tick();
-         }
-       }},
-      {'b', [&] { BeginRelayTick(s); }},
-      {'u', [&] { UpdateOutputs(s); }},
-      {'l', [&] { LossAlarmTick(s); }},
-      {'c', [&] { cmdCancel_Click(s); }},
-      {'k', [&] { EXPECT_TRUE(AcknowledgeLossAlarm(s, n)); }},
-      {'n', [&] { EXPECT_FALSE(AcknowledgeLossAlarm(s, n)); }},
-      {'d', [&] { s.Outputs[n].MonitoringEnabled = false; }},
-      {'m', [&] { s.Outputs[n].MonitoringEnabled = true; }},
-      {'x', [&] { OnClosed(s); }},
-      {'o', [&] { OnConnected(s); }},
-      {'e', [&] { s.linkState.ExchangeComplete = true; }},
-      {'A', [&] { s.AlarmRelay = rest == QLatin1String("-") ? kNone : static_cast<qint16>(n); }},
-      {'g', [&] { StartSilenceGrace(s, n, 7); }},
-      {'+', [&] { clock.AdvanceSeconds(n); }},
-      {'_', [&] { Wire(); }},
-      {'=', [&] { EXPECT_EQ(Wire(), sent.value(rest, "?")); }},
-      {'#', [&] { EXPECT_EQ(Lamp(rest[0]), lamps.value(rest[1])); }},
-      {'w', [&] { EXPECT_EQ(AlarmRelayWanted(s), n == 1); }},
-  };
-  const auto action = steps.find(step[0].toLatin1());
-  ASSERT_NE(action, steps.end()) << "unknown step";
-  action->second();
-}
-
 TEST_P(LossAlarm, Scenario) {
-  const QStringList steps = QString::fromLatin1(GetParam().steps).split(QLatin1Char(' '));
-  for (int i = 0; i < steps.size(); ++i) {
-    SCOPED_TRACE(testing::Message() << "step " << i + 1 << " '" << qPrintable(steps[i]) << "'");
-    Run(steps[i]);
-  }
+  Steps(GetParam().steps);
   EXPECT_EQ(Alarms(), GetParam().log);
 }
 
 INSTANTIATE_TEST_SUITE_P(Steps, LossAlarm, testing::ValuesIn(kScenarios),
                          [](const testing::TestParamInfo<Scenario>& info) {
-                           std::string name;
-                           for (const char* c = info.param.name; *c; ++c) {
-                             if (std::isalnum(static_cast<unsigned char>(*c))) {
-                               name += name.empty() || c[-1] == ' ' ? char(std::toupper(*c)) : *c;
-                             }
-                           }
-                           return name;
+                           return test::CamelCase(info.param.name);
                          });
 
 using LossAlarmCases = LossAlarm;
@@ -208,7 +103,7 @@ TEST_F(LossAlarmCases, InShowModeOnlyShowsAlarm) {
   s.ShowCount = 2;
   s.ActiveShows = {0, 1};
   s.ActiveShowCount = 2;
-  Status(0, 1);
+  Silence(0, 1);
   EXPECT_TRUE(Wire().isEmpty());
   EXPECT_FALSE(AcknowledgeLossAlarm(s, 0));
 
@@ -245,7 +140,7 @@ TEST_F(LossAlarmCases, ARelayBeyondTheTableCountsAsNone) {
   AlarmRelayTableArrived(s);
   ASSERT_EQ(ErrorLines().size(), 1);
   EXPECT_TRUE(ErrorLines()[0].contains(QStringLiteral("Alarm Relay 0003")));
-  Status(0, 1);
+  Silence(0, 1);
   Tick();
   EXPECT_TRUE(Wire().isEmpty());
   EXPECT_TRUE(Alarms().isEmpty());

@@ -72,7 +72,7 @@ class ShowsTest : public LinkedStateTest {
     RefreshClock(s);
   }
   // The alarm side of a poll tick, then the show pass.
-  void Tick() {
+  void Tick() override {
     BeginRelayTick(s);
     LossAlarmTick(s);
     ShowsPass(s);
