@@ -108,61 +108,23 @@ TEST_F(OutputPanels, WindowAndHeadingsFollowTheCount) {
   UpdateStatus(s);
   EXPECT_EQ(Panel(139).lamp, kLampRed);
 
-  // Shrunk in the large view, then back: no heading over an emptied row.
+  // Shrunk in the large view, then back: no heading over an emptied row, and the normal
+  // window's own size and message list again.
   mnuToggle_Click(s);
   Watch(10);
+  EXPECT_TRUE(s.LargeViewActive);
   EXPECT_TRUE(Panel(9).large.visible);
   EXPECT_FALSE(Panel(9).normal.visible);
-  mnuToggle_Click(s);
-  EXPECT_EQ(HeadingsShown(), (std::vector<bool>{true, false, false, false}));
-}
-
-TEST_F(OutputPanels, TogglingTwiceReturnsToTheSameViewAndSize) {
-  Watch(10);
-  const WindowModel before = s.panels.window;
-  mnuToggle_Click(s);
-  EXPECT_TRUE(s.LargeViewActive);
+  EXPECT_EQ(HeadingsShown(), (std::vector<bool>{false, false, false, false}));
   EXPECT_EQ(s.panels.window.width, 21675) << "the large view uses the wide window";
-  EXPECT_EQ(s.panels.window.height, 14630);
-  EXPECT_FALSE(s.panels.window.messageListVisible);
-  EXPECT_EQ(HeadingsShown(), (std::vector<bool>{false, false, false, false}));
-  EXPECT_TRUE(Panel(0).large.visible);
-  EXPECT_FALSE(Panel(0).normal.visible);
-
   mnuToggle_Click(s);
   EXPECT_FALSE(s.LargeViewActive);
+  EXPECT_EQ(HeadingsShown(), (std::vector<bool>{true, false, false, false}));
   EXPECT_EQ(s.ManyOutputs, 0);
-  EXPECT_EQ(s.panels.window.width, before.width);
-  EXPECT_EQ(s.panels.window.height, before.height);
-  EXPECT_EQ(s.panels.window.messageList, before.messageList);
-  EXPECT_TRUE(s.panels.window.messageListVisible);
-  EXPECT_TRUE(Panel(9).normal.visible);
-  EXPECT_FALSE(Panel(9).large.visible);
-}
-
-TEST_F(OutputPanels, TheConfiguredViewIsTheOneNamedAndShowModeUsesTheNormalOne) {
-  Watch(3);
-  s.DefaultViewLarge = 1;
-  ShowConfiguredView(s);
-  EXPECT_TRUE(s.LargeViewActive);
-  EXPECT_TRUE(Panel(2).large.visible);
-
-  s.ProgramMode = 1;
-  ShowConfiguredView(s);
-  EXPECT_FALSE(s.LargeViewActive);
-  EXPECT_EQ(s.DefaultViewLarge, 1) << "the stored default is left alone";
   EXPECT_EQ(s.panels.window.width, 15525);
-  for (const OutputPanelModel& panel : s.panels.outputs) {
-    EXPECT_FALSE(panel.normal.visible || panel.large.visible);
-  }
-  EXPECT_FALSE(s.panels.window.messageListVisible);
-  EXPECT_EQ(HeadingsShown(), (std::vector<bool>{false, false, false, false}));
-
-  s.ProgramMode = 0;
-  s.DefaultViewLarge = 0;
-  ShowConfiguredView(s);
-  EXPECT_TRUE(Panel(2).normal.visible);
+  EXPECT_EQ(s.panels.window.height, 11055);
   EXPECT_TRUE(s.panels.window.messageListVisible);
+  EXPECT_FALSE(Panel(9).large.visible);
 }
 
 TEST_F(OutputPanels, NoWatchedOutputsLeavesPanelZeroHiddenAndClean) {
