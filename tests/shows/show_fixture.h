@@ -2,13 +2,30 @@
 
 #include <QByteArray>
 #include <QStringList>
+#include <QTime>
 #include <utility>
 
 #include "monitor/monitor_fixture.h"
 #include "monitor/poll_tick.h"
+#include "shows/show_activity.h"
 #include "shows/shows_pass.h"
+#include "ui/show_editor_rules.h"
 
 namespace zrn::test {
+
+// Literal frames used across the show tests.
+// Input 5 routed to output 10, input 7 to output 11 (0-based), and output 10 parked.
+inline const QByteArray kRoute5To10 = Bytes({0xFE, 0x04, 0x00, 0x05, 0x00, 0x0A, 0x00, 0x13, 0xFF});
+inline const QByteArray kRoute7To11 = Bytes({0xFE, 0x04, 0x00, 0x07, 0x00, 0x0B, 0x00, 0x16, 0xFF});
+inline const QByteArray kPark10 = Bytes({0xFE, 0x00, 0x00, 0x7F, 0x7F, 0x0A, 0x00, 0x08, 0xFF});
+inline const QByteArray kPark11 = Bytes({0xFE, 0x00, 0x00, 0x7F, 0x7F, 0x0B, 0x00, 0x09, 0xFF});
+// Show detector settings (mode 265, level 824, 8 s, 5 s) on outputs 10 and 11.
+inline const QByteArray kConfig10 =
+    Bytes({0xCB, 0x00, 0x01, 0x00, 0x0A, 0x00, 0x09, 0x02, 0x7F, 0x7F, 0x38,
+           0x06, 0x08, 0x00, 0x05, 0x00, 0x00, 0x08, 0x00, 0x00, 0x67, 0xFF});
+inline const QByteArray kConfig11 =
+    Bytes({0xCB, 0x00, 0x01, 0x00, 0x0B, 0x00, 0x09, 0x02, 0x7F, 0x7F, 0x38,
+           0x06, 0x08, 0x00, 0x05, 0x00, 0x00, 0x08, 0x00, 0x00, 0x68, 0xFF});
 
 // Show mode on a live link whose exchange is complete: silence-detect outputs 10, 11 and 12
 // free to borrow, relay 3 of four as the alarm relay, every detector reporting audio, Monday
@@ -23,6 +40,8 @@ class ShowsTest : public LinkedStateTest {
     s.ShowCount = 0;
     At(QTime(12, 15, 0));
     link.wire.clear();
+    frames[QStringLiteral("C10")] = kRoute5To10 + kConfig10;
+    frames[QStringLiteral("P10")] = kPark10;
   }
 
   void SetSilenceOuts(std::initializer_list<int> outputs) {
@@ -83,20 +102,64 @@ class ShowsTest : public LinkedStateTest {
     EndSilenceGrace(s, output);
   }
   Rgb Indicator(int panel) const { return s.panels.shows.at(panel).indicatorColour; }
-};
 
-// Literal frames used across the show tests.
-// Input 5 routed to output 10, input 7 to output 11 (0-based), and output 10 parked.
-inline const QByteArray kRoute5To10 = Bytes({0xFE, 0x04, 0x00, 0x05, 0x00, 0x0A, 0x00, 0x13, 0xFF});
-inline const QByteArray kRoute7To11 = Bytes({0xFE, 0x04, 0x00, 0x07, 0x00, 0x0B, 0x00, 0x16, 0xFF});
-inline const QByteArray kPark10 = Bytes({0xFE, 0x00, 0x00, 0x7F, 0x7F, 0x0A, 0x00, 0x08, 0xFF});
-inline const QByteArray kPark11 = Bytes({0xFE, 0x00, 0x00, 0x7F, 0x7F, 0x0B, 0x00, 0x09, 0xFF});
-// Show detector settings (mode 265, level 824, 8 s, 5 s) on outputs 10 and 11.
-inline const QByteArray kConfig10 =
-    Bytes({0xCB, 0x00, 0x01, 0x00, 0x0A, 0x00, 0x09, 0x02, 0x7F, 0x7F, 0x38,
-           0x06, 0x08, 0x00, 0x05, 0x00, 0x00, 0x08, 0x00, 0x00, 0x67, 0xFF});
-inline const QByteArray kConfig11 =
-    Bytes({0xCB, 0x00, 0x01, 0x00, 0x0B, 0x00, 0x09, 0x02, 0x7F, 0x7F, 0x38,
-           0x06, 0x08, 0x00, 0x05, 0x00, 0x00, 0x08, 0x00, 0x00, 0x68, 0xFF});
+  // Show steps besides the alarm steps:
+  //   H<name>/<downlink>/<end>  a show on air from 12:00:00      N  "Morning" on air, past its
+  //   grace D<status> E<status>  output 10 / 11 reports        @<time>  the clock is set, read >n
+  //   n times a second passes and a tick runs       G Q  the shows looked up / shows pass W
+  //   switcher output 1 watched for the output alarm        M<mode>  the program mode X    the link
+  //   drops      Y  it is back, its exchange complete, the monitors sent again Z    Show Setup
+  //   confirmed with no shows            =C10 =P10  output 10 routed / parked
+  bool MoreSteps(char step, const QString& rest) override {
+    const QStringList show = rest.split(QLatin1Char('/'));
+    switch (step) {
+      case 'H':
+        AddShow(show[0], static_cast<qint16>(show[1].toInt()), {}, QStringLiteral("12:00:00"),
+                show[2]);
+        return true;
+      case 'N':
+        Steps("HMorning/5/14:00:00 t D0 t _");
+        return true;
+      case 'D':
+      case 'E':
+        Report(step == 'D' ? 10 : 11, static_cast<quint8>(rest.toInt()));
+        return true;
+      case '@':
+        At(QTime::fromString(rest, QStringLiteral("HH:mm:ss")));
+        return true;
+      case '>':
+        for (int i = 0; i < rest.toInt(); ++i) {
+          clock.AdvanceSeconds(1);
+          RefreshClock(s);
+          Tick();
+        }
+        return true;
+      case 'G':
+        GetActiveShows(s);
+        return true;
+      case 'Q':
+        ShowsPass(s);
+        return true;
+      case 'W':
+        Watch(1, 0x109);
+        return true;
+      case 'M':
+        s.ProgramMode = static_cast<qint16>(rest.toInt());
+        return true;
+      case 'X':
+        CloseSwitcherLink(s);
+        return true;
+      case 'Y':
+        OnConnected(s);
+        s.linkState.ExchangeComplete = true;
+        ResendShowMonitors(s);
+        return true;
+      case 'Z':
+        ReplaceShows(s, {});
+        return true;
+    }
+    return false;
+  }
+};
 
 }  // namespace zrn::test
