@@ -41,6 +41,7 @@ class ShowsTest : public LinkedStateTest {
     At(QTime(12, 15, 0));
     link.wire.clear();
     frames[QStringLiteral("C10")] = kRoute5To10 + kConfig10;
+    frames[QStringLiteral("C10L")] = kRoute5To10 + kConfig10 + kLatch3;
     frames[QStringLiteral("P10")] = kPark10;
   }
 
@@ -114,8 +115,15 @@ class ShowsTest : public LinkedStateTest {
     const QStringList show = rest.split(QLatin1Char('/'));
     switch (step) {
       case 'H':
-        AddShow(show[0], static_cast<qint16>(show[1].toInt()), {}, QStringLiteral("12:00:00"),
-                show[2]);
+        AddShow(show[0], static_cast<qint16>(show[1].toInt()), {},
+                show.value(3, QStringLiteral("12:00:00")), show[2]);
+        return true;
+      case 'K':
+        s.CrosspointMap[10].SourceCount = 1;
+        s.CrosspointMap[10].Sources[0] = 5;
+        return true;
+      case 'U':
+        ReplaceShows(s, s.Shows);
         return true;
       case 'N':
         Steps("HMorning/5/14:00:00 t D0 t _");

@@ -122,46 +122,11 @@ TEST_F(ShowsPassTest, MonitorsAreSentAgainAfterEachCompletedExchange) {
 // Setup OK, the next show on the same downlink) is no change: no grace, no park, and the live
 // alarm holds the relay throughout.
 TEST_F(ShowsPassTest, ALiveShowAlarmStandsWhenItsMonitorIsRoutedAgainToTheSameSource) {
-  AddShow(QStringLiteral("Morning"), 5);
-  const int evening = AddShow(QStringLiteral("Evening"), 5, {}, QStringLiteral("14:00:01"),
-                              QStringLiteral("16:00:00"));
-  Tick();
-  Report(10, 0);
-  s.CrosspointMap[10].SourceCount = 1;
-  s.CrosspointMap[10].Sources[0] = 5;
-  Report(10, 1);
-  Tick();
-  EXPECT_EQ(Wire(), kRoute5To10 + kConfig10 + kLatch3);
-  ReportRelay(1);
-
-  auto holds = [&](const char* what) {
-    for (int tick = 0; tick < 3; ++tick) {
-      Tick();
-    }
-    EXPECT_FALSE(Wire().contains(kRelease3)) << what;
-    EXPECT_FALSE(Activity().contains(kOff)) << what;
-    EXPECT_EQ(Indicator(0), kLampRed) << what;
-  };
-  CloseSwitcherLink(s);
-  Tick();
-  OnConnected(s);
-  s.linkState.ExchangeComplete = true;
-  ResendShowMonitors(s);
-  EXPECT_EQ(Wire(), kRoute5To10 + kConfig10);
-  holds("after a reconnection");
-
-  ReplaceShows(s, s.Shows);
-  EXPECT_FALSE(Wire().contains(kPark10));
-  holds("after Show Setup OK");
-
-  At(QTime(14, 0, 1));
-  Tick();
-  EXPECT_FALSE(Wire().contains(kPark10)) << "handed over, not parked";
-  EXPECT_EQ(s.ActiveShows, std::vector<qint16>{static_cast<qint16>(evening)});
-  holds("after the handover");
-  EXPECT_EQ(Activity().count(kOn), 1);
-  EXPECT_EQ(Activity().filter(QStringLiteral("Silence Alarm Status ON!")),
-            (QStringList{"Morning Silence Alarm Status ON!", "Evening Silence Alarm Status ON!"}));
+  Steps(
+      "HMorning/5/14:00:00 HEvening/5/16:00:00/14:00:01 t D0 K D1 t =C10L r1 t t t =- #ir "
+      "X t Y =C10 t t t =- #ir U =C10 t t t =- #ir @14:00:01 t =C10 t t =- #ir");
+  EXPECT_EQ(s.ActiveShows, std::vector<qint16>{1});
+  EXPECT_EQ(Activity(), (QStringList{kMorningOn, kOn, "Evening Silence Alarm Status ON!"}));
 }
 
 // What the switcher must still be told after an outage: a show that ended meanwhile is parked,
