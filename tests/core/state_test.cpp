@@ -10,47 +10,6 @@ namespace {
 
 using test::TempStateTest;
 
-TEST(StateStart, TablesAndScalarsStartAsAFreshProgramNeedsThem) {
-  const State s;
-  ASSERT_EQ(s.Outputs.size(), 1u);
-  EXPECT_EQ(s.Outputs[0].Output, 1);
-  EXPECT_EQ(s.Outputs[0].CustomLabel, QStringLiteral("None"));
-  EXPECT_EQ(s.Outputs[0].Events.size(), 1u);
-  EXPECT_EQ(s.Outputs[0].EventCount, 0);
-  EXPECT_EQ(s.Outputs[0].NextEvent, kNone);
-  EXPECT_EQ(s.OutputCount, 1);
-  EXPECT_EQ(s.PanelsLoaded, 1);
-  EXPECT_EQ(s.ServerAddress, QStringLiteral("127.0.0.1"));
-  EXPECT_EQ(s.ServerPort, 1250);
-  EXPECT_EQ(s.MaxLogFileSize, 5000);
-  EXPECT_EQ(s.MaxDisplay, 100);
-  EXPECT_EQ(s.AlarmRelay, 16383);
-  EXPECT_EQ(s.SwitcherInputCount, 256);
-  EXPECT_EQ(s.SwitcherOutputCount, 256);
-  ASSERT_EQ(s.OutputNames.size(), 256);
-  EXPECT_EQ(s.OutputNames[0], QStringLiteral("Out 0001"));
-  EXPECT_EQ(s.OutputNames[255], QStringLiteral("Out 0256"));
-  EXPECT_EQ(s.CrosspointMap.size(), 256u);
-  EXPECT_EQ(s.SilenceStatus.size(), 256u);
-  EXPECT_FALSE(s.Connected);
-
-  // Run-time "no monitor" markers hold wherever a record is made.
-  EXPECT_EQ(ShowRecord{}.DownlinkMonitor, kNone);
-  EXPECT_EQ(ShowChannel{}.Monitor, kNone);
-  EXPECT_EQ(SilenceOut{}.Show, kNone);
-  EXPECT_EQ(SilenceOut{}.Source, kNone);
-}
-
-TEST(StateStart, RecordsCopyDeeply) {
-  OutputEntry a;
-  a.Events[0].Label = QStringLiteral("Morning");
-  OutputEntry b = a;
-  b.Events[0].Label = QStringLiteral("Evening");
-  b.Events.emplace_back();
-  EXPECT_EQ(a.Events[0].Label, QStringLiteral("Morning"));
-  EXPECT_EQ(a.Events.size(), 1u);
-}
-
 class SilenceOutTable : public TempStateTest {};
 
 TEST_F(SilenceOutTable, IndexPointsAtTheLastEntryOfEachOutput) {

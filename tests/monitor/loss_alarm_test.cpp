@@ -1,201 +1,103 @@
-#include "monitor/loss_alarm.h"
-#include "monitor/panel_update.h"
-#include "support/bytes.h"
-#include "support/fake_link.h"
-#include "support/temp_state.h"
-#include "switcher/link.h"
+#include "monitor_fixture.h"
 
 namespace zrn {
 namespace {
 
-using test::FakeLink;
-using test::TempStateTest;
-
-using test::Bytes;
-
-const QByteArray kLatch3 = Bytes({0xFE, 0x44, 0x00, 0x00, 0x00, 0x02, 0x00, 0x46, 0xFF});
-const QByteArray kRelease3 = Bytes({0xFE, 0x40, 0x00, 0x00, 0x00, 0x02, 0x00, 0x42, 0xFF});
-const QByteArray kLatch2 = Bytes({0xFE, 0x44, 0x00, 0x00, 0x00, 0x01, 0x00, 0x45, 0xFF});
+using test::kLatch3;
+using test::kRelease3;
 
 const QString kOn = QStringLiteral("Loss Alarm Report On");
 const QString kOff = QStringLiteral("Loss Alarm Report Off");
 const QString kCanceled = QStringLiteral("Loss Alarm Report Canceled");
+const QString kUserAck = QStringLiteral("Out 0001 [0001] Loss Alarm Canceled - User");
 
-// Three watched outputs with audio, relay 3 of four as the alarm relay, on a live link.
-class LossAlarm : public TempStateTest {
- protected:
-  void SetUp() override {
-    TempStateTest::SetUp();
-    s.link = &link;
-    OnConnected(s);
-    s.SwitcherRelayCount = 4;
-    s.RelayStates.assign(4, 0);
-    s.AlarmRelay = 3;
-    s.Outputs.assign(3, OutputEntry());
-    s.OutputCount = 3;
-    for (int i = 0; i < 3; ++i) {
-      s.Outputs[i].Output = static_cast<qint16>(i + 1);
-      s.Outputs[i].MonitoringEnabled = true;
-      s.SilenceStatus[i].Mode = 0x100;
-    }
-    UpdateOutputs(s);
-    s.linkState.ExchangeComplete = true;
-    link.wire.clear();
-  }
-  // A poll tick as far as the relay is concerned.
-  void Tick() {
-    BeginRelayTick(s);
-    LossAlarmTick(s);
-  }
-  void Silence(int output, quint8 status) {
-    s.SilenceStatus[output].Status = status;
-    UpdateStatus(s);
-  }
-  void Report(int relay, qint16 state) {
-    s.RelayStates[relay - 1] = state;
-    RelayStatesReported(s);
-  }
-  QByteArray Wire() { return std::exchange(link.wire, QByteArray()); }
-  Rgb Lamp(int output) const { return s.panels.outputs[output].lamp; }
-  // Messages of the activity log file about the alarm, in order.
-  QStringList Activity() const {
-    QStringList out;
-    const QStringList lines =
-        QString::fromUtf8(ReadAll(QStringLiteral("EventLog.txt"))).split(QStringLiteral("\r\n"));
-    for (const QString& line : lines.mid(lines.indexOf(QString(80, QLatin1Char('-'))) + 1)) {
-      if (line.contains(QStringLiteral("Loss Alarm"))) {
-        out << line.mid(55);
-      }
-    }
-    return out;
-  }
+struct Scenario {
+  const char* name;
+  const char* steps;
+  QStringList log;  // the alarm lines of the activity log afterwards
+};
+void PrintTo(const Scenario& scenario, std::ostream* os) {
+  *os << scenario.name;
+}
 
-  FakeLink link;
+const Scenario kScenarios[] = {
+    {"two silent in one pass latch once", "S01 =L r1 s2 =-", {kOn}},
+    {"the latch is repeated each tick until the switcher reports it",
+     "s0 =L s1 =- t =L t =L t =L #w- r1 #wr t20 =- #0r",
+     {kOn}},
+    {"released only when the last silent output recovers",
+     "s0 s1 r1 _ a0 =- a1 =R r0 #w- t =-",
+     {kOn, kOff}},
+    {"acknowledging the only silent output releases",
+     "s0 r1 _ n1 k0 #0y =R n0 n3 n-1 s1 d1 n1",
+     {kOn, kUserAck, kOff, kOn}},
+    {"cancel without a usable relay does nothing, and cancels nothing",
+     "s0 _ A- c =- A5 c =- A0 c =- A3 t =L",
+     {kOn}},
+    {"cancel with no alarm still releases", "c =R", {kCanceled}},
+    // Cancel takes what alarms now off the relay until its silence changes; another output's
+    // silence alarms as usual, and so does this one's next silence.
+    {"cancel lasts until the silence changes",
+     "s0 r1 _ c =R #0r t =R r0 s0 t =- s1 =L r1 a1 =R r0 a0 s0 =L",
+     {kOn, kCanceled, kOn, kOff, kOn}},
+    // Found latched at the first decision (left so before a restart): released once. After
+    // that only a latch of our own is released, so a second monitor (or a panel) holding the
+    // same relay is left alone, and reports never storm it: one command per tick at most.
+    {"only own latches are released after the first decision",
+     "r1 =R r1 t =- r0 s0 =L r1 t a0 =R r1 =- t =R r0 r1 t =- r0 s1 =L r1 r0 r1 r0 r1 r0 =- t =L",
+     {kOn, kOff, kOn}},
+    {"one command per tick whatever decides in it", "b s0 u l =L", {kOn}},
+    {"no relay command before the exchange of a new connection completes",
+     "s0 r1 _ x o a0 t =- e t =R",
+     {kOn, kOff}},
+    {"a changed alarm relay leaves nothing latched",
+     "s0 r1 _ A2 t =RL2 v0100 t =- A- t =R2",
+     {kOn, kOff}},
+    {"a dead link defers the command, not the decision", "x s0 t =- o e t =L", {kOn}},
+    {"the tick looks again when the grace ends", "g0 s0 #0- t =- +13 t #0r =L", {kOn}},
+    {"acknowledged, back to audio, the next silence alarms again",
+     "a0 #0g w0 s0 #0r w1 k0 #0y w0 a0 #0g s0 #0r w1 p0 #0c w0 P0 #0c",
+     {kOn, kUserAck, kOff, kOn, kOff}},
+    // A peak appearing or fading on a silent output leaves the acknowledgement and the cancel
+    // in force; only the silence bit clearing ends them.
+    {"a peak keeps the acknowledgement", "s0 k0 p0 s0 p0 s0 p0 #0y w0", {kOn, kUserAck, kOff}},
+    {"a peak keeps the cancel", "s0 c p0 s0 #0r w0", {kOn, kCanceled}},
+    {"audio ends the acknowledgement", "s0 k0 a0 s0 #0r w1", {kOn, kUserAck, kOff, kOn}},
+    {"audio with a peak ends the cancel", "s0 c P0 s0 #0r w1", {kOn, kCanceled, kOn}},
+    // An off period ends whatever was acknowledged or cancelled.
+    {"monitoring off forgets the acknowledgement",
+     "s0 k0 d0 s0 #0- m0 s0 #0r w1",
+     {kOn, kUserAck, kOff, kOn}},
+    {"monitoring off forgets the cancel", "s0 c d0 s0 #0- m0 s0 #0r w1", {kOn, kCanceled, kOn}},
 };
 
-TEST_F(LossAlarm, TwoSilentInOnePassLatchOnce) {
-  s.SilenceStatus[0].Status = 1;
-  s.SilenceStatus[1].Status = 1;
-  UpdateStatus(s);
-  EXPECT_EQ(Wire(), kLatch3);
-  EXPECT_EQ(Activity(), QStringList{kOn});
-  EXPECT_TRUE(s.MessageRows.last().endsWith(QStringLiteral(" - Loss Alarm Report On")));
-
-  Report(3, 1);
-  Silence(2, 1);
-  EXPECT_TRUE(Wire().isEmpty()) << "already reported on";
-  EXPECT_EQ(Activity(), QStringList{kOn});
-}
-
-TEST_F(LossAlarm, LatchIsRepeatedEachTickUntilTheSwitcherReportsIt) {
-  Silence(0, 1);
-  EXPECT_EQ(Wire(), kLatch3);
-  Silence(1, 1);
-  EXPECT_TRUE(Wire().isEmpty()) << "not again before the next tick";
-  for (int tick = 0; tick < 3; ++tick) {
-    Tick();
-    EXPECT_EQ(Wire(), kLatch3) << tick;
+// Three watched outputs with audio, relay 3 of four as the alarm relay, on a live link.
+class LossAlarm : public test::LinkedStateTest, public testing::WithParamInterface<Scenario> {
+ protected:
+  void SetUp() override {
+    LinkedStateTest::SetUp();
+    // The outputs are laid out before the exchange completes, as at start-up.
+    s.linkState.ExchangeComplete = false;
+    Watch(3, 0x100);
+    s.linkState.ExchangeComplete = true;
+    Wire();
   }
-  EXPECT_EQ(s.panels.window.alarmLampColour, kLampGrey) << "the lamp shows the report";
-  Report(3, 1);
-  EXPECT_EQ(s.panels.window.alarmLampColour, kLampRed);
-  for (int tick = 0; tick < 20; ++tick) {
-    Tick();
-  }
-  EXPECT_TRUE(Wire().isEmpty());
-  EXPECT_EQ(Lamp(0), kLampRed);
-  EXPECT_EQ(Activity(), QStringList{kOn});
+  QStringList Alarms() const { return Activity(QStringLiteral("Loss Alarm")); }
+};
+
+TEST_P(LossAlarm, Scenario) {
+  Steps(GetParam().steps);
+  EXPECT_EQ(Alarms(), GetParam().log);
 }
 
-TEST_F(LossAlarm, ReleasedOnlyWhenTheLastSilentOutputRecovers) {
-  Silence(0, 1);
-  Silence(1, 1);
-  Report(3, 1);
-  Wire();
-  Silence(0, 0);
-  EXPECT_TRUE(Wire().isEmpty());
-  Silence(1, 0);
-  EXPECT_EQ(Wire(), kRelease3);
-  EXPECT_EQ(Activity(), (QStringList{kOn, kOff}));
-  Report(3, 0);
-  EXPECT_EQ(s.panels.window.alarmLampColour, kLampGrey);
-  Tick();
-  EXPECT_TRUE(Wire().isEmpty());
-}
+INSTANTIATE_TEST_SUITE_P(Steps, LossAlarm, testing::ValuesIn(kScenarios),
+                         [](const testing::TestParamInfo<Scenario>& info) {
+                           return test::CamelCase(info.param.name);
+                         });
 
-TEST_F(LossAlarm, AcknowledgingTheOnlySilentOutputReleases) {
-  Silence(0, 1);
-  Report(3, 1);
-  Wire();
-  EXPECT_FALSE(AcknowledgeLossAlarm(s, 1)) << "a green lamp has nothing to acknowledge";
-  EXPECT_EQ(s.Outputs[1].AlarmState, 0);
+using LossAlarmCases = LossAlarm;
 
-  EXPECT_TRUE(AcknowledgeLossAlarm(s, 0));
-  EXPECT_EQ(Lamp(0), kLampYellow);
-  EXPECT_EQ(Wire(), kRelease3);
-  EXPECT_EQ(Activity(),
-            (QStringList{kOn, QStringLiteral("Out 0001 [0001] Loss Alarm Canceled - User"), kOff}));
-  EXPECT_FALSE(AcknowledgeLossAlarm(s, 0)) << "already acknowledged";
-  EXPECT_FALSE(AcknowledgeLossAlarm(s, 3));
-  EXPECT_FALSE(AcknowledgeLossAlarm(s, -1));
-
-  Silence(1, 1);
-  s.Outputs[1].MonitoringEnabled = false;
-  EXPECT_FALSE(AcknowledgeLossAlarm(s, 1)) << "red until the next pass, but not monitored";
-  EXPECT_EQ(Activity().size(), 4);
-}
-
-TEST_F(LossAlarm, CancelWithoutAUsableRelayDoesNothing) {
-  Silence(0, 1);
-  Wire();
-  for (qint16 relay : {kNone, qint16(5), qint16(0)}) {
-    s.AlarmRelay = relay;
-    cmdCancel_Click(s);
-    EXPECT_TRUE(Wire().isEmpty()) << relay;
-    EXPECT_FALSE(s.Outputs[0].AlarmCanceled);
-  }
-  EXPECT_FALSE(Activity().contains(kCanceled));
-}
-
-TEST_F(LossAlarm, CancelWithNoAlarmStillReleases) {
-  cmdCancel_Click(s);
-  EXPECT_EQ(Wire(), kRelease3);
-  EXPECT_EQ(Activity(), QStringList{kCanceled});
-}
-
-TEST_F(LossAlarm, CancelTakesWhatAlarmsNowOffTheRelayUntilItsSilenceChanges) {
-  Silence(0, 1);
-  Report(3, 1);
-  Wire();
-  cmdCancel_Click(s);
-  EXPECT_EQ(Wire(), kRelease3);
-  EXPECT_TRUE(s.Outputs[0].AlarmCanceled);
-  EXPECT_EQ(Lamp(0), kLampRed) << "still silent, still shown";
-  EXPECT_EQ(s.Outputs[0].AlarmState, 0) << "cancel is no acknowledgement";
-
-  // Released each tick until the switcher agrees, and never latched again for this silence.
-  Tick();
-  EXPECT_EQ(Wire(), kRelease3);
-  Report(3, 0);
-  Silence(0, 1);
-  Tick();
-  EXPECT_TRUE(Wire().isEmpty());
-  EXPECT_EQ(Activity(), (QStringList{kOn, kCanceled}));
-
-  // Another output's silence alarms as usual; so does this one's next silence.
-  Silence(1, 1);
-  EXPECT_EQ(Wire(), kLatch3);
-  Report(3, 1);
-  Silence(1, 0);
-  EXPECT_EQ(Wire(), kRelease3);
-  Report(3, 0);
-  Silence(0, 0);
-  Silence(0, 1);
-  EXPECT_EQ(Wire(), kLatch3);
-  EXPECT_EQ(Activity(), (QStringList{kOn, kCanceled, kOn, kOff, kOn}));
-}
-
-TEST_F(LossAlarm, InShowModeOnlyShowsAlarm) {
+TEST_F(LossAlarmCases, InShowModeOnlyShowsAlarm) {
   s.ProgramMode = 1;
   s.Shows.assign(2, ShowRecord());
   s.ShowCount = 2;
@@ -209,21 +111,21 @@ TEST_F(LossAlarm, InShowModeOnlyShowsAlarm) {
   s.Shows[1].DownlinkMonitor = 5;
   Tick();
   EXPECT_EQ(Wire(), kLatch3);
-  Report(3, 1);
+  ReportRelay(1);
   s.Shows[1].AlarmSuppressed = true;
   Tick();
   EXPECT_EQ(Wire(), kRelease3);
-  Report(3, 0);
+  ReportRelay(0);
   s.Shows[1].AlarmSuppressed = false;
   Tick();
   EXPECT_EQ(Wire(), kLatch3);
-  Report(3, 1);
+  ReportRelay(1);
 
   cmdCancel_Click(s);
   EXPECT_EQ(Wire(), kRelease3);
   EXPECT_TRUE(s.Shows[1].AlarmCanceled);
   EXPECT_FALSE(s.Shows[0].AlarmCanceled);
-  EXPECT_EQ(Activity(), (QStringList{kOn, kOff, kOn, kCanceled}));
+  EXPECT_EQ(Alarms(), (QStringList{kOn, kOff, kOn, kCanceled}));
 
   // A show out of the table is skipped, not read.
   s.ActiveShows = {7};
@@ -232,73 +134,7 @@ TEST_F(LossAlarm, InShowModeOnlyShowsAlarm) {
   EXPECT_EQ(Wire(), kRelease3);
 }
 
-// A relay found latched when this monitor first decides (left so before a restart) is released
-// once; after that only a relay this monitor latched itself is released, so a second monitor
-// (or a panel) holding the same relay is left alone and no command storm arises.
-TEST_F(LossAlarm, OnlyOwnLatchesAreReleasedAfterTheFirstDecision) {
-  Report(3, 1);
-  EXPECT_EQ(Wire(), kRelease3);
-  EXPECT_TRUE(Activity().isEmpty()) << "the decision did not change";
-  Report(3, 1);
-  Tick();
-  EXPECT_TRUE(Wire().isEmpty()) << "someone else holds it now";
-
-  // Our own latch is released when the silence ends, repeated each tick until carried out.
-  Report(3, 0);
-  Silence(0, 1);
-  EXPECT_EQ(Wire(), kLatch3);
-  Report(3, 1);
-  Tick();
-  Silence(0, 0);
-  EXPECT_EQ(Wire(), kRelease3);
-  Report(3, 1);
-  EXPECT_TRUE(Wire().isEmpty()) << "a report never triggers a second command in one tick";
-  Tick();
-  EXPECT_EQ(Wire(), kRelease3);
-  Report(3, 0);
-  Report(3, 1);
-  Tick();
-  EXPECT_TRUE(Wire().isEmpty()) << "latched again by another controller: not ours to release";
-
-  // Wanted while someone else flips it: at most one latch per tick, however many reports.
-  Report(3, 0);
-  Silence(1, 1);
-  EXPECT_EQ(Wire(), kLatch3);
-  for (int i = 0; i < 10; ++i) {
-    Report(3, (i + 1) % 2);
-  }
-  EXPECT_TRUE(Wire().isEmpty());
-  Tick();
-  EXPECT_EQ(Wire(), kLatch3);
-}
-
-// A scheduled event that changes a lamp in the same tick as the tick's own decision sends the
-// relay command once.
-TEST_F(LossAlarm, OneCommandPerTickWhateverDecidesInIt) {
-  BeginRelayTick(s);
-  Silence(0, 1);
-  UpdateOutputs(s);
-  LossAlarmTick(s);
-  EXPECT_EQ(Wire(), kLatch3);
-}
-
-// On a new connection nothing is commanded from the previous connection's relay states until
-// this connection's exchange has completed.
-TEST_F(LossAlarm, NoRelayCommandBeforeTheExchangeCompletes) {
-  Silence(0, 1);
-  Report(3, 1);
-  Wire();
-  OnClosed(s);
-  OnConnected(s);
-  Silence(0, 0);
-  Tick();
-  EXPECT_TRUE(Wire().isEmpty());
-  s.linkState.ExchangeComplete = true;
-  Tick();
-  EXPECT_EQ(Wire(), kRelease3);
-}
-
-TEST_F(LossAlarm, ARelayBeyondTheTableCountsAsNone) {
+TEST_F(LossAlarmCases, ARelayBeyondTheTableCountsAsNone) {
   s.SwitcherRelayCount = 2;
   s.RelayStates.assign(2, 1);
   AlarmRelayTableArrived(s);
@@ -307,56 +143,13 @@ TEST_F(LossAlarm, ARelayBeyondTheTableCountsAsNone) {
   Silence(0, 1);
   Tick();
   EXPECT_TRUE(Wire().isEmpty());
-  EXPECT_TRUE(Activity().isEmpty());
+  EXPECT_TRUE(Alarms().isEmpty());
   EXPECT_EQ(s.panels.window.alarmLampColour, kLampGrey);
 
   // Until the relay names arrive no relay is known at all.
   State fresh;
   fresh.AlarmRelay = 3;
   EXPECT_FALSE(AlarmRelayUsable(fresh));
-}
-
-TEST_F(LossAlarm, AChangedAlarmRelayLeavesNothingLatched) {
-  Silence(0, 1);
-  Report(3, 1);
-  Wire();
-  s.AlarmRelay = 2;
-  Tick();
-  EXPECT_EQ(Wire(), kRelease3 + kLatch2);
-  s.RelayStates = {0, 1, 0, 0};
-  RelayStatesReported(s);
-  Tick();
-  EXPECT_TRUE(Wire().isEmpty());
-  EXPECT_EQ(Activity(), QStringList{kOn}) << "still one alarm";
-
-  s.AlarmRelay = kNone;
-  Tick();
-  EXPECT_EQ(Wire(), Bytes({0xFE, 0x40, 0x00, 0x00, 0x00, 0x01, 0x00, 0x41, 0xFF}));
-  EXPECT_EQ(Activity(), (QStringList{kOn, kOff}));
-}
-
-TEST_F(LossAlarm, ADeadLinkDefersTheCommandNotTheDecision) {
-  OnClosed(s);
-  Silence(0, 1);
-  Tick();
-  EXPECT_TRUE(Wire().isEmpty());
-  EXPECT_EQ(Activity(), QStringList{kOn});
-  OnConnected(s);
-  s.linkState.ExchangeComplete = true;
-  Tick();
-  EXPECT_EQ(Wire(), kLatch3);
-}
-
-TEST_F(LossAlarm, TheTickLooksAgainWhenTheGraceEnds) {
-  StartSilenceGrace(s, 0, 7);
-  Silence(0, 1);
-  EXPECT_EQ(Lamp(0), kLampGrey);
-  Tick();
-  EXPECT_TRUE(Wire().isEmpty());
-  clock.AdvanceSeconds(13);
-  Tick();
-  EXPECT_EQ(Lamp(0), kLampRed);
-  EXPECT_EQ(Wire(), kLatch3);
 }
 
 }  // namespace

@@ -1,10 +1,7 @@
 #include "monitor/menu_commands.h"
 
-#include <QLineEdit>
-#include <QPushButton>
-#include <QTest>
-
 #include "support/bytes.h"
+#include "support/person.h"
 #include "support/scripted_prompt.h"
 #include "support/temp_state.h"
 #include "ui/schedule_dialog.h"
@@ -26,14 +23,16 @@ class MenuCommands : public test::TempStateTest {
     s.CurrentTime = QTime(12, 0, 0);
   }
   // The Configure Schedule command: the editor, then the saves when it was confirmed.
-  void ConfigureSchedule(const std::function<void(ScheduleDialog&)>& operatorDoes) {
+  void ConfigureSchedule(const std::function<void()>& operatorDoes) {
     s.DialogAccepted = false;
     ScheduleDialog dialog(s);
-    dialog.show();
-    operatorDoes(dialog);
+    person.Open(dialog);
+    operatorDoes();
+    EXPECT_FALSE(dialog.isVisible());
     ScheduleAccepted(s);
   }
   test::ScriptedPrompt prompt;
+  test::Person person;
 };
 
 TEST_F(MenuCommands, EnableTogglesMonitoringWithAUserLine) {
@@ -64,26 +63,24 @@ TEST_F(MenuCommands, EnableTogglesMonitoringWithAUserLine) {
 }
 
 TEST_F(MenuCommands, ConfigureScheduleSavesOnlyWhatWasConfirmed) {
-  ConfigureSchedule([](ScheduleDialog& dialog) {
-    QTest::mouseClick(dialog.AutoButton(0), Qt::LeftButton);
-    dialog.reject();  // closed with the change pending, answered No
+  ConfigureSchedule([&] {
+    person.Click(QStringLiteral("New Event"));
+    person.Press(Qt::Key_Escape);  // closed with the change pending, answered No
   });
   EXPECT_FALSE(QFile::exists(PathOf(QStringLiteral("ZRNEvents.dat"))));
   EXPECT_EQ(s.Outputs[0].NextEvent, kNone);
 
-  ConfigureSchedule([](ScheduleDialog& dialog) {
-    QTest::mouseClick(dialog.AutoButton(0), Qt::LeftButton);
-    dialog.findChild<QLineEdit*>(QStringLiteral("txtAutoTime"))
-        ->setText(QStringLiteral("06:30:00"));
-    dialog.findChild<QPushButton*>(QStringLiteral("cmdAuto7"))->click();
-    for (int d = 5; d < 7; ++d) {
-      dialog.findChild<QWidget*>(QStringLiteral("chkAutoDay%1").arg(d))
-          ->setProperty("checked", false);
-    }
-    dialog.findChild<QWidget*>(QStringLiteral("optAutoActive1"))->setProperty("checked", true);
-    QTest::mouseClick(dialog.AutoButton(4), Qt::LeftButton);
-    dialog.reject();
+  ConfigureSchedule([&] {
+    person.Click(QStringLiteral("New Event"));  // the time box takes the focus
+    person.Type(QStringLiteral("063000"));
+    person.Click(QStringLiteral("Every Day"));
+    person.Click(QStringLiteral("Saturday"));
+    person.Click(QStringLiteral("Sunday"));
+    person.Click(QStringLiteral("Active"));
+    person.Click(QStringLiteral("Save"));
+    person.Click(QStringLiteral("OK"));
   });
+  EXPECT_TRUE(prompt.informed.isEmpty()) << prompt.informed.join('|').toStdString();
   EXPECT_FALSE(s.DialogAccepted);
   EXPECT_EQ(ReadAll(QStringLiteral("ZRNEvents.dat")),
             Bytes({0x01, 0x00, 0x01, 0x00, 0x00, '0', '6', ':', '3', '0', ':', '0', '0', 0x1F, 0xFF,
@@ -93,7 +90,7 @@ TEST_F(MenuCommands, ConfigureScheduleSavesOnlyWhatWasConfirmed) {
 
   // A later look that changes nothing writes nothing.
   QFile::remove(PathOf(QStringLiteral("ZRNEvents.dat")));
-  ConfigureSchedule([](ScheduleDialog& dialog) { dialog.reject(); });
+  ConfigureSchedule([&] { person.Click(QStringLiteral("OK")); });
   EXPECT_FALSE(QFile::exists(PathOf(QStringLiteral("ZRNEvents.dat"))));
 }
 

@@ -30,57 +30,60 @@ class OutputPanels : public TempStateTest {
   }
 };
 
-TEST_F(OutputPanels, GrowingFromOneToFortyPlacesEveryPanelInBothViews) {
+// Normal view: 32 a row, 400 apart, rows 960 apart; large view: 12 a row, 1600 apart, rows
+// 1200 apart; rows go on past the grid so every output has a panel. Growing and shrinking the
+// count leaves the panels that stay where they were.
+TEST_F(OutputPanels, FramesFollowTheGridInBothViews) {
+  const struct {
+    int watched, panel;
+    bool large;
+    Rect frame;
+  } cases[] = {
+      {40, 1, false, {1480, 240, 375, 615}},     {40, 31, false, {13480, 240, 375, 615}},
+      {40, 32, false, {1080, 1200, 375, 615}},   {40, 39, false, {3880, 1200, 375, 615}},
+      {40, 11, true, {18680, 240, 1500, 1200}},  {40, 12, true, {1080, 1440, 1500, 1200}},
+      {40, 24, true, {1080, 2640, 1500, 1200}},  {40, 36, true, {1080, 3840, 1500, 1200}},
+      {40, 39, true, {5880, 3840, 1500, 1200}},  {65, 64, false, {1080, 2160, 375, 615}},
+      {102, 100, false, {2680, 3120, 375, 615}}, {140, 128, false, {1080, 4080, 375, 615}},
+      {140, 139, false, {5480, 4080, 375, 615}}, {140, 132, true, {1080, 13440, 1500, 1200}},
+      {10, 9, false, {4680, 240, 375, 615}},     {10, 9, true, {15480, 240, 1500, 1200}},
+  };
   Watch(1);
-  Watch(40);
-  EXPECT_EQ(s.PanelsLoaded, 40);
-  ASSERT_EQ(s.panels.outputs.size(), 40u);
-
-  // Normal view: 32 a row, 400 apart, rows 960 apart.
-  EXPECT_EQ(Normal(1), (Rect{1480, 240, 375, 615}));
-  EXPECT_EQ(Normal(31), (Rect{13480, 240, 375, 615}));
-  EXPECT_EQ(Normal(32), (Rect{1080, 1200, 375, 615}));
-  EXPECT_EQ(Normal(39), (Rect{3880, 1200, 375, 615}));
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.watched << " watched, panel " << c.panel);
+    Watch(c.watched);
+    ASSERT_EQ(s.panels.outputs.size(), static_cast<size_t>(c.watched));
+    EXPECT_EQ(s.PanelsLoaded, c.watched);
+    EXPECT_EQ(c.large ? Large(c.panel) : Normal(c.panel), c.frame);
+  }
+  // The number moves left as it grows a digit.
+  const struct {
+    int panel;
+    bool large;
+    int left;
+  } numbers[] = {{8, true, 120}, {9, true, 80}, {100, false, 80}, {101, false, 20}};
+  Watch(102);
+  for (const auto& n : numbers) {
+    const OutputPanelModel& panel = Panel(n.panel);
+    EXPECT_EQ(n.large ? panel.large.number.left : panel.normal.number.left, n.left) << n.panel;
+  }
+  EXPECT_EQ(Panel(39).position, QStringLiteral("40"));
+  EXPECT_EQ(Panel(101).position, QStringLiteral("102"));
   EXPECT_EQ(Panel(39).normal.number, (Rect{80, 120, 360, 255}));
   EXPECT_EQ(Panel(39).normal.lamp, (Rect{75, 405, 195, 135}));
-
-  // Large view: 12 a row, 1600 apart, rows 1200 apart.
-  EXPECT_EQ(Large(11), (Rect{18680, 240, 1500, 1200}));
-  EXPECT_EQ(Large(12), (Rect{1080, 1440, 1500, 1200}));
-  EXPECT_EQ(Large(24), (Rect{1080, 2640, 1500, 1200}));
-  EXPECT_EQ(Large(36), (Rect{1080, 3840, 1500, 1200}));
-  EXPECT_EQ(Large(39), (Rect{5880, 3840, 1500, 1200}));
-  EXPECT_EQ(Panel(8).large.number.left, 120);
-  EXPECT_EQ(Panel(9).large.number.left, 80);
   EXPECT_EQ(Panel(39).large.nameLine, (Rect{120, 600, 1305, 255}));
+}
 
-  EXPECT_EQ(Panel(39).position, QStringLiteral("40"));
+// The window widens at 65 outputs and gets a heading for each row in use.
+TEST_F(OutputPanels, WindowAndHeadingsFollowTheCount) {
+  Watch(40);
   EXPECT_TRUE(Panel(39).normal.visible);
   EXPECT_FALSE(Panel(39).large.visible);
   EXPECT_EQ(HeadingsShown(), (std::vector<bool>{true, true, false, false}));
   EXPECT_EQ(s.panels.headings[1].rect, (Rect{240, 1560, 615, 240}));
   EXPECT_EQ(s.panels.window.width, 15525);
   EXPECT_EQ(s.panels.window.height, 11055);
-}
 
-TEST_F(OutputPanels, ShrinkingToTenKeepsTheFirstTenInPlaceInBothViews) {
-  Watch(40);
-  const OutputPanelModel ninth = Panel(9);
-  mnuToggle_Click(s);
-  Watch(10);
-  ASSERT_EQ(s.panels.outputs.size(), 10u);
-  EXPECT_EQ(s.PanelsLoaded, 10);
-  EXPECT_EQ(Normal(9), ninth.normal.frame);
-  EXPECT_EQ(Large(9), (Rect{15480, 240, 1500, 1200}));
-  EXPECT_TRUE(Panel(9).large.visible);
-  EXPECT_FALSE(Panel(9).normal.visible);
-
-  mnuToggle_Click(s);
-  EXPECT_EQ(HeadingsShown(), (std::vector<bool>{true, false, false, false}))
-      << "no heading over an emptied row";
-}
-
-TEST_F(OutputPanels, SixtyFiveOutputsUseTheWideWindowAndFourHeadings) {
   Watch(65);
   EXPECT_EQ(s.ManyOutputs, 1);
   EXPECT_EQ(HeadingsShown(), (std::vector<bool>{true, true, true, true}));
@@ -91,82 +94,37 @@ TEST_F(OutputPanels, SixtyFiveOutputsUseTheWideWindowAndFourHeadings) {
   EXPECT_EQ(w.alarmCaption, (Rect{20430, 360, 855, 255}));
   EXPECT_EQ(w.cancelButton, (Rect{20290, 1200, 735, 375}));
   EXPECT_EQ(w.messageList, (Rect{120, 4036, 21165, 9295}));
-  EXPECT_EQ(Normal(64), (Rect{1080, 2160, 375, 615}));
 
-  Watch(102);
-  EXPECT_EQ(Normal(100), (Rect{2680, 3120, 375, 615}));
-  EXPECT_EQ(Panel(100).normal.number.left, 80);
-  EXPECT_EQ(Panel(101).normal.number.left, 20);
-  EXPECT_EQ(Panel(101).position, QStringLiteral("102"));
-}
-
-TEST_F(OutputPanels, TogglingTwiceReturnsToTheSameViewAndSize) {
-  Watch(10);
-  const WindowModel before = s.panels.window;
-  mnuToggle_Click(s);
-  EXPECT_TRUE(s.LargeViewActive);
-  EXPECT_EQ(s.panels.window.width, 21675) << "the large view uses the wide window";
-  EXPECT_EQ(s.panels.window.height, 14630);
-  EXPECT_FALSE(s.panels.window.messageListVisible);
-  EXPECT_EQ(HeadingsShown(), (std::vector<bool>{false, false, false, false}));
-  EXPECT_TRUE(Panel(0).large.visible);
-  EXPECT_FALSE(Panel(0).normal.visible);
-
-  mnuToggle_Click(s);
-  EXPECT_FALSE(s.LargeViewActive);
-  EXPECT_EQ(s.ManyOutputs, 0);
-  EXPECT_EQ(s.panels.window.width, before.width);
-  EXPECT_EQ(s.panels.window.height, before.height);
-  EXPECT_EQ(s.panels.window.messageList, before.messageList);
-  EXPECT_TRUE(s.panels.window.messageListVisible);
-  EXPECT_TRUE(Panel(9).normal.visible);
-  EXPECT_FALSE(Panel(9).large.visible);
-}
-
-TEST_F(OutputPanels, RowsGoOnPastTheGridSoEveryOutputHasAPanel) {
   Watch(140);
-  ASSERT_EQ(s.panels.outputs.size(), 140u);
-  EXPECT_EQ(Normal(128), (Rect{1080, 4080, 375, 615}));
-  EXPECT_EQ(Normal(139), (Rect{5480, 4080, 375, 615}));
-  EXPECT_EQ(Panel(139).normal.number.left, 20);
-  EXPECT_TRUE(Panel(139).normal.visible);
-  EXPECT_EQ(Large(132), (Rect{1080, 13440, 1500, 1200}));
   ASSERT_EQ(s.panels.headings.size(), 5u);
   EXPECT_EQ(s.panels.headings[4].rect, (Rect{240, 4440, 615, 240}));
   EXPECT_TRUE(s.panels.headings[4].visible);
   EXPECT_EQ(s.panels.window.width, 21675) << "the window keeps its wide size";
-
+  EXPECT_TRUE(Panel(139).normal.visible);
   // Every panel keeps its lamp, past the grid too.
   s.SilenceStatus[139].Mode = 0x100;
   s.SilenceStatus[139].Status = 1;
   s.Outputs[139].MonitoringEnabled = true;
   UpdateStatus(s);
   EXPECT_EQ(Panel(139).lamp, kLampRed);
-}
 
-TEST_F(OutputPanels, TheConfiguredViewIsTheOneNamedAndShowModeUsesTheNormalOne) {
-  Watch(3);
-  s.DefaultViewLarge = 1;
-  ShowConfiguredView(s);
+  // Shrunk in the large view, then back: no heading over an emptied row, and the normal
+  // window's own size and message list again.
+  mnuToggle_Click(s);
+  Watch(10);
   EXPECT_TRUE(s.LargeViewActive);
-  EXPECT_TRUE(Panel(2).large.visible);
-
-  s.ProgramMode = 1;
-  ShowConfiguredView(s);
-  EXPECT_FALSE(s.LargeViewActive);
-  EXPECT_EQ(s.DefaultViewLarge, 1) << "the stored default is left alone";
-  EXPECT_EQ(s.panels.window.width, 15525);
-  for (const OutputPanelModel& panel : s.panels.outputs) {
-    EXPECT_FALSE(panel.normal.visible || panel.large.visible);
-  }
-  EXPECT_FALSE(s.panels.window.messageListVisible);
+  EXPECT_TRUE(Panel(9).large.visible);
+  EXPECT_FALSE(Panel(9).normal.visible);
   EXPECT_EQ(HeadingsShown(), (std::vector<bool>{false, false, false, false}));
-
-  s.ProgramMode = 0;
-  s.DefaultViewLarge = 0;
-  ShowConfiguredView(s);
-  EXPECT_TRUE(Panel(2).normal.visible);
+  EXPECT_EQ(s.panels.window.width, 21675) << "the large view uses the wide window";
+  mnuToggle_Click(s);
+  EXPECT_FALSE(s.LargeViewActive);
+  EXPECT_EQ(HeadingsShown(), (std::vector<bool>{true, false, false, false}));
+  EXPECT_EQ(s.ManyOutputs, 0);
+  EXPECT_EQ(s.panels.window.width, 15525);
+  EXPECT_EQ(s.panels.window.height, 11055);
   EXPECT_TRUE(s.panels.window.messageListVisible);
+  EXPECT_FALSE(Panel(9).large.visible);
 }
 
 TEST_F(OutputPanels, NoWatchedOutputsLeavesPanelZeroHiddenAndClean) {

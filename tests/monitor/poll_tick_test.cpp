@@ -15,90 +15,34 @@ namespace zrn {
 namespace {
 
 using test::Bytes;
-using test::FakeLink;
-using test::TempStateTest;
-
 using test::Event;
 using test::kEveryDay;
 
-// The poll timer on a fake clock and a connected fake link; watched output 7.
-class PollTimer : public TempStateTest {
+// The poll timer on a fake clock and a connected fake link whose exchange has not completed;
+// watched output 7.
+class PollTimer : public test::ScheduleTest {
  protected:
   void SetUp() override {
-    TempStateTest::SetUp();
-    s.link = &link;
-    OnConnected(s);
-    s.MessageRows.clear();
+    ScheduleTest::SetUp();
+    s.linkState.ExchangeComplete = false;
     s.Outputs[0].Output = 7;
-  }
-  // Day 0 is Monday 16 November 2026.
-  static QDateTime At(int day, const char* time) {
-    return QDateTime(QDate(2026, 11, 16).addDays(day), QTime::fromString(time, "HH:mm:ss"));
-  }
-  void SetEvents(std::vector<ScheduledEvent> events) {
-    s.Outputs[0].EventCount = static_cast<qint16>(events.size());
-    s.Outputs[0].Events = std::move(events);
   }
   void TickAt(const QDateTime& when) {
     clock.Set(when);
     PollTick(s);
   }
   void Tick() { TickAt(clock.Now().addMSecs(500)); }
-  QStringList Reports() const {
-    QStringList out;
-    for (const QString& row : s.MessageRows) {
-      out << row.section(QStringLiteral(" - "), 2);
-    }
-    return out;
-  }
-
-  FakeLink link;
 };
 
-TEST_F(PollTimer, ClockJumpsRecomputeTheNextEvents) {
+// The tick reads the clock and hands a jump to the scheduler (whose own tests cover which jumps
+// recompute); a first tick with no earlier time is no jump.
+TEST_F(PollTimer, TheTickHandsAClockJumpToTheScheduler) {
   SetEvents({Event("10:00:00", kEveryDay), Event("10:30:00", kEveryDay)});
-  const struct {
-    QDateTime from;
-    QDateTime to;
-    bool recomputes;
-  } jumps[] = {
-      {At(2, "09:00:00"), At(2, "09:10:00"), true},   // ten minutes forward
-      {At(2, "09:00:00"), At(2, "09:04:00"), true},   // three minutes or more forward
-      {At(2, "09:00:00"), At(2, "09:02:00"), false},  // ordinary progress
-      {At(2, "09:00:00"), At(2, "08:59:00"), true},   // one minute back on a Wednesday
-      {At(6, "23:59:30"), At(7, "00:00:00"), false},  // Sunday night into Monday
-  };
-  for (const auto& jump : jumps) {
-    TickAt(jump.from);
-    s.Outputs[0].NextEvent = 1;  // stale on purpose: a recomputation makes it 0
-    TickAt(jump.to);
-    EXPECT_EQ(s.Outputs[0].NextEvent, jump.recomputes ? 0 : 1)
-        << jump.from.toString().toStdString() << " -> " << jump.to.toString().toStdString();
-  }
-}
-
-TEST_F(PollTimer, EventsRunOnTimeOrUpToThreeMinutesLate) {
-  const struct {
-    qint16 days;
-    const char* before;
-    const char* after;
-    bool runs;
-  } cases[] = {
-      {kEveryDay, "09:59:59", "10:00:00", true},
-      {kEveryDay, "09:59:59", "10:00:02", true},   // a tick late
-      {kEveryDay, "09:59:59", "10:03:00", false},  // three minutes late: next occurrence
-      {0x7B, "09:59:59", "10:00:00", false},       // not on Wednesdays
-  };
-  for (const auto& c : cases) {
-    SetEvents({Event("10:00:00", c.days)});
-    s.Outputs[0].MonitoringEnabled = false;
-    s.Outputs[0].LastRun.clear();
-    TickAt(At(2, c.before));
-    GetNextEvent(s, kNone);
-    TickAt(At(2, c.after));
-    EXPECT_EQ(s.Outputs[0].MonitoringEnabled, c.runs) << c.after << " days " << c.days;
-    s.Outputs[0].HoldOffTicks = 0;
-  }
+  s.Outputs[0].NextEvent = 1;  // stale on purpose: a recomputation makes it 0
+  TickAt(At(2, "09:00:00"));
+  EXPECT_EQ(s.Outputs[0].NextEvent, 1);
+  TickAt(At(2, "09:10:00"));
+  EXPECT_EQ(s.Outputs[0].NextEvent, 0);
 }
 
 TEST_F(PollTimer, ASilentSwitcherIsDroppedAfter201UnansweredPolls) {
@@ -198,6 +142,7 @@ TEST_F(PollTimer, ACompletedExchangeSendsTheRouteHeldBackWhileTheLinkWasDown) {
   const QByteArray routed = Bytes({0xFE, 0x04, 0x00, 0x0B, 0x00, 0x06, 0x00, 0x15, 0xFF});
   EXPECT_EQ(link.wire, test::kStartupMessages + test::kRelayStatesRequest + routed);
   EXPECT_EQ(s.Outputs[0].PendingRouteSource, kNone);
+  EXPECT_TRUE(InSilenceGrace(s, 6)) << "the new source's silence is not yet known";
   // The switcher reported no inputs, and output 7 as "Studio 7".
   EXPECT_EQ(Reports().last().toStdString(),
             "Studio 7 [0007] Monitoring enabled. Source: Uknown [0012]");
@@ -206,12 +151,6 @@ TEST_F(PollTimer, ACompletedExchangeSendsTheRouteHeldBackWhileTheLinkWasDown) {
   TickAt(At(2, "10:00:01"));
   EXPECT_FALSE(link.wire.contains(static_cast<char>(0xFE))) << "sent once";
 }
-
-}  // namespace
-}  // namespace zrn
-
-namespace zrn {
-namespace {
 
 TEST_F(PollTimer, TheStatusBarSaysSinceWhenNothingIsKnown) {
   s.linkState.ExchangeComplete = true;

@@ -76,6 +76,8 @@ TEST_F(Startup, TheViewIsTheOneTheConfigurationNames) {
     EXPECT_EQ(fresh.panels.window.messageListVisible, !c.large && !c.shows) << c.view << c.mode;
     EXPECT_EQ(fresh.panels.outputs[0].normal.visible, !c.large && !c.shows) << c.view;
     EXPECT_EQ(fresh.panels.outputs[1].large.visible, c.large) << c.view;
+    EXPECT_EQ(fresh.panels.window.width, c.large ? 21675 : 15525) << c.view << " " << c.mode;
+    EXPECT_EQ(fresh.panels.headings[0].visible, !c.large && !c.shows) << c.view << " " << c.mode;
     EXPECT_EQ(fresh.DefaultViewLarge, QLatin1String(c.view) == QLatin1String("Large") ? 1 : 0)
         << "show mode leaves the stored view alone";
   }

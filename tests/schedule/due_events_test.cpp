@@ -10,58 +10,61 @@ using test::Bytes;
 
 using DueEvents = ScheduleTest;
 
-TEST_F(DueEvents, RunAtTheirSecondOnceAndOnToTheNextMorning) {
-  SetEvents({Event("06:00:00", kEveryDay, true), Event("18:00:00", kEveryDay, false)});
-  StartAt(2, "17:59:58");
-  Ticks(3);
-  EXPECT_TRUE(Reports().isEmpty());
-  Ticks(1);
-  ASSERT_EQ(Reports(), QStringList{QStringLiteral("Studio A [0012] Monitoring disabled.")});
-  EXPECT_TRUE(s.MessageRows[0].endsWith(QStringLiteral("18:00:00 - ") + Reports()[0]));
-  EXPECT_EQ(s.Outputs[0].NextEvent, 0);
-  EXPECT_EQ(s.Outputs[0].HoldOffTicks, 360);
-  EXPECT_EQ(s.Outputs[0].HoldOffEvent, 1);
-  EXPECT_TRUE(s.OutputsDirty);
-  Ticks(360);
-  EXPECT_EQ(s.Outputs[0].HoldOffTicks, 0);
-  EXPECT_EQ(s.Outputs[0].HoldOffEvent, kNone);
-  EXPECT_EQ(Reports().size(), 1);
+const QString kOn = QStringLiteral("Studio A [0012] Monitoring enabled.");
+const QString kOff = QStringLiteral("Studio A [0012] Monitoring disabled.");
 
-  // Sunday evening: Monday's 06:00 comes next.
-  TickAt(At(6, "23:59:59"));
-  Ticks(4);
-  TickAt(At(7, "05:59:59"));
-  Ticks(2);
-  EXPECT_EQ(Reports().size(), 2);
-  EXPECT_TRUE(s.Outputs[0].MonitoringEnabled);
-}
-
-TEST_F(DueEvents, MissedByLessThanThreeMinutesStillRuns) {
-  SetEvents({Event("10:00:00", kEveryDay)});
-  StartAt(2, "09:59:59");
-  TickAt(At(2, "10:00:02"));
-  EXPECT_EQ(Reports().size(), 1) << "index 0, three seconds late";
-
-  // Restarted after the event: late by 2 minutes 58.5 seconds runs, by 3 minutes does not.
-  auto restartAt = [&](int day, const char* time) {
-    s.Outputs[0].HoldOffTicks = 0;
-    StartAt(day, time);
-    Ticks(1);
+// What runs, and at which second, as the clock moves: R<day>@<time> starts the program then,
+// <day>@<time> is one tick then, +<n> is n ticks of 500 ms.
+TEST_F(DueEvents, RunOnTimeOnceAndLateByLessThanThreeMinutes) {
+  const struct {
+    const char* why;
+    std::vector<ScheduledEvent> events;
+    const char* clock;
+    QStringList ran;  // time and report of each event run
+  } cases[] = {
+      {"at their second, once, and on from Sunday into Monday",
+       {Event("06:00:00", kEveryDay, true), Event("18:00:00", kEveryDay, false)},
+       "R2@17:59:58 +364 6@23:59:59 +4 7@05:59:59 +2",
+       {"18:00:00 - " + kOff, "06:00:00 - " + kOn}},
+      {"index 0 three seconds late, then after restarts 2:58 late but not 3:00",
+       {Event("10:00:00", kEveryDay)},
+       "R2@09:59:59 2@10:00:02 R3@10:02:58 +1 R4@10:03:00 +1",
+       {"10:00:02 - " + kOn, "10:02:58 - " + kOn}},
+      {"two events a minute apart both on time",
+       {Event("10:00:00", kEveryDay, true), Event("10:01:00", kEveryDay, false)},
+       "R2@09:59:58 +720",
+       {"10:00:00 - " + kOn, "10:01:00 - " + kOff}},
+      // 09:59:30 is left 3.5 minutes behind and is gone; the pair a minute apart runs late, in
+      // order, and the schedule goes on.
+      {"a five minute step forward",
+       {Event("09:59:30", kEveryDay, true), Event("10:01:00", kEveryDay, false),
+        Event("10:02:00", kEveryDay, true), Event("10:30:00", kEveryDay, false)},
+       "R2@09:58:59 +1 2@10:03:00 +1 2@10:29:59 +2",
+       {"10:03:00 - " + kOff, "10:03:00 - " + kOn, "10:30:00 - " + kOff}},
   };
-  restartAt(3, "10:02:58");
-  EXPECT_EQ(Reports().size(), 2);
-  restartAt(4, "10:03:00");
-  EXPECT_EQ(Reports().size(), 2);
-}
-
-TEST_F(DueEvents, TwoEventsAMinuteApartBothRunOnTime) {
-  SetEvents({Event("10:00:00", kEveryDay, true), Event("10:01:00", kEveryDay, false)});
-  StartAt(2, "09:59:58");
-  Ticks(6 * 120);
-  EXPECT_EQ(Reports(), (QStringList{QStringLiteral("Studio A [0012] Monitoring enabled."),
-                                    QStringLiteral("Studio A [0012] Monitoring disabled.")}));
-  EXPECT_TRUE(s.MessageRows[1].contains(QStringLiteral("10:01:00 - ")));
-  EXPECT_FALSE(s.Outputs[0].MonitoringEnabled);
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.why);
+    s.MessageRows.clear();
+    s.Outputs[0] = OutputEntry();
+    s.Outputs[0].Output = 12;
+    SetEvents(c.events);
+    for (const QString& move : QString::fromLatin1(c.clock).split(QLatin1Char(' '))) {
+      const QStringList at = move.mid(move.startsWith(QLatin1Char('R'))).split(QLatin1Char('@'));
+      if (move.startsWith(QLatin1Char('+'))) {
+        Ticks(move.mid(1).toInt());
+      } else if (move.startsWith(QLatin1Char('R'))) {
+        s.Outputs[0].HoldOffTicks = 0;
+        StartAt(at[0].toInt(), qPrintable(at[1]));
+      } else {
+        TickAt(At(at[0].toInt(), qPrintable(at[1])));
+      }
+    }
+    QStringList ran;
+    for (const QString& row : s.MessageRows) {
+      ran << row.section(QStringLiteral(" - "), 1);
+    }
+    EXPECT_EQ(ran, c.ran);
+  }
 }
 
 TEST_F(DueEvents, AWeekOfWeekdayAndWeekendEvents) {
@@ -82,7 +85,8 @@ TEST_F(DueEvents, AWeekOfWeekdayAndWeekendEvents) {
                                           "4 07:00:00,5 09:00:00,6 09:00:00,7 07:00:00"));
 }
 
-TEST_F(DueEvents, ShowModeLeavesEverythingAlone) {
+// In show mode the shows own the outputs: the schedule leaves everything alone.
+TEST_F(DueEvents, ReportLineNamesTheLabelAndTheNewSourceOutsideShowMode) {
   ScheduledEvent e = Event("10:00:00", kEveryDay, true);
   e.DisplayOption = 2;
   e.Label = QStringLiteral("Late Show   ");
@@ -92,23 +96,15 @@ TEST_F(DueEvents, ShowModeLeavesEverythingAlone) {
   s.ProgramMode = 1;
   StartAt(2, "09:59:59");
   Ticks(10);
-  const OutputEntry& o = s.Outputs[0];
-  EXPECT_EQ(o.NextEvent, 0);
-  EXPECT_EQ(o.HoldOffTicks, 0);
-  EXPECT_FALSE(o.MonitoringEnabled);
-  EXPECT_EQ(o.CustomLabel, QStringLiteral("None"));
+  EXPECT_EQ(s.Outputs[0].NextEvent, 0);
+  EXPECT_EQ(s.Outputs[0].HoldOffTicks, 0);
+  EXPECT_FALSE(s.Outputs[0].MonitoringEnabled);
+  EXPECT_EQ(s.Outputs[0].CustomLabel, QStringLiteral("None"));
   EXPECT_TRUE(link.wire.isEmpty());
   EXPECT_TRUE(s.MessageRows.isEmpty());
   EXPECT_FALSE(s.OutputsDirty);
-}
 
-TEST_F(DueEvents, ReportLineNamesTheLabelAndTheNewSource) {
-  ScheduledEvent e = Event("10:00:00", kEveryDay, true);
-  e.DisplayOption = 2;
-  e.Label = QStringLiteral("Late Show   ");
-  e.Connect = true;
-  e.Source = 5;
-  SetEvents({e});
+  s.ProgramMode = 0;
   StartAt(2, "09:59:59");
   link.wire.clear();
   Ticks(2);
@@ -160,7 +156,7 @@ TEST_F(DueEvents, RoutesNeedASourceAndALiveLink) {
   EXPECT_EQ(Reports().size(), 2);
   EXPECT_FALSE(Reports().join('\n').contains(QStringLiteral("Source")));
 
-  // Link down: the route waits for the next exchange.
+  // Link down: the route is held.
   OnClosed(s);
   s.MessageRows.clear();
   TickAt(At(2, "10:19:59"));
@@ -168,39 +164,30 @@ TEST_F(DueEvents, RoutesNeedASourceAndALiveLink) {
   EXPECT_EQ(Reports().last(), QStringLiteral("Out 0007 [0007] Monitoring enabled. Source: Line 12 "
                                              "[0012] (held until the switcher is connected)"));
   EXPECT_EQ(s.Outputs[0].PendingRouteSource, 12);
-  SendPendingRoutes(s);
-  EXPECT_EQ(s.Outputs[0].PendingRouteSource, 12);
   EXPECT_FALSE(InSilenceGrace(s, 6));
-
-  // A new connection sends nothing before its exchange completes.
-  OnConnected(s);
-  s.MessageRows.clear();
-  SendPendingRoutes(s);
-  EXPECT_TRUE(link.wire.isEmpty());
-  s.linkState.ExchangeComplete = true;
-  SendPendingRoutes(s);
-  SendPendingRoutes(s);
-  EXPECT_EQ(link.wire, Bytes({0xFE, 0x04, 0x00, 0x0B, 0x00, 0x06, 0x00, 0x15, 0xFF}));
-  EXPECT_EQ(
-      Reports(),
-      QStringList{QStringLiteral("Out 0007 [0007] Monitoring enabled. Source: Line 12 [0012]")});
-  EXPECT_EQ(s.Outputs[0].PendingRouteSource, kNone);
-  EXPECT_TRUE(InSilenceGrace(s, 6));
+  // Sent once the next exchange completes: the poll timer's tests follow it there.
 }
 
 TEST_F(DueEvents, ClockJumps) {
   SetEvents({Event("10:00:00", kEveryDay, true), Event("10:30:00", kEveryDay, false)});
   StartAt(2, "09:00:00");
-  auto jumpRecomputes = [&](int before, int now) {
-    s.Outputs[0].NextEvent = 1;
-    FollowClockJump(s, before, now);
-    return s.Outputs[0].NextEvent == 0;
+  // Minutes of the week before and after a tick; Wednesday 09:00 is minute 3420.
+  const struct {
+    const char* why;
+    int before, now;
+    bool recomputes;
+  } jumps[] = {
+      {"ten minutes forward", 3410, 3420, true},
+      {"three minutes forward", 3417, 3420, true},
+      {"two minutes forward is ordinary progress", 3418, 3420, false},
+      {"one minute back", 3421, 3420, true},
+      {"Sunday night into Monday", 10079, 0, false},
   };
-  const int nine = 2 * 1440 + 9 * 60;
-  EXPECT_TRUE(jumpRecomputes(nine - 3, nine));
-  EXPECT_FALSE(jumpRecomputes(nine - 2, nine));
-  EXPECT_TRUE(jumpRecomputes(nine + 1, nine));
-  EXPECT_FALSE(jumpRecomputes(10079, 0));
+  for (const auto& j : jumps) {
+    s.Outputs[0].NextEvent = 1;  // stale on purpose: a recomputation makes it 0
+    FollowClockJump(s, j.before, j.now);
+    EXPECT_EQ(s.Outputs[0].NextEvent == 0, j.recomputes) << j.why;
+  }
 
   // Set back by an hour after both ran: neither runs again, and tomorrow both do.
   TickAt(At(2, "09:59:59"));
@@ -219,26 +206,6 @@ TEST_F(DueEvents, ClockJumps) {
   TickAt(At(3, "09:59:59"));
   Ticks(2);
   EXPECT_EQ(Reports().size(), 3);
-}
-
-TEST_F(DueEvents, AForwardStepStillRunsWhatItLeftLessThanThreeMinutesBehind) {
-  SetEvents({Event("09:59:30", kEveryDay, true), Event("10:01:00", kEveryDay, false),
-             Event("10:02:00", kEveryDay, true), Event("10:30:00", kEveryDay, false)});
-  StartAt(2, "09:58:59");
-  Ticks(1);
-  TickAt(At(2, "10:03:00"));  // five minutes forward
-  Ticks(1);
-  TickAt(At(2, "10:29:59"));
-  Ticks(2);
-  QStringList ran;
-  for (const QString& row : s.MessageRows) {
-    ran << row.section(QStringLiteral(" - "), 1);
-  }
-  // 09:59:30 is left 3.5 minutes behind and is gone; the pair a minute apart runs late, in
-  // order, and the schedule goes on.
-  EXPECT_EQ(ran, (QStringList{QStringLiteral("10:03:00 - Studio A [0012] Monitoring disabled."),
-                              QStringLiteral("10:03:00 - Studio A [0012] Monitoring enabled."),
-                              QStringLiteral("10:30:00 - Studio A [0012] Monitoring disabled.")}));
 }
 
 TEST_F(DueEvents, OneBadEntryDoesNotStopTheOthers) {

@@ -5,49 +5,49 @@ namespace {
 
 using NextEvent = ScheduleTest;
 
-TEST_F(NextEvent, TwiceADayWrapsToTheFollowingMorning) {
-  SetEvents({Event("06:00:00", kEveryDay), Event("18:00:00", kEveryDay)});
-  StartAt(2, "12:00:00");
-  EXPECT_EQ(s.Outputs[0].NextEvent, 1);
-  StartAt(2, "17:59:59");
-  EXPECT_EQ(s.Outputs[0].NextEvent, 1);
-  StartAt(2, "18:00:00");
-  EXPECT_EQ(s.Outputs[0].NextEvent, 0) << "an event at the current second is not next";
-  StartAt(6, "18:00:00");
-  EXPECT_EQ(s.Outputs[0].NextEvent, 0) << "Sunday evening continues into Monday";
-}
-
-TEST_F(NextEvent, NearestFollowingDayRoundTheWeek) {
-  SetEvents({Event("09:00:00", kTuesday), Event("08:00:00", kFriday)});
-  const std::vector<std::pair<int, const char*>> times = {
-      {0, "20:00:00"}, {1, "09:00:01"}, {4, "07:59:59"}, {4, "08:00:00"}, {5, "12:00:00"}};
-  std::vector<int> next;
-  for (const auto& [day, time] : times) {
-    StartAt(day, time);
-    next.push_back(s.Outputs[0].NextEvent);
+TEST_F(NextEvent, IsTheNearestFollowingOccurrenceRoundTheWeek) {
+  const std::vector<ScheduledEvent> twiceADay = {Event("06:00:00", kEveryDay),
+                                                 Event("18:00:00", kEveryDay)};
+  const std::vector<ScheduledEvent> eveningFirst = {Event("18:00:00", kEveryDay),
+                                                    Event("06:00:00", kEveryDay)};
+  const std::vector<ScheduledEvent> tueFri = {Event("09:00:00", kTuesday),
+                                              Event("08:00:00", kFriday)};
+  const struct {
+    const char* why;
+    std::vector<ScheduledEvent> events;
+    int day;
+    const char* time;
+    int next;
+  } cases[] = {
+      {"midday", twiceADay, 2, "12:00:00", 1},
+      {"a second before", twiceADay, 2, "17:59:59", 1},
+      {"an event at the current second is not next", twiceADay, 2, "18:00:00", 0},
+      {"Sunday evening continues into Monday", twiceADay, 6, "18:00:00", 0},
+      {"Monday evening: Tuesday's", tueFri, 0, "20:00:00", 0},
+      {"Tuesday just after: Friday's", tueFri, 1, "09:00:01", 1},
+      {"Friday a second before", tueFri, 4, "07:59:59", 1},
+      {"Friday at its second: next Tuesday's", tueFri, 4, "08:00:00", 0},
+      {"Saturday: Tuesday's", tueFri, 5, "12:00:00", 0},
+      {"a weekly event past today is next week's",
+       {Event("06:00:00", kWednesday)},
+       2,
+       "12:00:00",
+       0},
+      {"no events", {}, 2, "12:00:00", kNone},
+      {"no day bit among the seven",
+       {Event("06:00:00", 0), Event("07:00:00", 0x80)},
+       2,
+       "12:00:00",
+       kNone},
+      {"earliest wins whatever the order, morning", eveningFirst, 2, "05:00:00", 1},
+      {"earliest wins whatever the order, evening", eveningFirst, 2, "19:00:00", 1},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.why);
+    SetEvents(c.events);
+    StartAt(c.day, c.time);
+    EXPECT_EQ(s.Outputs[0].NextEvent, c.next);
   }
-  EXPECT_EQ(next, (std::vector<int>{0, 1, 1, 0, 0}));
-
-  // A single weekly event already past today is next week's.
-  SetEvents({Event("06:00:00", kWednesday)});
-  StartAt(2, "12:00:00");
-  EXPECT_EQ(s.Outputs[0].NextEvent, 0);
-}
-
-TEST_F(NextEvent, NothingToRunIsNone) {
-  StartAt(2, "12:00:00");
-  EXPECT_EQ(s.Outputs[0].NextEvent, kNone) << "no events";
-  SetEvents({Event("06:00:00", 0), Event("07:00:00", 0x80)});
-  StartAt(2, "12:00:00");
-  EXPECT_EQ(s.Outputs[0].NextEvent, kNone) << "no day bit among the seven";
-}
-
-TEST_F(NextEvent, EarliestTimeWinsWhateverTheOrder) {
-  SetEvents({Event("18:00:00", kEveryDay), Event("06:00:00", kEveryDay)});
-  StartAt(2, "05:00:00");
-  EXPECT_EQ(s.Outputs[0].NextEvent, 1);
-  StartAt(2, "19:00:00");
-  EXPECT_EQ(s.Outputs[0].NextEvent, 1);
 }
 
 TEST_F(NextEvent, OnlyLoadedPanelsAndUnreadableEntriesAreSafe) {

@@ -87,17 +87,11 @@ TEST_F(ShowActivity, RequiredOutputsKeepTheirHighestNeed) {
 }
 
 TEST_F(ShowActivity, ATickWithoutChangeTouchesNothing) {
-  AddShow(QStringLiteral("Morning"), 5);
-  GetActiveShows(s);
-  EXPECT_EQ(Wire(), test::kRoute5To10 + test::kConfig10);
+  Steps("HMorning/5/14:00:00 G =C10");
   s.panels.shows.at(0).nameText = QStringLiteral("untouched");
-  At(QTime(12, 15, 1));
-  GetActiveShows(s);
-  EXPECT_TRUE(Wire().isEmpty());
+  Steps("@12:15:01 G =-");
   EXPECT_EQ(s.panels.shows[0].nameText, QStringLiteral("untouched"));
-  At(QTime(14, 0, 1));
-  GetActiveShows(s);
-  EXPECT_EQ(Wire(), test::kPark10);
+  Steps("@14:00:01 G =P10");
   EXPECT_EQ(s.ShowPanelsLoaded, 0);
 }
 

@@ -2,37 +2,47 @@
 
 #include <QByteArray>
 #include <QStringList>
+#include <QTime>
 #include <utility>
 
-#include "monitor/loss_alarm.h"
+#include "monitor/monitor_fixture.h"
 #include "monitor/poll_tick.h"
+#include "shows/show_activity.h"
 #include "shows/shows_pass.h"
-#include "support/fake_link.h"
-#include "support/switcher_bytes.h"
-#include "support/temp_state.h"
-#include "switcher/link.h"
+#include "ui/show_editor_rules.h"
 
 namespace zrn::test {
+
+// Literal frames used across the show tests.
+// Input 5 routed to output 10, input 7 to output 11 (0-based), and output 10 parked.
+inline const QByteArray kRoute5To10 = Bytes({0xFE, 0x04, 0x00, 0x05, 0x00, 0x0A, 0x00, 0x13, 0xFF});
+inline const QByteArray kRoute7To11 = Bytes({0xFE, 0x04, 0x00, 0x07, 0x00, 0x0B, 0x00, 0x16, 0xFF});
+inline const QByteArray kPark10 = Bytes({0xFE, 0x00, 0x00, 0x7F, 0x7F, 0x0A, 0x00, 0x08, 0xFF});
+inline const QByteArray kPark11 = Bytes({0xFE, 0x00, 0x00, 0x7F, 0x7F, 0x0B, 0x00, 0x09, 0xFF});
+// Show detector settings (mode 265, level 824, 8 s, 5 s) on outputs 10 and 11.
+inline const QByteArray kConfig10 =
+    Bytes({0xCB, 0x00, 0x01, 0x00, 0x0A, 0x00, 0x09, 0x02, 0x7F, 0x7F, 0x38,
+           0x06, 0x08, 0x00, 0x05, 0x00, 0x00, 0x08, 0x00, 0x00, 0x67, 0xFF});
+inline const QByteArray kConfig11 =
+    Bytes({0xCB, 0x00, 0x01, 0x00, 0x0B, 0x00, 0x09, 0x02, 0x7F, 0x7F, 0x38,
+           0x06, 0x08, 0x00, 0x05, 0x00, 0x00, 0x08, 0x00, 0x00, 0x68, 0xFF});
 
 // Show mode on a live link whose exchange is complete: silence-detect outputs 10, 11 and 12
 // free to borrow, relay 3 of four as the alarm relay, every detector reporting audio, Monday
 // 16 November 2026 at 12:15:00.
-class ShowsTest : public TempStateTest {
+class ShowsTest : public LinkedStateTest {
  protected:
   void SetUp() override {
-    TempStateTest::SetUp();
-    s.link = &link;
-    OnConnected(s);
-    s.linkState.ExchangeComplete = true;
+    LinkedStateTest::SetUp();
     s.ProgramMode = 1;
-    s.SwitcherRelayCount = 4;
-    s.RelayStates.assign(4, 0);
-    s.AlarmRelay = 3;
     SetSilenceOuts({10, 11, 12});
     s.Shows.clear();
     s.ShowCount = 0;
     At(QTime(12, 15, 0));
     link.wire.clear();
+    frames[QStringLiteral("C10")] = kRoute5To10 + kConfig10;
+    frames[QStringLiteral("C10L")] = kRoute5To10 + kConfig10 + kLatch3;
+    frames[QStringLiteral("P10")] = kPark10;
   }
 
   void SetSilenceOuts(std::initializer_list<int> outputs) {
@@ -82,7 +92,7 @@ class ShowsTest : public TempStateTest {
     RefreshClock(s);
   }
   // The alarm side of a poll tick, then the show pass.
-  void Tick() {
+  void Tick() override {
     BeginRelayTick(s);
     LossAlarmTick(s);
     ShowsPass(s);
@@ -92,42 +102,72 @@ class ShowsTest : public TempStateTest {
     s.SilenceStatus[output].Status = status;
     EndSilenceGrace(s, output);
   }
-  void ReportRelay(qint16 state) {
-    s.RelayStates[2] = state;
-    RelayStatesReported(s);
-  }
-  QByteArray Wire() { return std::exchange(link.wire, QByteArray()); }
-  // Messages of the activity log after its header, without their stamps.
-  QStringList Activity() const {
-    QStringList out;
-    const QStringList lines =
-        QString::fromUtf8(ReadAll(QStringLiteral("EventLog.txt"))).split(QStringLiteral("\r\n"));
-    for (const QString& line : lines.mid(lines.indexOf(QString(80, QLatin1Char('-'))) + 1)) {
-      if (!line.isEmpty() && !line.contains(QStringLiteral("Server Module"))) {
-        out << line.mid(55);
-      }
-    }
-    return out;
-  }
   Rgb Indicator(int panel) const { return s.panels.shows.at(panel).indicatorColour; }
 
-  FakeLink link;
+  // Show steps besides the alarm steps:
+  //   H<name>/<downlink>/<end>  a show on air from 12:00:00      N  "Morning" on air, past its
+  //   grace D<status> E<status>  output 10 / 11 reports        @<time>  the clock is set, read >n
+  //   n times a second passes and a tick runs       G Q  the shows looked up / shows pass W
+  //   switcher output 1 watched for the output alarm        M<mode>  the program mode X    the link
+  //   drops      Y  it is back, its exchange complete, the monitors sent again Z    Show Setup
+  //   confirmed with no shows            =C10 =P10  output 10 routed / parked
+  bool MoreSteps(char step, const QString& rest) override {
+    const QStringList show = rest.split(QLatin1Char('/'));
+    switch (step) {
+      case 'H':
+        AddShow(show[0], static_cast<qint16>(show[1].toInt()), {},
+                show.value(3, QStringLiteral("12:00:00")), show[2]);
+        return true;
+      case 'K':
+        s.CrosspointMap[10].SourceCount = 1;
+        s.CrosspointMap[10].Sources[0] = 5;
+        return true;
+      case 'U':
+        ReplaceShows(s, s.Shows);
+        return true;
+      case 'N':
+        Steps("HMorning/5/14:00:00 t D0 t _");
+        return true;
+      case 'D':
+      case 'E':
+        Report(step == 'D' ? 10 : 11, static_cast<quint8>(rest.toInt()));
+        return true;
+      case '@':
+        At(QTime::fromString(rest, QStringLiteral("HH:mm:ss")));
+        return true;
+      case '>':
+        for (int i = 0; i < rest.toInt(); ++i) {
+          clock.AdvanceSeconds(1);
+          RefreshClock(s);
+          Tick();
+        }
+        return true;
+      case 'G':
+        GetActiveShows(s);
+        return true;
+      case 'Q':
+        ShowsPass(s);
+        return true;
+      case 'W':
+        Watch(1, 0x109);
+        return true;
+      case 'M':
+        s.ProgramMode = static_cast<qint16>(rest.toInt());
+        return true;
+      case 'X':
+        CloseSwitcherLink(s);
+        return true;
+      case 'Y':
+        OnConnected(s);
+        s.linkState.ExchangeComplete = true;
+        ResendShowMonitors(s);
+        return true;
+      case 'Z':
+        ReplaceShows(s, {});
+        return true;
+    }
+    return false;
+  }
 };
-
-// Literal frames used across the show tests.
-inline const QByteArray kLatch3 = Bytes({0xFE, 0x44, 0x00, 0x00, 0x00, 0x02, 0x00, 0x46, 0xFF});
-inline const QByteArray kRelease3 = Bytes({0xFE, 0x40, 0x00, 0x00, 0x00, 0x02, 0x00, 0x42, 0xFF});
-// Input 5 routed to output 10, input 7 to output 11 (0-based), and output 10 parked.
-inline const QByteArray kRoute5To10 = Bytes({0xFE, 0x04, 0x00, 0x05, 0x00, 0x0A, 0x00, 0x13, 0xFF});
-inline const QByteArray kRoute7To11 = Bytes({0xFE, 0x04, 0x00, 0x07, 0x00, 0x0B, 0x00, 0x16, 0xFF});
-inline const QByteArray kPark10 = Bytes({0xFE, 0x00, 0x00, 0x7F, 0x7F, 0x0A, 0x00, 0x08, 0xFF});
-inline const QByteArray kPark11 = Bytes({0xFE, 0x00, 0x00, 0x7F, 0x7F, 0x0B, 0x00, 0x09, 0xFF});
-// Show detector settings (mode 265, level 824, 8 s, 5 s) on outputs 10 and 11.
-inline const QByteArray kConfig10 =
-    Bytes({0xCB, 0x00, 0x01, 0x00, 0x0A, 0x00, 0x09, 0x02, 0x7F, 0x7F, 0x38,
-           0x06, 0x08, 0x00, 0x05, 0x00, 0x00, 0x08, 0x00, 0x00, 0x67, 0xFF});
-inline const QByteArray kConfig11 =
-    Bytes({0xCB, 0x00, 0x01, 0x00, 0x0B, 0x00, 0x09, 0x02, 0x7F, 0x7F, 0x38,
-           0x06, 0x08, 0x00, 0x05, 0x00, 0x00, 0x08, 0x00, 0x00, 0x68, 0xFF});
 
 }  // namespace zrn::test

@@ -36,46 +36,41 @@ class ShowPanels : public TempStateTest {
   const ShowPanelModel& Panel(int i) const { return s.panels.shows.at(i); }
 };
 
-TEST_F(ShowPanels, ThreeShowsStandInOneRow) {
-  Activate(3);
-  EXPECT_EQ(s.ShowPanelsLoaded, 3);
-  ASSERT_EQ(s.panels.shows.size(), 3u);
-  EXPECT_EQ(Panel(0).frame, (Rect{1080, 240, 1740, 1680}));
-  EXPECT_EQ(Panel(1).frame, (Rect{2920, 240, 1740, 1680}));
-  EXPECT_EQ(Panel(2).frame, (Rect{4760, 240, 1740, 1680}));
-  EXPECT_EQ(Panel(2).nameText, QStringLiteral("Show C"));
+// Six a row, 1840 apart, rows 1680 apart, on past the fourth row; a shrinking list keeps the
+// panels that stay where they were.
+TEST_F(ShowPanels, FramesFollowTheGridAsTheListGrowsAndShrinks) {
+  const struct {
+    int active, panel;
+    Rect frame;
+  } cases[] = {
+      {3, 0, {1080, 240, 1740, 1680}},    {3, 1, {2920, 240, 1740, 1680}},
+      {3, 2, {4760, 240, 1740, 1680}},    {7, 6, {1080, 1920, 1740, 1680}},
+      {2, 1, {2920, 240, 1740, 1680}},    {26, 24, {1080, 6960, 1740, 1680}},
+      {26, 25, {2920, 6960, 1740, 1680}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.active << " on air, panel " << c.panel);
+    Activate(c.active);
+    EXPECT_EQ(s.ShowPanelsLoaded, c.active);
+    ASSERT_EQ(s.panels.shows.size(), static_cast<size_t>(c.active));
+    EXPECT_EQ(Panel(c.panel).frame, c.frame);
+    EXPECT_TRUE(Panel(c.panel).visible);
+    EXPECT_EQ(Panel(c.panel).nameText, QStringLiteral("Show %1").arg(QChar('A' + c.panel)));
+  }
   EXPECT_EQ(Panel(2).outputsText, QStringLiteral("Out 0003"));
   EXPECT_EQ(Panel(2).sourceText, QStringLiteral("Sat 3"));
-  EXPECT_TRUE(Panel(2).visible);
-}
-
-TEST_F(ShowPanels, SevenThenTwo) {
-  Activate(7);
-  EXPECT_EQ(Panel(6).frame, (Rect{1080, 1920, 1740, 1680})) << "below the first";
   EXPECT_EQ(Panel(6).name.left, 120);
-  Activate(2);
-  EXPECT_EQ(s.ShowPanelsLoaded, 2);
-  ASSERT_EQ(s.panels.shows.size(), 2u);
-  EXPECT_EQ(Panel(1).frame, (Rect{2920, 240, 1740, 1680}));
 
   Activate(0);
   EXPECT_EQ(s.ShowPanelsLoaded, 0);
   ASSERT_EQ(s.panels.shows.size(), 1u);
   EXPECT_FALSE(Panel(0).visible);
-}
 
-TEST_F(ShowPanels, PanelsGoOnPastTheFourthRow) {
+  // The name moves left as the number before it grows a digit.
   LoadShowStatus(s, 10);
   EXPECT_EQ(Panel(9).nameText, QStringLiteral("Show 10"));
   EXPECT_EQ(Panel(9).name.left, 80);
   EXPECT_EQ(Panel(8).name.left, 120);
-
-  Activate(26);
-  ASSERT_EQ(s.panels.shows.size(), 26u);
-  EXPECT_EQ(Panel(24).frame, (Rect{1080, 6960, 1740, 1680}));
-  EXPECT_EQ(Panel(25).frame, (Rect{2920, 6960, 1740, 1680}));
-  EXPECT_EQ(Panel(25).nameText, QStringLiteral("Show Z"));
-  EXPECT_TRUE(Panel(25).visible);
 }
 
 TEST_F(ShowPanels, OutputAndSourceTexts) {

@@ -1,11 +1,9 @@
 #include <QCheckBox>
 #include <QLabel>
-#include <QPushButton>
-#include <QTest>
-#include <QTimer>
 
 #include "show_fixture.h"
 #include "shows/show_status.h"
+#include "support/person.h"
 #include "support/scripted_prompt.h"
 #include "ui/show_silence_status_dialog.h"
 
@@ -40,15 +38,13 @@ class ShowStatusWindow : public test::ShowsTest {
   }
   void Open() {
     dialog = std::make_unique<ShowSilenceStatusDialog>(s, 0);
-    dialog->show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(dialog.get()));
+    person.Open(*dialog);
   }
-  QCheckBox* Box(int k) const {
-    return dialog->findChild<QCheckBox*>(QStringLiteral("chkSource%1").arg(k));
+  // A studio's box, found by the studio's name.
+  QAbstractButton* Box(const char* caption) const {
+    return qobject_cast<QAbstractButton*>(person.Find(QLatin1String(caption)));
   }
-  void Click(const char* name) {
-    QTest::mouseClick(dialog->findChild<QPushButton*>(QLatin1String(name)), Qt::LeftButton);
-  }
+  void Click(const char* caption) { person.Click(QLatin1String(caption)); }
   static Rgb TextColour(const QWidget* widget) {
     const QColor c = widget->palette().color(QPalette::WindowText);
     return {c.red(), c.green(), c.blue()};
@@ -56,6 +52,7 @@ class ShowStatusWindow : public test::ShowsTest {
   QStringList TakeLines() const { return Activity().filter(QStringLiteral("Show Source Change")); }
 
   test::ScriptedPrompt prompt;
+  test::Person person;
   std::unique_ptr<ShowSilenceStatusDialog> dialog;
 };
 
@@ -63,9 +60,9 @@ TEST_F(ShowStatusWindow, TakeSendsTheChosenSourceInOutputOrder) {
   Open();
   EXPECT_TRUE(s.ShowStatusOpen);
   EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Show Silence Status"));
-  QTest::mouseClick(Box(1), Qt::LeftButton, {}, QPoint(8, Box(1)->height() / 2));
-  ASSERT_TRUE(Box(1)->isChecked());
-  Click("cmdTake");
+  Click("Studio B");
+  ASSERT_TRUE(Box("Studio B")->isChecked());
+  Click("Take Selected");
   EXPECT_EQ(Wire(), Bytes({0xFE, 0x04, 0x00, 0x1E, 0x00, 0x28, 0x00, 0x4A, 0xFF,     // 31 to 41
                            0xFE, 0x04, 0x00, 0x1F, 0x00, 0x29, 0x00, 0x4C, 0xFF,     // 32 to 42
                            0xFE, 0x04, 0x00, 0x1E, 0x00, 0x32, 0x00, 0x54, 0xFF,     // 31 to 51
@@ -99,16 +96,17 @@ TEST_F(ShowStatusWindow, UndefinedChannelsAreNeverSent) {
   EXPECT_FALSE(CanTakeStudioSource(s, 4, 0));
 
   Open();
-  EXPECT_FALSE(Box(2)->isEnabled());
-  EXPECT_EQ(Box(2)->text(), QStringLiteral("Not specified"));
-  QTest::mouseClick(Box(2), Qt::LeftButton, {}, QPoint(8, Box(2)->height() / 2));
-  EXPECT_FALSE(Box(2)->isChecked());
-  Click("cmdTake");
+  QAbstractButton* unspecified = Box("Not specified");
+  ASSERT_NE(unspecified, nullptr);
+  EXPECT_FALSE(unspecified->isEnabled());
+  QTest::mouseClick(unspecified, Qt::LeftButton, {}, QPoint(8, unspecified->height() / 2));
+  EXPECT_FALSE(unspecified->isChecked());
+  Click("Take Selected");
   EXPECT_EQ(prompt.informed, QStringList{QStringLiteral("No Studio Source Selected")});
   EXPECT_EQ(prompt.titles, QStringList{QStringLiteral("Selection Error")});
   EXPECT_TRUE(Wire().isEmpty());
-  QTest::mouseClick(Box(0), Qt::LeftButton, {}, QPoint(8, Box(0)->height() / 2));
-  Click("cmdTake");
+  Click("Studio A");
+  Click("Take Selected");
   EXPECT_EQ(Wire(), Bytes({0xFE, 0x04, 0x00, 0x14, 0x00, 0x28, 0x00, 0x40, 0xFF,     // 21 to 41
                            0xFE, 0x04, 0x00, 0x17, 0x00, 0x3C, 0x00, 0x57, 0xFF}));  // 24 to 61
   EXPECT_EQ(TakeLines().size(), 2);
@@ -123,18 +121,19 @@ TEST_F(ShowStatusWindow, UndefinedChannelsAreNeverSent) {
 
 TEST_F(ShowStatusWindow, OneBoxAtATimeEachPitchedBelowTheLast) {
   Open();
-  ASSERT_NE(Box(2), nullptr);
-  EXPECT_EQ(Box(3), nullptr);
-  EXPECT_EQ(Box(0)->text(), QStringLiteral("Studio A"));
-  EXPECT_EQ(Box(1)->y() - Box(0)->y(), 21) << "320 twips";
-  EXPECT_EQ(Box(2)->y() - Box(0)->y(), 43) << "640 twips";
-  QTest::mouseClick(Box(0), Qt::LeftButton, {}, QPoint(8, Box(0)->height() / 2));
-  QTest::mouseClick(Box(1), Qt::LeftButton, {}, QPoint(8, Box(1)->height() / 2));
-  EXPECT_FALSE(Box(0)->isChecked());
-  EXPECT_TRUE(Box(1)->isChecked());
-  QTest::mouseClick(Box(0), Qt::LeftButton, {}, QPoint(8, Box(0)->height() / 2));
-  EXPECT_TRUE(Box(0)->isChecked());
-  EXPECT_FALSE(Box(1)->isChecked());
+  EXPECT_EQ(dialog->findChildren<QCheckBox*>().size(), 3);
+  QAbstractButton* a = Box("Studio A");
+  QAbstractButton* b = Box("Studio B");
+  ASSERT_TRUE(a != nullptr && b != nullptr);
+  EXPECT_EQ(b->y() - a->y(), 21) << "320 twips";
+  EXPECT_EQ(Box("Not specified")->y() - a->y(), 43) << "640 twips";
+  Click("Studio A");
+  Click("Studio B");
+  EXPECT_FALSE(a->isChecked());
+  EXPECT_TRUE(b->isChecked());
+  Click("Studio A");
+  EXPECT_TRUE(a->isChecked());
+  EXPECT_FALSE(b->isChecked());
 }
 
 TEST_F(ShowStatusWindow, ColoursFollowTheMonitors) {
@@ -154,8 +153,8 @@ TEST_F(ShowStatusWindow, ColoursFollowTheMonitors) {
     Report(11, c.studioA);
     dialog->Refresh();
     EXPECT_EQ(TextColour(title), c.title) << int(c.downlink);
-    EXPECT_EQ(TextColour(Box(0)), c.boxA) << int(c.studioA);
-    EXPECT_EQ(TextColour(Box(1)), kLampGrey) << "no monitor";
+    EXPECT_EQ(TextColour(Box("Studio A")), c.boxA) << int(c.studioA);
+    EXPECT_EQ(TextColour(Box("Studio B")), kLampGrey) << "no monitor";
   }
   EXPECT_EQ(s.Shows[0].StudioLeft[0].Status, 3);
 
@@ -164,12 +163,12 @@ TEST_F(ShowStatusWindow, ColoursFollowTheMonitors) {
   Report(10, 1);
   dialog->Refresh();
   EXPECT_EQ(TextColour(title), kLampRed);
-  EXPECT_EQ(TextColour(Box(0)), kLampGrey);
+  EXPECT_EQ(TextColour(Box("Studio A")), kLampGrey);
 }
 
 TEST_F(ShowStatusWindow, TheWindowClosesWithItsShowOrItsButton) {
   Open();
-  Click("CmdClose");
+  Click("Close");
   EXPECT_FALSE(dialog->isVisible());
   EXPECT_FALSE(s.ShowStatusOpen);
 

@@ -17,26 +17,45 @@ const QString kOn = QStringLiteral("Loss Alarm Report On");
 const QString kOff = QStringLiteral("Loss Alarm Report Off");
 const QString kCanceled = QStringLiteral("Loss Alarm Report Canceled");
 
-class ShowsPassTest : public test::ShowsTest {
- protected:
-  // The show on air with its monitor past its grace, the downlink reporting audio.
-  void StartMorning() {
-    AddShow(QStringLiteral("Morning"), 5);
-    Tick();
-    Report(10, 0);
-    Tick();
-    Wire();
-  }
-  // One watched output (switcher output 1) with detection on, for the output alarm.
-  void WatchOutputOne() {
-    s.Outputs.assign(1, OutputEntry());
-    s.OutputCount = 1;
-    s.Outputs[0].Output = 1;
-    s.Outputs[0].MonitoringEnabled = true;
-    s.SilenceStatus[0].Mode = 0x109;
-    UpdateOutputs(s);
-  }
+const QString kMorningOn = QStringLiteral("Morning Silence Alarm Status ON!");
+const QString kMorningOff = QStringLiteral("Morning Silence Alarm Status OFF!");
+
+struct Scenario {
+  const char* name;
+  const char* steps;
+  QStringList log;  // the activity log afterwards
 };
+void PrintTo(const Scenario& scenario, std::ostream* os) {
+  *os << scenario.name;
+}
+
+const Scenario kScenarios[] = {
+    {"the latch is repeated until reported and a cancel lasts until the next change",
+     "N D1 t =L t =L t =L #ir r1 t t =- c =R r0 t t =- #ir D0 t D1 t =L r1 D0 t =R",
+     {kMorningOn, kOn, kCanceled, kMorningOff, kMorningOn, kOn, kMorningOff, kOff}},
+    {"a peak on a silent downlink keeps the cancel",
+     "N D1 t r1 c r0 _ D3 t D1 t D3 t D1 t =-",
+     {kMorningOn, kOn, kCanceled, kMorningOff, kMorningOn, kMorningOff, kMorningOn}},
+    // Show mode: the show alarm holds the relay while a watched output's silence comes and goes,
+    // and a silent watched output does not hold it once the show's alarm is over. Output mode:
+    // the shows give back their outputs, none starts, and the show pass leaves the output
+    // alarm's relay alone.
+    {"each mode keeps its own alarm on the relay",
+     "W N D1 t =L r1 s0 t a0 t s0 t =- D0 t =R r0 a0 M0 u t =P10 s0 =L r1 D1 t t t =- a0 =R",
+     {kMorningOn, kOn, kMorningOff, kOff, kOn, kOff}},
+};
+
+class ShowsPassTest : public test::ShowsTest, public testing::WithParamInterface<Scenario> {};
+
+TEST_P(ShowsPassTest, Scenario) {
+  Steps(GetParam().steps);
+  EXPECT_EQ(Activity(), GetParam().log);
+}
+
+INSTANTIATE_TEST_SUITE_P(Steps, ShowsPassTest, testing::ValuesIn(kScenarios),
+                         [](const testing::TestParamInfo<Scenario>& info) {
+                           return test::CamelCase(info.param.name);
+                         });
 
 TEST_F(ShowsPassTest, ShowsWaitForALiveCompleteLink) {
   AddShow(QStringLiteral("Morning"), 5);
@@ -99,118 +118,21 @@ TEST_F(ShowsPassTest, MonitorsAreSentAgainAfterEachCompletedExchange) {
   EXPECT_TRUE(Wire().isEmpty());
 }
 
-TEST_F(ShowsPassTest, TheLatchIsRepeatedUntilReportedAndACancelLastsUntilTheNextChange) {
-  StartMorning();
-  Report(10, 1);
-  for (int tick = 0; tick < 3; ++tick) {
-    Tick();
-    EXPECT_EQ(Wire(), kLatch3) << tick;
-  }
-  EXPECT_EQ(Indicator(0), kLampRed);
-  ReportRelay(1);
-  Tick();
-  Tick();
-  EXPECT_TRUE(Wire().isEmpty());
-  EXPECT_EQ(Activity().last(), kOn);
-
-  cmdCancel_Click(s);
-  EXPECT_EQ(Wire(), kRelease3);
-  EXPECT_TRUE(s.Shows[0].AlarmCanceled);
-  ReportRelay(0);
-  Tick();
-  Tick();
-  EXPECT_TRUE(Wire().isEmpty()) << "a cancelled show stays off the relay";
-  EXPECT_EQ(Indicator(0), kLampRed);
-
-  // Audio comes back and goes again: the cancel is over.
-  Report(10, 0);
-  Tick();
-  EXPECT_FALSE(s.Shows[0].AlarmCanceled);
-  Report(10, 1);
-  Tick();
-  EXPECT_EQ(Wire(), kLatch3);
-  ReportRelay(1);
-  Report(10, 0);
-  Tick();
-  EXPECT_EQ(Wire(), kRelease3);
-  // The log names the show whose downlink went silent.
-  const QString on = QStringLiteral("Morning Silence Alarm Status ON!");
-  const QString off = QStringLiteral("Morning Silence Alarm Status OFF!");
-  EXPECT_EQ(Activity(), (QStringList{on, kOn, kCanceled, off, on, kOn, off, kOff}));
-}
-
 // A show monitor routed again to the source it already carries (a re-send after a drop, Show
 // Setup OK, the next show on the same downlink) is no change: no grace, no park, and the live
 // alarm holds the relay throughout.
 TEST_F(ShowsPassTest, ALiveShowAlarmStandsWhenItsMonitorIsRoutedAgainToTheSameSource) {
-  AddShow(QStringLiteral("Morning"), 5);
-  const int evening = AddShow(QStringLiteral("Evening"), 5, {}, QStringLiteral("14:00:01"),
-                              QStringLiteral("16:00:00"));
-  Tick();
-  Report(10, 0);
-  s.CrosspointMap[10].SourceCount = 1;
-  s.CrosspointMap[10].Sources[0] = 5;
-  Report(10, 1);
-  Tick();
-  EXPECT_EQ(Wire(), kRoute5To10 + kConfig10 + kLatch3);
-  ReportRelay(1);
-
-  auto holds = [&](const char* what) {
-    for (int tick = 0; tick < 3; ++tick) {
-      Tick();
-    }
-    EXPECT_FALSE(Wire().contains(kRelease3)) << what;
-    EXPECT_FALSE(Activity().contains(kOff)) << what;
-    EXPECT_EQ(Indicator(0), kLampRed) << what;
-  };
-  CloseSwitcherLink(s);
-  Tick();
-  OnConnected(s);
-  s.linkState.ExchangeComplete = true;
-  ResendShowMonitors(s);
-  EXPECT_EQ(Wire(), kRoute5To10 + kConfig10);
-  holds("after a reconnection");
-
-  ReplaceShows(s, s.Shows);
-  EXPECT_FALSE(Wire().contains(kPark10));
-  holds("after Show Setup OK");
-
-  At(QTime(14, 0, 1));
-  Tick();
-  EXPECT_FALSE(Wire().contains(kPark10)) << "handed over, not parked";
-  EXPECT_EQ(s.ActiveShows, std::vector<qint16>{static_cast<qint16>(evening)});
-  holds("after the handover");
-  EXPECT_EQ(Activity().count(kOn), 1);
-  EXPECT_EQ(Activity().filter(QStringLiteral("Silence Alarm Status ON!")),
-            (QStringList{"Morning Silence Alarm Status ON!", "Evening Silence Alarm Status ON!"}));
+  Steps(
+      "HMorning/5/14:00:00 HEvening/5/16:00:00/14:00:01 t D0 K D1 t =C10L r1 t t t =- #ir "
+      "X t Y =C10 t t t =- #ir U =C10 t t t =- #ir @14:00:01 t =C10 t t =- #ir");
+  EXPECT_EQ(s.ActiveShows, std::vector<qint16>{1});
+  EXPECT_EQ(Activity(), (QStringList{kMorningOn, kOn, "Evening Silence Alarm Status ON!"}));
 }
 
 // What the switcher must still be told after an outage: a show that ended meanwhile is parked,
-// not routed again; a park refused on the dead link goes out once the link is back.
+// not routed again; a park refused on the dead link goes out once the link is back, once.
 TEST_F(ShowsPassTest, ParksOwedDuringAnOutageGoOutOnTheNextExchange) {
-  AddShow(QStringLiteral("Morning"), 5);
-  Tick();
-  Wire();
-  CloseSwitcherLink(s);
-  At(QTime(14, 0, 30));
-  OnConnected(s);
-  s.linkState.ExchangeComplete = true;
-  ResendShowMonitors(s);
-  EXPECT_EQ(Wire(), kPark10);
-  EXPECT_EQ(s.ActiveShowCount, 0);
-
-  At(QTime(12, 15, 0));
-  Tick();
-  Wire();
-  CloseSwitcherLink(s);
-  ReplaceShows(s, {});
-  EXPECT_TRUE(Wire().isEmpty());
-  OnConnected(s);
-  s.linkState.ExchangeComplete = true;
-  ResendShowMonitors(s);
-  EXPECT_EQ(Wire(), kPark10);
-  ResendShowMonitors(s);
-  EXPECT_TRUE(Wire().isEmpty()) << "owed once";
+  Steps("HMorning/5/14:00:00 t _ X @14:00:30 Y =P10 @12:15:00 t _ X Z =- Y =P10 Y =-");
 }
 
 // Two shows share a monitor; when the one that set it up ends, the other's own detector
@@ -228,68 +150,6 @@ TEST_F(ShowsPassTest, ASharedMonitorTakesTheSettingsOfTheShowThatKeepsIt) {
   EXPECT_FALSE(sent.contains(kPark10));
   EXPECT_EQ(s.SilenceOuts[0].Show, brunch);
   EXPECT_EQ(s.SilenceOuts[0].DetectLevel, 804);
-}
-
-// A peak appearing or fading on a silent downlink keeps the show's cancel in force.
-TEST_F(ShowsPassTest, APeakOnASilentDownlinkKeepsTheCancel) {
-  StartMorning();
-  Report(10, 1);
-  Tick();
-  ReportRelay(1);
-  cmdCancel_Click(s);
-  ReportRelay(0);
-  Wire();
-  for (quint8 status : {3, 1, 3, 1}) {
-    Report(10, status);
-    Tick();
-  }
-  EXPECT_TRUE(s.Shows[0].AlarmCanceled);
-  EXPECT_FALSE(Wire().contains(kLatch3));
-}
-
-TEST_F(ShowsPassTest, EachModeKeepsItsOwnAlarmOnTheRelay) {
-  WatchOutputOne();
-  StartMorning();
-
-  // Show mode: the show alarm holds the relay while a watched output's silence comes and goes,
-  // and a silent watched output does not hold it once the show's alarm is over.
-  Report(10, 1);
-  Tick();
-  EXPECT_EQ(Wire(), kLatch3);
-  ReportRelay(1);
-  for (quint8 status : {1, 0, 1}) {
-    s.SilenceStatus[0].Status = status;
-    UpdateStatus(s);
-    Tick();
-  }
-  EXPECT_TRUE(Wire().isEmpty());
-  Report(10, 0);
-  Tick();
-  EXPECT_EQ(Wire(), kRelease3);
-  ReportRelay(0);
-  s.SilenceStatus[0].Status = 0;
-  UpdateStatus(s);
-
-  // Output mode: the shows give back their outputs, and the show pass leaves the output alarm's
-  // relay alone.
-  s.ProgramMode = 0;
-  UpdateOutputs(s);
-  Tick();
-  EXPECT_EQ(Wire(), kPark10);
-  EXPECT_EQ(s.ActiveShowCount, 0);
-  s.SilenceStatus[0].Status = 1;
-  UpdateStatus(s);
-  EXPECT_EQ(Wire(), kLatch3);
-  ReportRelay(1);
-  Report(10, 1);
-  for (int tick = 0; tick < 3; ++tick) {
-    Tick();
-  }
-  EXPECT_TRUE(Wire().isEmpty());
-  EXPECT_EQ(s.ActiveShowCount, 0) << "no show is started outside show mode";
-  s.SilenceStatus[0].Status = 0;
-  UpdateStatus(s);
-  EXPECT_EQ(Wire(), kRelease3);
 }
 
 TEST_F(ShowsPassTest, TheOpenStatusWindowsSourcesAreRefreshedEachTick) {
