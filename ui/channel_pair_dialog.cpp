@@ -10,8 +10,8 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include "core/discard_changes.h"
 #include "storage/logs.h"
-#include "ui/discard_changes.h"
 #include "ui/typed_channel_list.h"
 
 namespace zrn {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "core/state.h"
-#include "ui/channel_pair_rules.h"
+#include "monitor/channel_pair_rules.h"
 #include "ui/message_box_prompt.h"
 
 class QComboBox;

@@ -7,8 +7,8 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include "shows/channel_select_rules.h"
 #include "storage/logs.h"
-#include "ui/channel_select_rules.h"
 
 namespace zrn {
 

@@ -10,10 +10,11 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include "core/discard_changes.h"
+#include "schedule/time_entry.h"
+#include "shows/ignore_window_rules.h"
 #include "storage/logs.h"
-#include "ui/discard_changes.h"
-#include "ui/ignore_window_rules.h"
-#include "ui/time_entry.h"
+#include "ui/time_field.h"
 
 namespace zrn {
 

@@ -11,15 +11,16 @@
 #include <QPushButton>
 #include <algorithm>
 
+#include "core/discard_changes.h"
+#include "schedule/schedule_rules.h"
+#include "schedule/time_entry.h"
+#include "shows/show_editor_rules.h"
 #include "storage/logs.h"
 #include "storage/shows_file.h"
+#include "switcher/silence_detect_rules.h"
 #include "ui/channel_pair_dialog.h"
-#include "ui/discard_changes.h"
 #include "ui/ignore_window_dialog.h"
-#include "ui/schedule_rules.h"
-#include "ui/show_editor_rules.h"
-#include "ui/silence_detect_rules.h"
-#include "ui/time_entry.h"
+#include "ui/time_field.h"
 
 namespace zrn {
 

@@ -11,8 +11,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "schedule/time_entry.h"
 #include "ui/shows_dialog.h"
-#include "ui/time_entry.h"
+#include "ui/time_field.h"
 #include "ui/typed_channel_list.h"
 
 namespace zrn {

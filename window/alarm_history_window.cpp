@@ -16,6 +16,7 @@
 #include "monitor/link_watch.h"
 #include "monitor/monitor.h"
 #include "window/csv_export.h"
+#include "window/list_table.h"
 
 namespace zrn {
 
@@ -145,13 +146,8 @@ AlarmHistoryWindow::AlarmHistoryWindow(Monitor& monitor, AlarmHistory& history, 
   filters->addWidget(export_);
   layout->addLayout(filters);
 
-  table_ = new QTableWidget(0, 4);
-  table_->setHorizontalHeaderLabels({QStringLiteral("Time"), QStringLiteral("Output or show"),
-                                     QStringLiteral("What happened"), QStringLiteral("How long")});
-  table_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-  table_->setSelectionBehavior(QAbstractItemView::SelectRows);
-  table_->verticalHeader()->hide();
-  table_->horizontalHeader()->setStretchLastSection(true);
+  table_ = NewListTable({QStringLiteral("Time"), QStringLiteral("Output or show"),
+                         QStringLiteral("What happened"), QStringLiteral("How long")});
   layout->addWidget(table_, 3);
 
   connect(output_, &QLineEdit::textChanged, this, &AlarmHistoryWindow::Fill);
@@ -201,13 +197,10 @@ void AlarmHistoryWindow::Fill() {
   for (int r = 0; r < static_cast<int>(shown_.size()); ++r) {
     const std::size_t i = shown_[static_cast<size_t>(r)];
     const AlarmEvent& e = events[i];
-    const QStringList cells = {e.when.toString(QStringLiteral("ddd HH:mm:ss")),
-                               e.subject.isEmpty() ? QStringLiteral("(all)") : e.subject,
-                               KindText(e.kind),
-                               lasted[i] < 0 ? QString() : DurationText(lasted[i])};
-    for (int c = 0; c < cells.size(); ++c) {
-      table_->setItem(r, c, new QTableWidgetItem(cells[c]));
-    }
+    SetListRow(table_, r,
+               {e.when.toString(QStringLiteral("ddd HH:mm:ss")),
+                e.subject.isEmpty() ? QStringLiteral("(all)") : e.subject, KindText(e.kind),
+                lasted[i] < 0 ? QString() : DurationText(lasted[i])});
   }
   table_->resizeColumnsToContents();
   timeline_->SetRows(Timeline(history_, now, wanted), now);

@@ -9,6 +9,7 @@
 
 #include "monitor/monitor.h"
 #include "window/csv_export.h"
+#include "window/list_table.h"
 
 namespace zrn {
 
@@ -32,14 +33,9 @@ NextDayWindow::NextDayWindow(Monitor& monitor, QWidget* parent)
   auto* layout = new QVBoxLayout(this);
   summary_ = new QLabel;
   layout->addWidget(summary_);
-  table_ = new QTableWidget(0, 5);
-  table_->setHorizontalHeaderLabels({QStringLiteral("Time"), QStringLiteral("Output"),
-                                     QStringLiteral("Monitoring"), QStringLiteral("Label"),
-                                     QStringLiteral("Source routed")});
-  table_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-  table_->setSelectionBehavior(QAbstractItemView::SelectRows);
-  table_->verticalHeader()->hide();
-  table_->horizontalHeader()->setStretchLastSection(true);
+  table_ =
+      NewListTable({QStringLiteral("Time"), QStringLiteral("Output"), QStringLiteral("Monitoring"),
+                    QStringLiteral("Label"), QStringLiteral("Source routed")});
   layout->addWidget(table_, 1);
   auto* buttons = new QHBoxLayout;
   buttons->addStretch(1);
@@ -77,15 +73,12 @@ void NextDayWindow::Fill() {
     const UpcomingEvent& e = events_[static_cast<size_t>(r)];
     const QString day =
         e.when.date() == today ? QString() : e.when.toString(QStringLiteral("ddd "));
-    const QStringList cells = {day + e.when.toString(QStringLiteral("HH:mm:ss")),
-                               QStringLiteral("%1 [%2]")
-                                   .arg(e.output + 1, 2, 10, QLatin1Char('0'))
-                                   .arg(e.channel, 4, 10, QLatin1Char('0')),
-                               e.monitoring ? QStringLiteral("on") : QStringLiteral("off"), e.label,
-                               e.source};
-    for (int c = 0; c < cells.size(); ++c) {
-      table_->setItem(r, c, new QTableWidgetItem(cells[c]));
-    }
+    SetListRow(table_, r,
+               {day + e.when.toString(QStringLiteral("HH:mm:ss")),
+                QStringLiteral("%1 [%2]")
+                    .arg(e.output + 1, 2, 10, QLatin1Char('0'))
+                    .arg(e.channel, 4, 10, QLatin1Char('0')),
+                e.monitoring ? QStringLiteral("on") : QStringLiteral("off"), e.label, e.source});
   }
   table_->resizeColumnsToContents();
   summary_->setText(

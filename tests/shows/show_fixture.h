@@ -11,6 +11,7 @@
 #include "support/switcher_bytes.h"
 #include "support/temp_state.h"
 #include "switcher/link.h"
+#include "switcher/name_tables.h"
 
 namespace zrn::test {
 
