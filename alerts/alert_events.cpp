@@ -219,13 +219,7 @@ std::vector<AlertEvent> AlertTracker::Update(const State& s) {
   std::map<QString, bool> shows;
   int showAlarms = 0;
   QStringList showNames;
-  const int table = std::clamp<int>(s.ShowCount, 0, static_cast<int>(s.Shows.size()));
-  const int active = ActiveShowsListed(s);
-  for (int p = 0; p < active; ++p) {
-    const qint16 index = s.ActiveShows[p];
-    if (index < 0 || index >= table) {
-      continue;
-    }
+  ForEachActiveShow(s, [&](int, int index) {
     const ShowRecord& show = s.Shows[index];
     const bool inAlarm = ShowInAlarm(show);
     shows[show.Name] = shows[show.Name] || inAlarm;
@@ -235,7 +229,7 @@ std::vector<AlertEvent> AlertTracker::Update(const State& s) {
         showNames.append(show.Name);
       }
     }
-  }
+  });
   for (const auto& [name, was] : shows_) {
     const auto now = shows.find(name);
     if (was && (now == shows.end() || !now->second)) {

@@ -140,12 +140,9 @@ StatusSnapshot TakeStatusSnapshot(const State& s, const AlertCounters& counters)
     snap.outputs.push_back(std::move(o));
   }
 
-  const int shows = std::clamp<int>(s.ShowCount, 0, static_cast<int>(s.Shows.size()));
-  const int active = std::min(ActiveShowsListed(s), static_cast<int>(s.panels.shows.size()));
-  for (int p = 0; p < active; ++p) {
-    const qint16 index = s.ActiveShows[p];
-    if (index < 0 || index >= shows) {
-      continue;
+  ForEachActiveShow(s, [&](int p, int index) {
+    if (p >= static_cast<int>(s.panels.shows.size())) {
+      return;
     }
     const ShowPanelModel& panel = s.panels.shows[p];
     ShowStatus show;
@@ -155,7 +152,7 @@ StatusSnapshot TakeStatusSnapshot(const State& s, const AlertCounters& counters)
     show.indicator = LampName(panel.indicatorColour);
     show.inAlarm = ShowInAlarm(s.Shows[index]);
     snap.shows.push_back(std::move(show));
-  }
+  });
 
   const int rows = static_cast<int>(s.MessageRows.size());
   snap.messages = s.MessageRows.mid(std::max(0, rows - kMessagesShown));

@@ -14,11 +14,11 @@
 #include <memory>
 
 #include "alerts/alerts.h"
-#include "monitor/main_window.h"
 #include "monitor/monitor.h"
 #include "storage/logs.h"
 #include "ui/broadcast_style.h"
 #include "ui/message_box_prompt.h"
+#include "window/main_window.h"
 
 namespace {
 

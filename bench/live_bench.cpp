@@ -43,9 +43,9 @@
 #include <vector>
 
 #include "alerts/alerts.h"
-#include "monitor/main_window.h"
 #include "monitor/monitor.h"
 #include "ui/broadcast_style.h"
+#include "window/main_window.h"
 
 namespace {
 

@@ -1,8 +1,6 @@
 #include "core/state.h"
 
-#include "core/failure.h"
-#include "storage/logs.h"
-#include "switcher/dispatch.h"
+#include <algorithm>
 
 namespace zrn {
 
@@ -21,7 +19,7 @@ State::State() {
   SilenceStatus.resize(SwitcherOutputCount);
   CrosspointMap.resize(SwitcherOutputCount);
   SilenceOutIndex.assign(SwitcherOutputCount, kNone);
-  InstallMessageHandlers(*this);
+  InstallReactions(*this);
 }
 
 QDateTime Now(const State& s) {
@@ -72,16 +70,6 @@ bool InSilenceGrace(const State& s, int output) {
   // back; it must not hold off alarms for that long.
   const qint64 left = Now(s).secsTo(until);
   return until.isValid() && left > 0 && left <= 1000;
-}
-
-void UpdateSilenceOutTable(State& s) {
-  s.SilenceOutIndex.assign(std::max<int>(s.SwitcherOutputCount, 0), kNone);
-  const int count = std::min<int>(s.SilenceOutCount, static_cast<int>(s.SilenceOuts.size()));
-  for (int k = 0; k < count; ++k) {
-    // One entry naming an output the switcher does not have must not cost the others.
-    Trap(s, QStringLiteral("Error Updating Silence Out Table"), QStringLiteral("List Error"),
-         [&] { At(s.SilenceOutIndex, s.SilenceOuts[k].Output) = static_cast<qint16>(k); });
-  }
 }
 
 }  // namespace zrn

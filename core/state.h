@@ -8,8 +8,8 @@
 #include <functional>
 #include <vector>
 
+#include "core/panel_models.h"
 #include "core/ports.h"
-#include "monitor/panel_models.h"
 
 namespace zrn {
 
@@ -261,6 +261,33 @@ struct PanelPassState {
   }
 };
 
+// What the floors above the switcher do when a lower floor changes what they show or decide.
+// A lower floor calls these rather than an upper header. InstallReactions fills them for every
+// State as it is made, so nothing runs the switcher's reports without the monitor's answer: a
+// missing reaction would be a missing alarm.
+struct Reactions {
+  // The watched outputs or the names they show changed: panel texts, lamps, the relay.
+  std::function<void(State&)> outputsChanged;
+  // A crosspoint map arrived for switcher outputs first .. first + count - 1 (0-based).
+  std::function<void(State&, int first, int count)> routesReported;
+  // A silence status or configuration report arrived: every lamp, then the relay.
+  std::function<void(State&)> silenceReported;
+  // A change-of-state report changed the channels in panelPass.changedChannels.
+  std::function<void(State&)> silenceChanged;
+  // A relay-state report arrived; the relay table (the relay names) arrived.
+  std::function<void(State&)> relayStatesReported;
+  std::function<void(State&)> relayTableArrived;
+  // A show's alarm changed: the relay decision.
+  std::function<void(State&)> showAlarmChanged;
+  // The active shows, or the names their panels show, changed.
+  std::function<void(State&)> showsChanged;
+  // What the window shows changed; its size follows the panels.
+  std::function<void(State&)> viewChanged;
+  std::function<void(State&)> formResized;
+  // The start-up exchange of a connection completed.
+  std::function<void(State&)> exchangeCompleted;
+};
+
 struct State {
   State();
 
@@ -370,7 +397,13 @@ struct State {
   // Told of every operational message with its time as it is reported (the alarm history).
   std::function<void(const QDateTime&, const QString&)> activityListener;
   PanelPassState panelPass;
+  Reactions reactions;
 };
+
+// Fills the state's dispatch table and its reactions. The monitor defines it
+// (monitor/reactions.cpp): how the program answers the switcher is decided there, and a program
+// without it does not link.
+void InstallReactions(State& s);
 
 // The current wall-clock time from the state's clock.
 QDateTime Now(const State& s);
@@ -385,8 +418,5 @@ bool RoutedNow(const State& s, int output, int source);
 void EndSilenceGrace(State& s, int output);
 // Whether the silence state of a switcher output (0-based) counts as unknown now.
 bool InSilenceGrace(const State& s, int output);
-
-// Rebuilds SilenceOutIndex from SilenceOuts; a later entry with the same output wins.
-void UpdateSilenceOutTable(State& s);
 
 }  // namespace zrn

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/channel_texts.h"
 #include "core/failure.h"
 #include "schedule/event_scheduler.h"
 #include "schedule/event_time.h"
@@ -13,14 +14,6 @@ namespace {
 constexpr int kSecondsPerDay = 86400;
 // Bounds the walk through one output's schedule: more occurrences than a day can hold.
 constexpr int kMostPerOutput = kSecondsPerDay;
-
-QString Digits(int number) {
-  return QStringLiteral("%1").arg(number, 4, 10, QLatin1Char('0'));
-}
-
-QString NameAt(const QStringList& names, int index) {
-  return index >= 0 && index < names.size() ? names[index] : QStringLiteral("Uknown");
-}
 
 QString LabelAfter(const State& s, const OutputEntry& output, const ScheduledEvent& event) {
   switch (event.DisplayOption) {
@@ -107,7 +100,7 @@ std::vector<UpcomingEvent> NextDayEvents(const State& s, const QDateTime& from) 
       upcoming.label = LabelAfter(s, output, event);
       if (event.Connect && event.Source >= 1 && event.Source < kNone) {
         upcoming.source = NameAt(s.InputNames, event.Source - 1) + QStringLiteral(" [") +
-                          Digits(event.Source) + QLatin1Char(']');
+                          ChannelDigits(event.Source) + QLatin1Char(']');
       }
       found.push_back(upcoming);
       after = at;
@@ -131,7 +124,8 @@ QString CsvField(const QString& text) {
 QString UpcomingCsv(const std::vector<UpcomingEvent>& events) {
   QString csv = QStringLiteral("Time,Output,Monitoring,Label,Source\r\n");
   for (const UpcomingEvent& e : events) {
-    csv += QStringList{e.when.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")), Digits(e.channel),
+    csv += QStringList{e.when.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")),
+                       ChannelDigits(e.channel),
                        e.monitoring ? QStringLiteral("on") : QStringLiteral("off"),
                        CsvField(e.label), CsvField(e.source)}
                .join(QLatin1Char(',')) +

@@ -22,19 +22,6 @@ int PanelledOutputs(const State& s) {
   return std::min(WatchedCount(s), static_cast<int>(s.panels.outputs.size()));
 }
 
-// The active shows that name a show of the table.
-template <class Visit>
-void ForEachActiveShow(const State& s, Visit&& visit) {
-  const int shows = std::clamp<int>(s.ShowCount, 0, static_cast<int>(s.Shows.size()));
-  const int active = ActiveShowsListed(s);
-  for (int p = 0; p < active; ++p) {
-    const qint16 index = s.ActiveShows[p];
-    if (index >= 0 && index < shows) {
-      visit(index);
-    }
-  }
-}
-
 bool ReportedOn(const State& s, int relay) {
   return relay >= 1 && relay <= RelayTableSize(s) && s.RelayStates[relay - 1] == 1;
 }
@@ -100,7 +87,7 @@ bool AlarmRelayUsable(const State& s) {
 bool AlarmRelayWanted(const State& s) {
   if (s.ProgramMode == 1) {
     bool any = false;
-    ForEachActiveShow(s, [&](int index) { any = any || ShowInAlarm(s.Shows[index]); });
+    ForEachActiveShow(s, [&](int, int index) { any = any || ShowInAlarm(s.Shows[index]); });
     return any;
   }
   // Within a decode batch the panel update keeps the count.
@@ -200,7 +187,7 @@ void cmdCancel_Click(State& s) {
       a.sentCommand = kCommandRelayRelease;
     }
     DisplayMessage(s, kReportCanceled);
-    ForEachActiveShow(s, [&](int index) {
+    ForEachActiveShow(s, [&](int, int index) {
       ShowRecord& show = s.Shows[index];
       if (show.Alarm == 1) {
         show.AlarmCanceled = true;

@@ -89,10 +89,6 @@ void ApplyVisibility(State& s) {
 
 }  // namespace
 
-int WatchedCount(const State& s) {
-  return std::clamp<int>(s.OutputCount, 0, static_cast<int>(s.Outputs.size()));
-}
-
 void LoadOutputPanels(State& s, int count) {
   Trap(s, QStringLiteral("Error Loading Pennaro"), QStringLiteral("Display Error"), [&] {
     count = std::max(count, 0);

@@ -1,11 +1,9 @@
 #pragma once
 
 #include "core/state.h"
+#include "core/watched_outputs.h"
 
 namespace zrn {
-
-// Watched outputs that have an entry: OutputCount, bounded by the Outputs table.
-int WatchedCount(const State& s);
 
 // Panel i as it is first created: its specified places in both views and its position text.
 OutputPanelModel DesignedOutputPanel(int i);

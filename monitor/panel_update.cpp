@@ -11,46 +11,8 @@ namespace zrn {
 
 namespace {
 
-// Spelled as operators have always seen it.
-const QString kUnknown = QStringLiteral("Uknown");
-const QString kNothingRouted = QStringLiteral("-Off-");
-
 // Mode bit 8: silence detection enabled for the output.
 constexpr int kSilenceDetectEnabled = 0x100;
-
-struct PanelTexts {
-  QString label;
-  QString number;  // empty when there is no number to show
-};
-
-PanelTexts TextsOf(const State& s, const OutputEntry& entry) {
-  if (entry.DisplayOption == 2) {
-    return {entry.CustomLabel, QString()};
-  }
-  const int channel = entry.Output;
-  if (entry.DisplayOption == 1) {
-    const int routed =
-        std::min<int>(s.SwitcherOutputCount, static_cast<int>(s.CrosspointMap.size()));
-    if (channel < 1 || channel > routed) {
-      return {kUnknown, QString()};
-    }
-    const CrosspointEntry& route = s.CrosspointMap[channel - 1];
-    if (route.SourceCount == 0) {
-      return {kNothingRouted, QString()};
-    }
-    const int source = route.Sources[0];
-    const int inputs = std::min<int>(s.SwitcherInputCount, static_cast<int>(s.InputNames.size()));
-    if (source < 0 || source >= inputs) {
-      return {kUnknown, QString()};
-    }
-    return {s.InputNames[source], ChannelDigits(source + 1)};
-  }
-  const int outputs = std::min<int>(s.SwitcherOutputCount, static_cast<int>(s.OutputNames.size()));
-  if (channel < 1 || channel > outputs) {
-    return {kUnknown, QString()};
-  }
-  return {s.OutputNames[channel - 1], ChannelDigits(channel)};
-}
 
 // Sets text to the parts joined unless it holds them already: every report rewrites the texts
 // of thousands of panels, and almost none of them change.
@@ -106,7 +68,7 @@ void WriteTexts(const OutputEntry& entry, const PanelTexts& texts, OutputPanelMo
 }
 
 void WritePanelTexts(State& s, int index) {
-  WriteTexts(s.Outputs[index], TextsOf(s, s.Outputs[index]), s.panels.outputs[index]);
+  WriteTexts(s.Outputs[index], PanelTextsOf(s, s.Outputs[index]), s.panels.outputs[index]);
 }
 
 int PanelCount(const State& s) {
@@ -125,37 +87,6 @@ bool PanelSetSettled(const State& s) {
 bool GraceStamped(const State& s, int output) {
   return output >= 0 && output < static_cast<int>(s.SilenceGraceUntil.size()) &&
          s.SilenceGraceUntil[output].isValid();
-}
-
-// Builds the channel index of the watched entries: a counting sort, so each channel's entries
-// keep table order.
-void IndexWatched(State& s) {
-  PanelPassState& pass = s.panelPass;
-  const int watched = WatchedCount(s);
-  int highest = 0;
-  for (int i = 0; i < watched; ++i) {
-    highest = std::max<int>(highest, s.Outputs[i].Output);
-  }
-  pass.firstOf.assign(highest + 2, 0);
-  int indexed = 0;
-  for (int i = 0; i < watched; ++i) {
-    const int channel = s.Outputs[i].Output;
-    if (channel >= 0) {
-      ++pass.firstOf[channel + 1];
-      ++indexed;
-    }
-  }
-  for (int c = 1; c <= highest + 1; ++c) {
-    pass.firstOf[c] += pass.firstOf[c - 1];
-  }
-  std::vector<int> next(pass.firstOf.begin(), pass.firstOf.end() - 1);
-  pass.byChannel.resize(indexed);
-  for (int i = 0; i < watched; ++i) {
-    const int channel = s.Outputs[i].Output;
-    if (channel >= 0) {
-      pass.byChannel[next[channel]++] = i;
-    }
-  }
 }
 
 // The switcher output (0-based) whose detector a watched channel reads, or -1.
@@ -204,23 +135,6 @@ void UpdateLamp(State& s, OutputEntry& entry, OutputPanelModel& panel) {
 }
 
 }  // namespace
-
-QString ChannelDigits(int channel) {
-  // Made once per channel: panel texts and activity lines ask for them all the time.
-  thread_local std::vector<QString> made(kNone + 1);
-  if (channel < 0 || channel > kNone) {
-    return QStringLiteral("%1").arg(channel, 4, 10, QLatin1Char('0'));
-  }
-  QString& digits = made[static_cast<size_t>(channel)];
-  if (digits.isNull()) {
-    digits = QStringLiteral("%1").arg(channel, 4, 10, QLatin1Char('0'));
-  }
-  return digits;
-}
-
-QString PanelName(const State& s, const OutputEntry& entry) {
-  return TextsOf(s, entry).label;
-}
 
 void UpdateOutputs(State& s) {
   // A full pass starts from nothing kept: the watched table may have changed since.
@@ -278,23 +192,6 @@ void UpdateStatus(State& s) {
       });
   pass.lampsCurrent = done && !graceSeen && pass.batches > 0;
   DecideAlarmRelay(s);
-}
-
-bool IndexedWatching(State& s, int channel, std::span<const int>& entries) {
-  PanelPassState& pass = s.panelPass;
-  if (!pass.lampsCurrent && !pass.textsCurrent) {
-    return false;
-  }
-  if (pass.firstOf.empty()) {
-    IndexWatched(s);
-  }
-  entries = {};
-  if (channel >= 0 && channel + 1 < static_cast<int>(pass.firstOf.size())) {
-    entries =
-        std::span<const int>(pass.byChannel)
-            .subspan(pass.firstOf[channel], pass.firstOf[channel + 1] - pass.firstOf[channel]);
-  }
-  return true;
 }
 
 void UpdateRoutedOutputs(State& s, int first, int count) {

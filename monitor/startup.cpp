@@ -12,6 +12,7 @@
 #include "storage/logs.h"
 #include "storage/shows_file.h"
 #include "switcher/link.h"
+#include "switcher/name_tables.h"
 
 namespace zrn {
 

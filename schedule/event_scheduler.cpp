@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/channel_texts.h"
 #include "core/failure.h"
 #include "schedule/event_time.h"
 #include "storage/logs.h"
@@ -20,16 +21,8 @@ constexpr qint16 kHoldOffTicks = 360;
 // An event runs at most this late (the poll timer's catch-up is under 3 minutes).
 constexpr int kCatchUpSeconds = 180;
 
-QString FourDigits(int number) {
-  return QStringLiteral("%1").arg(number, 4, 10, QLatin1Char('0'));
-}
-
-QString NameAt(const QStringList& names, long long index) {
-  return index >= 0 && index < names.size() ? names[static_cast<qsizetype>(index)] : kUnknown;
-}
-
 QString SourceText(const State& s, int source) {
-  return NameAt(s.InputNames, source - 1) + QStringLiteral(" [") + FourDigits(source) +
+  return NameAt(s.InputNames, source - 1) + QStringLiteral(" [") + ChannelDigits(source) +
          QLatin1Char(']');
 }
 
@@ -132,7 +125,7 @@ QString EventReportLine(const State& s, const OutputEntry& output) {
     default:
       break;
   }
-  return label + QStringLiteral(" [") + FourDigits(n) + QLatin1Char(']') +
+  return label + QStringLiteral(" [") + ChannelDigits(n) + QLatin1Char(']') +
          (output.MonitoringEnabled ? QStringLiteral(" Monitoring enabled.")
                                    : QStringLiteral(" Monitoring disabled."));
 }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "monitor/output_panels.h"
 #include "storage/logs.h"
 
 namespace zrn {
@@ -69,8 +68,8 @@ void LoadShowStatus(State& s, int count) {
       }
     }
     s.ShowPanelsLoaded = ToInteger(count);
-    ApplyViewVisibility(s);
-    SetFormSize(s);
+    s.reactions.viewChanged(s);
+    s.reactions.formResized(s);
   });
 }
 
@@ -85,7 +84,7 @@ void UnloadShowDisplays(State& s) {
       panels[0] = MakeShowPanel(0);
     }
     s.ShowPanelsLoaded = ToInteger(keep);
-    ApplyViewVisibility(s);
+    s.reactions.viewChanged(s);
   });
 }
 
@@ -115,11 +114,11 @@ void UpdateShows(State& s) {
       panels[p].sourceText = kNotDefined;
     }
   });
-  ApplyViewVisibility(s);
+  s.reactions.viewChanged(s);
 }
 
 void DisplayShows(State& s) {
-  ApplyViewVisibility(s);
+  s.reactions.viewChanged(s);
 }
 
 }  // namespace zrn

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "core/channel_texts.h"
 #include "core/failure.h"
-#include "monitor/panel_update.h"
 #include "shows/show_activity.h"
 #include "shows/show_panels.h"
 #include "shows/silence_monitors.h"

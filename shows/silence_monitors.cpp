@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "core/failure.h"
-#include "monitor/loss_alarm.h"
 #include "schedule/event_time.h"
 #include "shows/show_activity.h"
 #include "shows/show_panels.h"
@@ -183,6 +182,19 @@ qint16 FindSilenceDetectMonitorOutput(const State& s, int input) {
   return kNone;
 }
 
+// The silence-out entry that can watch source for the show, or kNone after an error line that
+// says which of the show's sources (kind) found none.
+qint16 MonitorOutputForShow(State& s, int source, const ShowRecord& show, const QString& kind) {
+  const qint16 e = FindSilenceDetectMonitorOutput(s, source);
+  if (e == kNone) {
+    WriteErrorLog(s,
+                  QStringLiteral("Unable to locate output to monitor ") + kind +
+                      QStringLiteral(" source for show: ") + show.Name,
+                  QString());
+  }
+  return e;
+}
+
 void CreateSilenceMonitors(State& s, int show) {
   Trap(s, kCreateLocation, kTitle, [&] {
     if (show < 0 || show >= std::clamp<int>(s.ShowCount, 0, static_cast<int>(s.Shows.size()))) {
@@ -190,13 +202,8 @@ void CreateSilenceMonitors(State& s, int show) {
     }
     ShowRecord& rec = s.Shows[show];
     if (rec.DownlinkSource != kNone) {
-      const qint16 e = FindSilenceDetectMonitorOutput(s, rec.DownlinkSource);
+      const qint16 e = MonitorOutputForShow(s, rec.DownlinkSource, rec, QStringLiteral("downlink"));
       if (e == kNone) {
-        WriteErrorLog(
-            s,
-            QStringLiteral("Unable to locate output to monitor downlink source for show: ") +
-                rec.Name,
-            QString());
         return;
       }
       rec.DownlinkMonitor = Borrow(s, e, rec.DownlinkSource, show, 1);
@@ -208,13 +215,8 @@ void CreateSilenceMonitors(State& s, int show) {
       if (studio.Channel == kNone) {
         continue;
       }
-      const qint16 e = FindSilenceDetectMonitorOutput(s, studio.Channel);
+      const qint16 e = MonitorOutputForShow(s, studio.Channel, rec, QStringLiteral("studio"));
       if (e == kNone) {
-        WriteErrorLog(
-            s,
-            QStringLiteral("Unable to locate output to monitor studio source for show: ") +
-                rec.Name,
-            QString());
         break;
       }
       studio.Monitor = Borrow(s, e, studio.Channel, show, RoleOfStudio(k));
@@ -317,13 +319,7 @@ void UpdateShowSilenceDisplay(State& s, int show) {
 
 void CheckSilenceAlarm(State& s) {
   Trap(s, QStringLiteral("Error updating show silence alarm"), QStringLiteral("Timer Error"), [&] {
-    const int shows = std::clamp<int>(s.ShowCount, 0, static_cast<int>(s.Shows.size()));
-    const int active = ActiveShowsListed(s);
-    for (int p = 0; p < active; ++p) {
-      const qint16 index = s.ActiveShows[p];
-      if (index < 0 || index >= shows) {
-        continue;
-      }
+    ForEachActiveShow(s, [&](int, int index) {
       ShowRecord& show = s.Shows[index];
       // A suppressed show keeps its flag, so silence that outlasts an ignore window alarms.
       if (!show.AlarmSuppressed && show.Alarm != show.DownlinkStatus) {
@@ -336,9 +332,9 @@ void CheckSilenceAlarm(State& s) {
         DisplayMessage(s, show.Name + (alarming ? QStringLiteral(" Silence Alarm Status ON!")
                                                 : QStringLiteral(" Silence Alarm Status OFF!")));
       }
-    }
+    });
   });
-  DecideAlarmRelay(s);
+  s.reactions.showAlarmChanged(s);
 }
 
 Rgb SilenceColour(int status) {

@@ -21,6 +21,15 @@ QList<QByteArray> Chunked(int first, int count,
   return out;
 }
 
+// The start of a report about channels start..start+n-1: its subtype, count and first channel.
+QByteArray BlockPayload(int subtype, int n, int start) {
+  QByteArray payload;
+  payload.append(static_cast<char>(subtype));
+  Append14(payload, n);
+  Append14(payload, start);
+  return payload;
+}
+
 }  // namespace
 
 QByteArray TypeRequest() {
@@ -58,10 +67,7 @@ QByteArray NameTableReport(NameTable table, const QStringList& names) {
 
 QList<QByteArray> CrosspointReports(const SwitchState& state, int first, int count) {
   return Chunked(first, count, [&](int start, int n) {
-    QByteArray payload;
-    payload.append(static_cast<char>(kCrosspointFormat));
-    Append14(payload, n);
-    Append14(payload, start);
+    QByteArray payload = BlockPayload(kCrosspointFormat, n, start);
     for (int o = start; o < start + n; ++o) {
       const int source = state.outputs[o].source;
       Append14(payload, source == kNone ? 0 : 1);
@@ -90,10 +96,7 @@ QList<QByteArray> RelayReports(const SwitchState& state, int first, int count) {
 
 QList<QByteArray> SilenceConfigReports(const SwitchState& state, int first, int count) {
   return Chunked(first, count, [&](int start, int n) {
-    QByteArray payload;
-    payload.append(static_cast<char>(kSilenceConfig));
-    Append14(payload, n);
-    Append14(payload, start);
+    QByteArray payload = BlockPayload(kSilenceConfig, n, start);
     for (int o = start; o < start + n; ++o) {
       const SilenceConfig& c = state.outputs[o].config;
       for (int value : {c.mode, c.device, c.silenceThreshold, c.detectTime, c.returnTime,
@@ -107,10 +110,7 @@ QList<QByteArray> SilenceConfigReports(const SwitchState& state, int first, int 
 
 QList<QByteArray> SilenceStatusReports(const SwitchState& state, int first, int count) {
   return Chunked(first, count, [&](int start, int n) {
-    QByteArray payload;
-    payload.append(static_cast<char>(kSilenceStatus));
-    Append14(payload, n);
-    Append14(payload, start);
+    QByteArray payload = BlockPayload(kSilenceStatus, n, start);
     for (int o = start; o < start + n; ++o) {
       payload.append(static_cast<char>(state.outputs[o].status));
     }

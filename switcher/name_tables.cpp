@@ -2,9 +2,7 @@
 
 #include <algorithm>
 
-#include "monitor/loss_alarm.h"
-#include "monitor/panel_update.h"
-#include "shows/show_panels.h"
+#include "core/failure.h"
 #include "storage/logs.h"
 #include "switcher/byte_utils.h"
 #include "switcher/message_reader.h"
@@ -125,8 +123,8 @@ void ApplyOutputNames(State& s, const ReceivedNames& received) {
   }
   ClearRequest(s, kRequestOutputNames);
   s.CrosspointMap.resize(size);
-  UpdateOutputs(s);
-  UpdateShows(s);
+  s.reactions.outputsChanged(s);
+  s.reactions.showsChanged(s);
 }
 
 void ApplyAlphaTable(State& s, const QByteArray& message) {
@@ -142,9 +140,9 @@ void ApplyAlphaTable(State& s, const QByteArray& message) {
     case kInputTable:
       s.SwitcherInputCount = ToInteger(Apply(s, received, s.InputNames, nullptr));
       ClearRequest(s, kRequestInputNames);
-      UpdateShows(s);
+      s.reactions.showsChanged(s);
       // Panels showing their routed source name it from this table.
-      UpdateOutputs(s);
+      s.reactions.outputsChanged(s);
       break;
     case kOutputTable:
       ApplyOutputNames(s, received);
@@ -165,7 +163,7 @@ void ApplyAlphaTable(State& s, const QByteArray& message) {
       ClearRequest(s, kRequestRelayNames);
       // States that arrived before the table had nowhere to go.
       RequestAgain(s, kRequestRelayStates);
-      AlarmRelayTableArrived(s);
+      s.reactions.relayTableArrived(s);
       break;
     }
     default:
@@ -181,6 +179,16 @@ void ApplyAlphaTable(State& s, const QByteArray& message) {
 void ProcessAlphaTable(State& s, const QByteArray& message) {
   Trap(s, QStringLiteral("Error Processing Alpha Table"), QStringLiteral("IP Error"),
        [&] { ApplyAlphaTable(s, message); });
+}
+
+void UpdateSilenceOutTable(State& s) {
+  s.SilenceOutIndex.assign(std::max<int>(s.SwitcherOutputCount, 0), kNone);
+  const int count = std::min<int>(s.SilenceOutCount, static_cast<int>(s.SilenceOuts.size()));
+  for (int k = 0; k < count; ++k) {
+    // One entry naming an output the switcher does not have must not cost the others.
+    Trap(s, QStringLiteral("Error Updating Silence Out Table"), QStringLiteral("List Error"),
+         [&] { At(s.SilenceOutIndex, s.SilenceOuts[k].Output) = static_cast<qint16>(k); });
+  }
 }
 
 }  // namespace zrn

@@ -17,4 +17,7 @@ inline constexpr int kRelayTable = 40;
 // the table's size. Output and opto names are also kept sorted, apart from the tables.
 void ProcessAlphaTable(State& s, const QByteArray& message);
 
+// Rebuilds SilenceOutIndex from SilenceOuts; a later entry with the same output wins.
+void UpdateSilenceOutTable(State& s);
+
 }  // namespace zrn

@@ -3,8 +3,6 @@
 #include <QStringList>
 #include <algorithm>
 
-#include "schedule/event_scheduler.h"
-#include "shows/shows_pass.h"
 #include "storage/logs.h"
 #include "switcher/frame.h"
 #include "switcher/link.h"
@@ -250,10 +248,7 @@ void CompleteExchangeIfAnswered(State& s) {
     r.unansweredReported = false;
     s.StatusBarText = kConnectedText;
   }
-  // Routes the schedule wanted while the link was down, and the monitors of the shows on air,
-  // which a restarted switcher no longer has.
-  SendPendingRoutes(s);
-  ResendShowMonitors(s);
+  s.reactions.exchangeCompleted(s);
 }
 
 bool RepeatOutstandingRequests(State& s) {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "monitor/loss_alarm.h"
-#include "monitor/panel_update.h"
+#include "core/channel_texts.h"
+#include "core/watched_outputs.h"
 #include "storage/logs.h"
 #include "switcher/message_reader.h"
 #include "switcher/startup_exchange.h"
@@ -79,7 +79,7 @@ void ApplyCrosspointMap(State& s, const QByteArray& message) {
   if (message.size() == total) {
     ClearRequest(s, kRequestCrosspointMap);
     s.panelPass.textsCurrent = textsCurrent;
-    UpdateRoutedOutputs(s, first, count);
+    s.reactions.routesReported(s, first, count);
   }
 }
 
@@ -107,7 +107,7 @@ void ApplyRelayStates(State& s, const QByteArray& message) {
     }
   }
   ClearRequest(s, kRequestRelayStates);
-  RelayStatesReported(s);
+  s.reactions.relayStatesReported(s);
 }
 
 // Applies one change-of-state item of a switcher output (0-based).
@@ -235,9 +235,9 @@ void ProcessSilenceDetect(State& s, const QByteArray& message) {
     // Whatever it changed before it failed is left to the next full pass.
     s.panelPass.Forget();
   } else if (static_cast<quint8>(message[1]) == kSilenceChangeOfState) {
-    UpdateChangedLamps(s);
+    s.reactions.silenceChanged(s);
   } else {
-    UpdateStatus(s);
+    s.reactions.silenceReported(s);
   }
 }
 

@@ -6,6 +6,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "core/discard_changes.h"
 #include "storage/logs.h"
 #include "ui/channel_list.h"
 #include "ui/channel_picker.h"

@@ -5,8 +5,9 @@
 #include <vector>
 
 #include "core/state.h"
-#include "ui/channel_pair_rules.h"
+#include "monitor/channel_pair_rules.h"
 #include "ui/copy_editor_dialog.h"
+#include "ui/message_box_prompt.h"
 
 class QPushButton;
 

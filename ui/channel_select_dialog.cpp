@@ -5,9 +5,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "shows/channel_select_rules.h"
 #include "storage/logs.h"
 #include "ui/channel_list.h"
-#include "ui/channel_select_rules.h"
 #include "ui/dialog_controls.h"
 
 namespace zrn {

@@ -1,7 +1,7 @@
 #include "ui/copy_editor_dialog.h"
 
+#include "core/discard_changes.h"
 #include "core/state.h"
-#include "ui/discard_changes.h"
 
 namespace zrn {
 

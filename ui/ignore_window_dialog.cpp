@@ -8,11 +8,13 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "core/discard_changes.h"
+#include "schedule/time_entry.h"
+#include "shows/ignore_window_rules.h"
 #include "storage/logs.h"
 #include "ui/channel_list.h"
 #include "ui/dialog_controls.h"
-#include "ui/ignore_window_rules.h"
-#include "ui/time_entry.h"
+#include "ui/time_field.h"
 
 namespace zrn {
 

@@ -4,9 +4,9 @@
 #include <array>
 
 #include "core/state.h"
+#include "schedule/schedule_draft.h"
+#include "schedule/schedule_rules.h"
 #include "ui/message_box_prompt.h"
-#include "ui/schedule_draft.h"
-#include "ui/schedule_rules.h"
 
 class QCheckBox;
 class QLineEdit;

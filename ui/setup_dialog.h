@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "core/state.h"
-#include "ui/setup_rules.h"
+#include "monitor/setup_rules.h"
 
 class QComboBox;
 class QGroupBox;

@@ -11,16 +11,18 @@
 #include <QPushButton>
 #include <algorithm>
 
+#include "core/discard_changes.h"
+#include "schedule/schedule_rules.h"
+#include "schedule/time_entry.h"
+#include "shows/show_editor_rules.h"
 #include "storage/logs.h"
 #include "storage/shows_file.h"
+#include "switcher/silence_detect_rules.h"
 #include "ui/channel_pair_dialog.h"
 #include "ui/channel_picker.h"
 #include "ui/ignore_window_dialog.h"
 #include "ui/record_navigation.h"
-#include "ui/schedule_rules.h"
-#include "ui/show_editor_rules.h"
-#include "ui/silence_detect_rules.h"
-#include "ui/time_entry.h"
+#include "ui/time_field.h"
 
 namespace zrn {
 

@@ -11,11 +11,12 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "schedule/time_entry.h"
 #include "ui/channel_picker.h"
 #include "ui/dialog_controls.h"
 #include "ui/record_navigation.h"
 #include "ui/shows_dialog.h"
-#include "ui/time_entry.h"
+#include "ui/time_field.h"
 
 namespace zrn {
 

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "core/state.h"
+#include "switcher/silence_detect_rules.h"
 #include "ui/message_box_prompt.h"
-#include "ui/silence_detect_rules.h"
 
 class QCheckBox;
 class QComboBox;

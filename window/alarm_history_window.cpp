@@ -192,13 +192,10 @@ void AlarmHistoryWindow::Fill() {
   for (int r = 0; r < static_cast<int>(shown_.size()); ++r) {
     const std::size_t i = shown_[static_cast<size_t>(r)];
     const AlarmEvent& e = events[i];
-    const QStringList cells = {e.when.toString(QStringLiteral("ddd HH:mm:ss")),
-                               e.subject.isEmpty() ? QStringLiteral("(all)") : e.subject,
-                               KindText(e.kind),
-                               lasted[i] < 0 ? QString() : DurationText(lasted[i])};
-    for (int c = 0; c < cells.size(); ++c) {
-      table_->setItem(r, c, new QTableWidgetItem(cells[c]));
-    }
+    SetListRow(table_, r,
+               {e.when.toString(QStringLiteral("ddd HH:mm:ss")),
+                e.subject.isEmpty() ? QStringLiteral("(all)") : e.subject, KindText(e.kind),
+                lasted[i] < 0 ? QString() : DurationText(lasted[i])});
   }
   table_->resizeColumnsToContents();
   timeline_->SetRows(Timeline(history_, now, wanted), now);

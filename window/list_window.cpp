@@ -25,4 +25,10 @@ void RefreshWhileShown(QWidget* window, Monitor& monitor, std::function<void()> 
   });
 }
 
+void SetListRow(QTableWidget* table, int row, const QStringList& cells) {
+  for (int c = 0; c < cells.size(); ++c) {
+    table->setItem(row, c, new QTableWidgetItem(cells[c]));
+  }
+}
+
 }  // namespace zrn

@@ -14,6 +14,9 @@ class Monitor;
 // taking the spare width.
 QTableWidget* ListTable(const QStringList& headers);
 
+// Writes the cells of one row of such a table.
+void SetListRow(QTableWidget* table, int row, const QStringList& cells);
+
 // Runs refresh whenever the monitor changes while window is on screen.
 void RefreshWhileShown(QWidget* window, Monitor& monitor, std::function<void()> refresh);
 

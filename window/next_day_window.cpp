@@ -68,15 +68,12 @@ void NextDayWindow::Fill() {
     const UpcomingEvent& e = events_[static_cast<size_t>(r)];
     const QString day =
         e.when.date() == today ? QString() : e.when.toString(QStringLiteral("ddd "));
-    const QStringList cells = {day + e.when.toString(QStringLiteral("HH:mm:ss")),
-                               QStringLiteral("%1 [%2]")
-                                   .arg(e.output + 1, 2, 10, QLatin1Char('0'))
-                                   .arg(e.channel, 4, 10, QLatin1Char('0')),
-                               e.monitoring ? QStringLiteral("on") : QStringLiteral("off"), e.label,
-                               e.source};
-    for (int c = 0; c < cells.size(); ++c) {
-      table_->setItem(r, c, new QTableWidgetItem(cells[c]));
-    }
+    SetListRow(table_, r,
+               {day + e.when.toString(QStringLiteral("HH:mm:ss")),
+                QStringLiteral("%1 [%2]")
+                    .arg(e.output + 1, 2, 10, QLatin1Char('0'))
+                    .arg(e.channel, 4, 10, QLatin1Char('0')),
+                e.monitoring ? QStringLiteral("on") : QStringLiteral("off"), e.label, e.source});
   }
   table_->resizeColumnsToContents();
   summary_->setText(

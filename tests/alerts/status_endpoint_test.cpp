@@ -15,9 +15,9 @@
 
 #include "alerts/alerts.h"
 #include "alerts/status_server.h"
+#include "core/panel_models.h"
 #include "e2e/sim_process.h"
 #include "monitor/monitor.h"
-#include "monitor/panel_models.h"
 #include "storage/logs.h"
 #include "support/temp_state.h"
 

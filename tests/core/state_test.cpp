@@ -4,6 +4,7 @@
 #include "core/numbers.h"
 #include "storage/file_io.h"
 #include "support/temp_state.h"
+#include "switcher/name_tables.h"
 
 namespace zrn {
 namespace {

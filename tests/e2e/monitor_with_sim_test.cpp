@@ -4,15 +4,15 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include "core/panel_models.h"
 #include "e2e/sim_process.h"
-#include "monitor/alarm_controls_widget.h"
 #include "monitor/link_watch.h"
-#include "monitor/main_window.h"
 #include "monitor/monitor.h"
-#include "monitor/panel_canvas_widget.h"
-#include "monitor/panel_models.h"
 #include "shows/show_status.h"
 #include "ui/broadcast_style.h"
+#include "window/alarm_controls_widget.h"
+#include "window/main_window.h"
+#include "window/panel_canvas_widget.h"
 
 namespace zrn {
 namespace {

@@ -21,20 +21,20 @@
 #include <QSystemTrayIcon>
 
 #include "alerts/alerts.h"
-#include "monitor/alarm_controls_widget.h"
 #include "monitor/loss_alarm.h"
-#include "monitor/main_window.h"
 #include "monitor/monitor.h"
 #include "monitor/output_panels.h"
-#include "monitor/panel_canvas_widget.h"
 #include "monitor/panel_update.h"
 #include "support/bytes.h"
 #include "support/person.h"
 #include "support/scripted_prompt.h"
 #include "support/temp_state.h"
 #include "ui/broadcast_style.h"
+#include "window/alarm_controls_widget.h"
 #include "window/desktop_alerts.h"
 #include "window/find_bar_widget.h"
+#include "window/main_window.h"
+#include "window/panel_canvas_widget.h"
 
 namespace zrn {
 namespace {

@@ -8,8 +8,13 @@
 #include "monitor/monitor_fixture.h"
 #include "monitor/poll_tick.h"
 #include "shows/show_activity.h"
+#include "shows/show_editor_rules.h"
 #include "shows/shows_pass.h"
-#include "ui/show_editor_rules.h"
+#include "support/fake_link.h"
+#include "support/switcher_bytes.h"
+#include "support/temp_state.h"
+#include "switcher/link.h"
+#include "switcher/name_tables.h"
 
 namespace zrn::test {
 

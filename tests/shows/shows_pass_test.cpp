@@ -1,6 +1,6 @@
 #include "monitor/panel_update.h"
 #include "show_fixture.h"
-#include "ui/show_editor_rules.h"
+#include "shows/show_editor_rules.h"
 
 namespace zrn {
 namespace {

@@ -4,15 +4,9 @@
 #include <QList>
 #include <initializer_list>
 
-namespace zrn::test {
+#include "support/bytes.h"
 
-inline QByteArray Bytes(std::initializer_list<int> values) {
-  QByteArray out;
-  for (int v : values) {
-    out.append(static_cast<char>(v));
-  }
-  return out;
-}
+namespace zrn::test {
 
 // The switcher's type request, and the monitor's three answers to it, in order.
 inline const QByteArray kTypeRequest = Bytes({0x81, 0x64, 0x64, 0xFF});

@@ -9,6 +9,7 @@
 #include "storage/shows_file.h"
 #include "support/fake_link.h"
 #include "support/temp_state.h"
+#include "switcher/name_tables.h"
 #include "ui/channel_select_dialog.h"
 
 namespace zrn {

@@ -9,12 +9,12 @@
 #include <QTreeWidget>
 #include <stdexcept>
 
+#include "schedule/schedule_rules.h"
 #include "support/person.h"
 #include "support/scripted_prompt.h"
 #include "support/temp_state.h"
 #include "ui/broadcast_style.h"
 #include "ui/schedule_dialog.h"
-#include "ui/schedule_rules.h"
 
 namespace zrn {
 namespace {

@@ -15,6 +15,7 @@
 #include "support/person.h"
 #include "support/scripted_prompt.h"
 #include "support/temp_state.h"
+#include "switcher/name_tables.h"
 #include "ui/channel_pair_dialog.h"
 #include "ui/setup_dialog.h"
 #include "ui/shows_dialog.h"

@@ -16,9 +16,9 @@
 #include "support/scripted_prompt.h"
 #include "support/temp_state.h"
 #include "switcher/link.h"
+#include "switcher/silence_detect_rules.h"
 #include "ui/broadcast_style.h"
 #include "ui/silence_detect_dialog.h"
-#include "ui/silence_detect_rules.h"
 
 namespace zrn {
 namespace {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "ui/ignore_window_rules.h"
-#include "ui/time_entry.h"
+#include "schedule/time_entry.h"
+#include "shows/ignore_window_rules.h"
 
 namespace zrn {
 namespace {

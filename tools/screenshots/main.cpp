@@ -21,7 +21,6 @@
 
 #include "alerts/alerts.h"
 #include "history/alarm_history.h"
-#include "monitor/main_window.h"
 #include "monitor/monitor.h"
 #include "sim/sim_switcher.h"
 #include "storage/logs.h"
@@ -39,6 +38,7 @@
 #include "ui/silence_detect_dialog.h"
 #include "window/alarm_history_window.h"
 #include "window/find_bar_widget.h"
+#include "window/main_window.h"
 #include "window/next_day_window.h"
 
 namespace {

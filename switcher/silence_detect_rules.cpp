@@ -1,8 +1,8 @@
-#include "ui/silence_detect_rules.h"
+#include "switcher/silence_detect_rules.h"
 
 #include <algorithm>
 
-#include "monitor/panel_update.h"
+#include "core/channel_texts.h"
 
 namespace zrn {
 

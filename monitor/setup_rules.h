@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "core/channel_texts.h"
 #include "core/state.h"
 
 namespace zrn {
@@ -12,9 +13,6 @@ namespace zrn {
 // Setup keeps between one and this many watched outputs; the events file numbers its outputs
 // in one byte.
 inline constexpr int kMaxWatchedOutputs = 256;
-
-// "[0005] name" for channel 5 (1-based) of a name table; a channel beyond it reads "Uknown".
-QString ChannelItemText(int channel, const QStringList& names);
 
 // The output choice: "Undefined", then item k for switcher output k.
 QStringList OutputChoiceItems(const State& s);

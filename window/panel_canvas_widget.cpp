@@ -1,4 +1,4 @@
-#include "monitor/panel_canvas_widget.h"
+#include "window/panel_canvas_widget.h"
 
 #include <QHelpEvent>
 #include <QMouseEvent>

@@ -1,8 +1,8 @@
-#include "ui/ignore_window_rules.h"
+#include "shows/ignore_window_rules.h"
 
 #include <algorithm>
 
-#include "ui/time_entry.h"
+#include "schedule/time_entry.h"
 
 namespace zrn {
 

@@ -1,4 +1,4 @@
-#include "ui/setup_rules.h"
+#include "monitor/setup_rules.h"
 
 #include <algorithm>
 #include <limits>
@@ -14,14 +14,6 @@ namespace {
 
 constexpr int kMaxPort = 65535;
 constexpr int kMaxDisplayLines = 32767;
-
-QString FourDigits(int channel) {
-  return QStringLiteral("%1").arg(channel, 4, 10, QLatin1Char('0'));
-}
-
-int EntryCount(const State& s) {
-  return std::clamp<int>(s.OutputCount, 0, static_cast<int>(s.Outputs.size()));
-}
 
 std::optional<SetupRefusal> CheckSettings(const State& s, const SetupSettings& settings,
                                           QString& address, qint32& port) {
@@ -73,12 +65,6 @@ OutputEntry Merge(const OutputEntry& live, const SetupEntry& entry) {
 
 }  // namespace
 
-QString ChannelItemText(int channel, const QStringList& names) {
-  const bool known = channel >= 1 && channel <= names.size();
-  return QLatin1Char('[') + FourDigits(channel) + QStringLiteral("] ") +
-         (known ? names[channel - 1] : QStringLiteral("Uknown"));
-}
-
 QStringList OutputChoiceItems(const State& s) {
   QStringList items{QStringLiteral("Undefined")};
   for (int k = 1; k <= s.SwitcherOutputCount; ++k) {
@@ -105,7 +91,7 @@ RelayChoices MakeRelayChoices(const State& s) {
     choices.current = s.AlarmRelay;
   } else {
     // Not (yet) reported by the switcher: still the operator's choice, so it stays on offer.
-    choices.items << QLatin1Char('[') + FourDigits(s.AlarmRelay) +
+    choices.items << QLatin1Char('[') + ChannelDigits(s.AlarmRelay) +
                          QStringLiteral("] (not reported)");
     choices.relays.push_back(s.AlarmRelay);
     choices.current = static_cast<int>(choices.relays.size()) - 1;
@@ -127,7 +113,7 @@ qint64 FieldNumber(const QString& text) {
 
 std::vector<SetupEntry> CopySetupEntries(const State& s) {
   std::vector<SetupEntry> entries;
-  const int count = EntryCount(s);
+  const int count = WatchedCount(s);
   entries.reserve(static_cast<std::size_t>(std::max(count, 1)));
   for (int i = 0; i < count; ++i) {
     entries.push_back({i, s.Outputs[i], s.Outputs[i]});
@@ -160,7 +146,7 @@ void ChooseEntryOutput(SetupEntry& entry, qint16 output) {
 void ApplySetupEntries(State& s, const std::vector<SetupEntry>& entries) {
   std::vector<OutputEntry> outputs;
   outputs.reserve(entries.size());
-  const int live = EntryCount(s);
+  const int live = WatchedCount(s);
   for (const SetupEntry& entry : entries) {
     if (entry.origin >= 0 && entry.origin < live) {
       outputs.push_back(Merge(s.Outputs[entry.origin], entry));
@@ -185,7 +171,7 @@ std::vector<int> FollowSetupEntries(const std::vector<int>& before,
 
 void RestoreOpenedEntries(State& s, const std::vector<OutputEntry>& opened, qint16 count,
                           const std::vector<int>& liveOrigin) {
-  const int live = EntryCount(s);
+  const int live = WatchedCount(s);
   std::vector<OutputEntry> outputs = opened;
   for (int j = 0; j < live && j < static_cast<int>(liveOrigin.size()); ++j) {
     const int k = liveOrigin[static_cast<std::size_t>(j)];

@@ -1,16 +1,12 @@
-#include "ui/time_entry.h"
+#include "schedule/time_entry.h"
 
-#include <QKeyEvent>
-#include <QLineEdit>
 #include <algorithm>
 
-#include "ui/schedule_rules.h"
+#include "schedule/schedule_rules.h"
 
 namespace zrn {
 
 namespace {
-
-constexpr int kTimeLength = 8;
 
 bool ColonFollows(const QString& text) {
   return (text.size() == 2 || text.size() == 5) && text.back().isDigit();
@@ -48,7 +44,7 @@ std::optional<TimeFieldEdit> TypeTimeKey(const TimeFieldEdit& field, QChar key) 
     next.text.replace(field.selectionStart, field.selectionLength, key);
     next.cursor = field.selectionStart + 1;
   } else {
-    if (field.text.size() >= kTimeLength) {
+    if (field.text.size() >= kTimeFieldLength) {
       return std::nullopt;
     }
     next.text.insert(next.cursor, key);
@@ -74,32 +70,6 @@ std::optional<QString> EnteredTime(const QString& text) {
     return std::nullopt;
   }
   return time;
-}
-
-bool TimeFieldKeyPress(QLineEdit* field, const QKeyEvent* key) {
-  QChar typed;
-  if (key->key() == Qt::Key_Backspace) {
-    typed = QLatin1Char('\b');
-  } else if (key->text().size() == 1 && key->text()[0].isPrint() &&
-             (key->modifiers() & (Qt::ControlModifier | Qt::AltModifier)) == 0) {
-    typed = key->text()[0];
-  } else {
-    return false;
-  }
-  TimeFieldEdit edit{field->text(), field->cursorPosition(), field->selectionStart(),
-                     static_cast<int>(field->selectedText().size())};
-  if (const std::optional<TimeFieldEdit> next = TypeTimeKey(edit, typed)) {
-    field->setText(next->text);
-    field->setCursorPosition(next->cursor);
-  }
-  // A refused key is swallowed: nothing but digits goes into a time.
-  return true;
-}
-
-void PrepareTimeField(QLineEdit* field) {
-  field->setMaxLength(kTimeLength);
-  field->setFixedWidth(field->fontMetrics().horizontalAdvance(QStringLiteral("00:00:00")) + 24);
-  field->setAlignment(Qt::AlignCenter);
 }
 
 }  // namespace zrn

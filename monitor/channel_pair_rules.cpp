@@ -1,10 +1,10 @@
-#include "ui/channel_pair_rules.h"
+#include "monitor/channel_pair_rules.h"
 
 #include <algorithm>
 
-#include "monitor/panel_update.h"
-#include "ui/schedule_rules.h"
-#include "ui/setup_rules.h"
+#include "core/channel_texts.h"
+#include "monitor/setup_rules.h"
+#include "schedule/schedule_rules.h"
 
 namespace zrn {
 

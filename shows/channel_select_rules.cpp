@@ -1,10 +1,11 @@
-#include "ui/channel_select_rules.h"
+#include "shows/channel_select_rules.h"
 
 #include <algorithm>
 
 #include "shows/show_activity.h"
 #include "shows/shows_pass.h"
 #include "storage/logs.h"
+#include "switcher/name_tables.h"
 
 namespace zrn {
 

@@ -1,4 +1,4 @@
-#include "monitor/main_window.h"
+#include "window/main_window.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -17,11 +17,9 @@
 
 #include "alerts/alerts.h"
 #include "history/alarm_history.h"
-#include "monitor/alarm_controls_widget.h"
 #include "monitor/link_watch.h"
 #include "monitor/menu_commands.h"
 #include "monitor/monitor.h"
-#include "monitor/panel_canvas_widget.h"
 #include "monitor/panel_filter.h"
 #include "monitor/setup_commands.h"
 #include "shows/show_status.h"
@@ -33,10 +31,12 @@
 #include "ui/show_silence_status_dialog.h"
 #include "ui/shows_dialog.h"
 #include "ui/silence_detect_dialog.h"
+#include "window/alarm_controls_widget.h"
 #include "window/alarm_history_window.h"
 #include "window/desktop_alerts.h"
 #include "window/find_bar_widget.h"
 #include "window/next_day_window.h"
+#include "window/panel_canvas_widget.h"
 
 namespace zrn {
 

@@ -2,7 +2,7 @@
 
 #include <QWidget>
 
-#include "monitor/panel_models.h"
+#include "core/panel_models.h"
 
 namespace zrn {
 

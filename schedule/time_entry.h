@@ -3,10 +3,10 @@
 #include <QString>
 #include <optional>
 
-class QKeyEvent;
-class QLineEdit;
-
 namespace zrn {
+
+// The characters of "hh:mm:ss".
+inline constexpr int kTimeFieldLength = 8;
 
 // A time-of-day field as the operator types into it.
 struct TimeFieldEdit {
@@ -24,12 +24,5 @@ std::optional<TimeFieldEdit> TypeTimeKey(const TimeFieldEdit& field, QChar key);
 
 // The entered text as "hh:mm:ss" when it is a time of day ("24:00:00" is none); nothing else.
 std::optional<QString> EnteredTime(const QString& text);
-
-// Applies a key press to a time field by the rules above. False for the keys it leaves to the
-// caller or to the field itself: Enter, Escape, Tab, the caret keys, shortcuts.
-bool TimeFieldKeyPress(QLineEdit* field, const QKeyEvent* key);
-
-// The field's text box limits for a time: 8 characters, room for them all.
-void PrepareTimeField(QLineEdit* field);
 
 }  // namespace zrn

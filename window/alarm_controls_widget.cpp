@@ -1,9 +1,9 @@
-#include "monitor/alarm_controls_widget.h"
+#include "window/alarm_controls_widget.h"
 
 #include <QPainter>
 #include <QPushButton>
 
-#include "monitor/panel_canvas_widget.h"
+#include "window/panel_canvas_widget.h"
 
 namespace zrn {
 

@@ -1,9 +1,9 @@
-#include "ui/schedule_rules.h"
+#include "schedule/schedule_rules.h"
 
 #include <QTime>
 #include <algorithm>
 
-#include "monitor/panel_update.h"
+#include "core/channel_texts.h"
 
 namespace zrn {
 

@@ -1,4 +1,4 @@
-#include "ui/schedule_draft.h"
+#include "schedule/schedule_draft.h"
 
 #include <algorithm>
 #include <utility>
@@ -6,8 +6,8 @@
 #include "core/failure.h"
 #include "schedule/event_scheduler.h"
 #include "schedule/event_time.h"
+#include "schedule/schedule_rules.h"
 #include "storage/logs.h"
-#include "ui/schedule_rules.h"
 
 namespace zrn {
 

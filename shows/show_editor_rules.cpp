@@ -1,12 +1,13 @@
-#include "ui/show_editor_rules.h"
+#include "shows/show_editor_rules.h"
 
 #include <algorithm>
 
-#include "monitor/panel_update.h"
+#include "core/channel_texts.h"
+#include "schedule/time_entry.h"
+#include "shows/ignore_window_rules.h"
 #include "shows/show_activity.h"
 #include "shows/shows_pass.h"
-#include "ui/ignore_window_rules.h"
-#include "ui/time_entry.h"
+#include "switcher/name_tables.h"
 
 namespace zrn {
 
