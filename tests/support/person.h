@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 #include <QAbstractButton>
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QComboBox>
 #include <QDialog>
 #include <QGroupBox>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QTest>
@@ -146,6 +148,51 @@ class Person {
     Click(caption);
     Type(keys);
     Press(Qt::Key_Return);
+  }
+  // Clicks into a field, selects what it holds and types over it.
+  void Retype(QWidget* field, const QString& keys) const {
+    Click(field);
+    Press(Qt::Key_A, Qt::ControlModifier);
+    Type(keys);
+  }
+  void Retype(const QString& caption, const QString& keys) const { Retype(Find(caption), keys); }
+  // Picks a fixed list's item from the keyboard: a click gives the list the focus (its popup
+  // is closed again), Home goes to the first item and Down on from there.
+  void Pick(QWidget* list, int index) const {
+    Click(list);
+    if (QWidget* popup = QApplication::activePopupWidget()) {
+      QTest::keyClick(popup, Qt::Key_Escape);
+    }
+    Press(Qt::Key_Home);
+    for (int i = 0; i < index; ++i) {
+      Press(Qt::Key_Down);
+    }
+  }
+  void Pick(const QString& caption, int index) const { Pick(Find(caption), index); }
+  // Clicks a row of a list or table, with Ctrl to add it to the selection.
+  void ClickRow(QAbstractItemView* view, int row, Qt::KeyboardModifiers modifiers = {}) const {
+    const QModelIndex index = view->model()->index(row, 0);
+    view->scrollTo(index);
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, modifiers,
+                      view->visualRect(index).center());
+  }
+  // The texts of a list's rows in one column, as on screen.
+  static QStringList Rows(const QAbstractItemView* view, int column = 0) {
+    QStringList rows;
+    for (int r = 0; view != nullptr && r < view->model()->rowCount(); ++r) {
+      rows << view->model()->index(r, column).data().toString();
+    }
+    return rows;
+  }
+  // The visible lists of the window, in the order they were made.
+  QList<QAbstractItemView*> Lists() const {
+    QList<QAbstractItemView*> lists;
+    for (QAbstractItemView* view : window_->findChildren<QAbstractItemView*>()) {
+      if (view->isVisible() && qobject_cast<QHeaderView*>(view) == nullptr) {
+        lists << view;
+      }
+    }
+    return lists;
   }
 
   static QString Plain(QString text) { return text.remove(QLatin1Char('&')); }

@@ -3,14 +3,10 @@
 #include <functional>
 #include <memory>
 
-#include "storage/shows_file.h"
-#include "support/fake_link.h"
-#include "support/person.h"
-#include "support/scripted_prompt.h"
-#include "support/temp_state.h"
 #include "ui/channel_pair_dialog.h"
 #include "ui/ignore_window_dialog.h"
 #include "ui/shows_dialog.h"
+#include "ui/ui_fixture.h"
 
 namespace zrn {
 namespace {
@@ -50,34 +46,17 @@ const EditorCase kEditors[] = {
 };
 
 // One show with one output, edited from its start.
-class DiscardChangesTest : public test::TempStateTest,
+class DiscardChangesTest : public test::DialogTest,
                            public ::testing::WithParamInterface<EditorCase> {
  protected:
   void SetUp() override {
-    TempStateTest::SetUp();
-    s.prompt = &prompt;
-    s.link = &link;
-    ShowRecord show = MakeNewShow();
-    show.Name = QStringLiteral("News");
-    show.OutputLeft = {0};
-    show.OutputRight = {kNone};
-    show.OutputCue = {kNone};
-    show.OutputCount = 1;
-    s.Shows = {show};
-    s.ShowCount = 1;
-    s.EditShows = s.Shows;
-    s.SelectedShow = 0;
-    s.ChannelSelectMode = 1;
+    DialogTest::SetUp();
+    OneShow();
   }
   void Open() {
     dialog = GetParam().make(s);
     person.Open(*dialog);
   }
-
-  test::ScriptedPrompt prompt;
-  test::FakeLink link;
-  test::Person person;
-  std::unique_ptr<QDialog> dialog;
 };
 
 TEST_P(DiscardChangesTest, EscapeAndTheCloseBoxAskBeforeChangesAreDropped) {

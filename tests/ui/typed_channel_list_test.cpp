@@ -4,16 +4,12 @@
 #include <functional>
 #include <memory>
 
-#include "storage/shows_file.h"
-#include "support/fake_link.h"
-#include "support/person.h"
-#include "support/scripted_prompt.h"
-#include "support/temp_state.h"
 #include "ui/channel_pair_dialog.h"
 #include "ui/schedule_dialog.h"
 #include "ui/setup_dialog.h"
 #include "ui/shows_dialog.h"
 #include "ui/silence_detect_dialog.h"
+#include "ui/ui_fixture.h"
 
 namespace zrn {
 namespace {
@@ -129,27 +125,14 @@ const ListCase kCases[] = {
      15},
 };
 
-// A switcher of 256 inputs and outputs and four relays, fully reported; output 3 is watched
-// with one event routing input 3, output 6 has a relay as silence alarm device, and one show
-// takes input 3 as its downlink and sends to output 1.
-class TypedChannelListTest : public test::TempStateTest,
+// 256 inputs and outputs; output 3 is watched with one event routing input 3, output 6 has a
+// relay as silence alarm device, and one show takes input 3 as its downlink.
+class TypedChannelListTest : public test::DialogTest,
                              public ::testing::WithParamInterface<ListCase> {
  protected:
   void SetUp() override {
-    TempStateTest::SetUp();
-    s.prompt = &prompt;
-    s.link = &link;
-    s.Connected = true;
-    s.linkState.ExchangeComplete = true;
-    s.OutputNames.clear();
-    s.InputNames.clear();
-    for (int k = 1; k <= 256; ++k) {
-      s.OutputNames << QStringLiteral("TX %1").arg(k);
-      s.InputNames << QStringLiteral("Mic %1").arg(k);
-    }
-    s.SwitcherRelayCount = 4;
-    s.RelayNames = {QStringLiteral("Relay A"), QStringLiteral("Relay B"), QStringLiteral("Relay C"),
-                    QStringLiteral("Relay D")};
+    DialogTest::SetUp();
+    NameChannels(256);
     s.Outputs.resize(1);
     s.Outputs[0].Output = 3;
     s.Outputs[0].Events = {MorningEvent()};
@@ -158,18 +141,9 @@ class TypedChannelListTest : public test::TempStateTest,
     s.SelectedOutput = 0;
     s.SilenceStatus[5].Mode = 0x10A;
     s.SilenceStatus[5].Device = 1;
-    ShowRecord show = MakeNewShow();
-    show.Name = QStringLiteral("News");
-    show.DownlinkSource = 2;
-    show.OutputLeft = {0};
-    show.OutputRight = {kNone};
-    show.OutputCue = {kNone};
-    show.OutputCount = 1;
-    s.Shows = {show};
-    s.ShowCount = 1;
+    OneShow();
+    s.Shows[0].DownlinkSource = 2;
     s.EditShows = s.Shows;
-    s.SelectedShow = 0;
-    s.ChannelSelectMode = 1;
   }
 
   // Opens the case's dialog, unlocks its list and clicks into it.
@@ -188,11 +162,6 @@ class TypedChannelListTest : public test::TempStateTest,
       person.Click(caption);
     }
   }
-
-  test::ScriptedPrompt prompt;
-  test::FakeLink link;
-  test::Person person;
-  std::unique_ptr<QDialog> dialog;
 };
 
 TEST_P(TypedChannelListTest, TypedNumberAndEnterChooseTheChannelAndEscapeTakesBackTyping) {
