@@ -149,10 +149,14 @@ class Person {
     Type(keys);
     Press(Qt::Key_Return);
   }
-  // Clicks into a field, selects what it holds and types over it.
+  // Clicks into a field, takes back what it holds with Backspace and types anew.
   void Retype(QWidget* field, const QString& keys) const {
     Click(field);
-    Press(Qt::Key_A, Qt::ControlModifier);
+    Press(Qt::Key_End);
+    const auto* edit = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+    for (qsizetype i = edit != nullptr ? edit->text().size() : 0; i > 0; --i) {
+      Press(Qt::Key_Backspace);
+    }
     Type(keys);
   }
   void Retype(const QString& caption, const QString& keys) const { Retype(Find(caption), keys); }
