@@ -181,6 +181,19 @@ class MainWindowTest : public ::testing::Test {
     return shot.pixelColor(window->Canvas()->mapTo(window.get(), centre)).name();
   }
 
+  // A menu's item by its text, as the menu bar shows it.
+  QAction* MenuItem(const QString& text) const {
+    for (QAction* menu : window->menuBar()->actions()) {
+      for (QAction* item : menu->menu()->actions()) {
+        if (item->text() == text) {
+          return item;
+        }
+      }
+    }
+    ADD_FAILURE() << "no menu item " << text.toStdString();
+    return nullptr;
+  }
+
   QTemporaryDir dir;
   ManualClock clock{QDateTime(QDate(2026, 11, 18), QTime(14, 5, 0))};
   QTcpServer server;
@@ -504,32 +517,16 @@ TEST_F(MainWindowTest, ConfigurationSetAsideIsNamedInTheStatusBarAndTheMessageLi
 TEST_F(MainWindowTest, SetupCancelKeepsEachPanelOnItsOutput) {
   StartWith(QStringLiteral("Normal"), 3);
   State& s = monitor->state();
-  QAction* setup = nullptr;
-  for (QAction* menu : window->menuBar()->actions()) {
-    for (QAction* item : menu->menu()->actions()) {
-      setup = item->text() == QStringLiteral("Set&up") ? item : setup;
-    }
-  }
-  ASSERT_NE(setup, nullptr);
   bool driven = false;
-  QTimer::singleShot(0, [&] {
-    QWidget* dialog = QApplication::activeModalWidget();
-    ASSERT_NE(dialog, nullptr);
-    auto press = [&](const QString& caption) {
-      for (QPushButton* button : dialog->findChildren<QPushButton*>()) {
-        if (button->text() == caption && button->isVisible()) {
-          QTest::mouseClick(button, Qt::LeftButton);
-          return;
-        }
-      }
-      ADD_FAILURE() << "no button " << caption.toStdString();
-    };
-    press(QStringLiteral("&Remove"));
-    press(QStringLiteral("&Insert"));
-    press(QStringLiteral("&Cancel"));
+  test::WhenModal([&](QDialog& setup) {
+    test::Person person;
+    person.Open(setup);
+    for (const char* caption : {"Remove", "Insert", "Cancel"}) {
+      person.Click(QLatin1String(caption));
+    }
     driven = true;
   });
-  setup->trigger();
+  MenuItem(QStringLiteral("Set&up"))->trigger();
   ASSERT_TRUE(driven);
 
   ASSERT_EQ(s.OutputCount, 3);
@@ -564,36 +561,21 @@ TEST_F(MainWindowTest, AlertsReachTheDesktopUntilAcknowledged) {
   ASSERT_NE(desktop, nullptr);
   EXPECT_EQ(window->windowTitle(), QStringLiteral("ZRN Pennaro"));
 
-  QAction* item = nullptr;
-  for (QAction* menu : window->menuBar()->actions()) {
-    for (QAction* action : menu->menu()->actions()) {
-      item = action->text() == QStringLiteral("&Alerts...") ? action : item;
-    }
-  }
-  ASSERT_NE(item, nullptr) << "File > Alerts...";
   bool driven = false;
-  QTimer::singleShot(0, [&] {
-    auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-    ASSERT_NE(dialog, nullptr);
+  test::WhenModal([&](QDialog& dialog) {
     test::Person person;
-    person.Open(*dialog);
+    person.Open(dialog);
     person.Click(QStringLiteral("Sound until acknowledged"));
     // Another address without a token is refused and the dialog stays.
-    person.Click(QStringLiteral("Address"));
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_A, Qt::ControlModifier);
-    person.Type(QStringLiteral("0.0.0.0"));
-    person.Click(QStringLiteral("OK"));
-    EXPECT_EQ(prompt.informed.value(0),
-              QStringLiteral("Status endpoint on 0.0.0.0 needs a token."));
-    EXPECT_TRUE(dialog->isVisible());
-    person.Click(QStringLiteral("Address"));
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_A, Qt::ControlModifier);
-    person.Type(QStringLiteral("127.0.0.1"));
-    person.Click(QStringLiteral("OK"));
-    EXPECT_FALSE(dialog->isVisible());
+    for (const char* address : {"0.0.0.0", "127.0.0.1"}) {
+      person.Retype(QStringLiteral("Address"), QLatin1String(address));
+      person.Click(QStringLiteral("OK"));
+    }
+    EXPECT_EQ(prompt.informed, QStringList{"Status endpoint on 0.0.0.0 needs a token."});
+    EXPECT_FALSE(dialog.isVisible());
     driven = true;
   });
-  item->trigger();
+  MenuItem(QStringLiteral("&Alerts..."))->trigger();
   ASSERT_TRUE(driven);
   {
     const QSettings ini(dir.path() + QStringLiteral("/ZRNAlerts.ini"), QSettings::IniFormat);

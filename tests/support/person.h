@@ -46,72 +46,43 @@ class Person {
       ADD_FAILURE() << "no window open";
       return nullptr;
     }
-    const auto seen = [](const QWidget* w) { return w->isVisible(); };
-    const std::function<QList<QWidget*>()> kinds[] = {
-        [&] {
-          QList<QWidget*> found;
-          for (QLabel* label : window_->findChildren<QLabel*>()) {
-            if (seen(label) && Plain(label->text()) == caption && label->buddy() != nullptr) {
-              found << label->buddy();
-            }
-          }
-          return found;
-        },
-        [&] {
-          QList<QWidget*> found;
-          for (QGroupBox* frame : window_->findChildren<QGroupBox*>()) {
-            if (seen(frame) && Plain(frame->title()) == caption) {
-              for (QWidget* child : frame->findChildren<QWidget*>()) {
-                if (seen(child) && child->focusPolicy() != Qt::NoFocus &&
-                    child->focusProxy() == nullptr) {
-                  found << child;
-                  break;
-                }
-              }
-            }
-          }
-          return found;
-        },
-        [&] {
-          QList<QWidget*> found;
-          for (QAbstractButton* button : window_->findChildren<QAbstractButton*>()) {
-            if (seen(button) && Plain(button->text()) == caption) {
-              found << button;
-            }
-          }
-          return found;
-        },
-        [&] {
-          QList<QWidget*> found;
-          for (QAbstractButton* button : window_->findChildren<QAbstractButton*>()) {
-            if (seen(button) && button->toolTip() == caption) {
-              found << button;
-            }
-          }
-          return found;
-        },
-        [&] {
-          QList<QWidget*> found;
-          for (QComboBox* list : window_->findChildren<QComboBox*>()) {
-            if (seen(list) && list->currentText() == caption) {
-              found << list;
-            }
-          }
-          for (QLineEdit* box : window_->findChildren<QLineEdit*>()) {
-            if (seen(box) && box->text() == caption && box->focusProxy() == nullptr) {
-              found << box;
-            }
-          }
-          return found;
-        },
-    };
-    for (const auto& kind : kinds) {
-      const QList<QWidget*> found = kind();
-      if (found.size() > 1) {
-        ADD_FAILURE() << found.size() << " controls read \"" << caption.toStdString() << '"';
+    QList<QWidget*> found[5];  // by the way they match, first way first
+    for (QWidget* w : window_->findChildren<QWidget*>()) {
+      if (!w->isVisible()) {
+        continue;
       }
-      if (!found.isEmpty()) {
-        return found.front();
+      if (auto* label = qobject_cast<QLabel*>(w)) {
+        if (label->buddy() != nullptr && Plain(label->text()) == caption) {
+          found[0] << label->buddy();
+        }
+      } else if (auto* frame = qobject_cast<QGroupBox*>(w)) {
+        for (QWidget* child : frame->findChildren<QWidget*>()) {
+          if (Plain(frame->title()) == caption && child->isVisible() &&
+              child->focusPolicy() != Qt::NoFocus && child->focusProxy() == nullptr) {
+            found[1] << child;
+            break;
+          }
+        }
+      } else if (auto* button = qobject_cast<QAbstractButton*>(w)) {
+        if (Plain(button->text()) == caption || button->toolTip() == caption) {
+          found[Plain(button->text()) == caption ? 2 : 3] << button;
+        }
+      } else if (auto* list = qobject_cast<QComboBox*>(w)) {
+        if (list->currentText() == caption) {
+          found[4] << list;
+        }
+      } else if (auto* box = qobject_cast<QLineEdit*>(w)) {
+        if (box->text() == caption && box->focusProxy() == nullptr) {
+          found[4] << box;
+        }
+      }
+    }
+    for (const QList<QWidget*>& kind : found) {
+      if (kind.size() > 1) {
+        ADD_FAILURE() << kind.size() << " controls read \"" << caption.toStdString() << '"';
+      }
+      if (!kind.isEmpty()) {
+        return kind.front();
       }
     }
     ADD_FAILURE() << "nothing on screen reads \"" << caption.toStdString() << '"';
