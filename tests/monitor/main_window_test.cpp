@@ -1,10 +1,7 @@
 #include <QApplication>
-#include <QCheckBox>
-#include <QDir>
 #include <QFileInfo>
 #include <QHelpEvent>
 #include <QLabel>
-#include <QLineEdit>
 #include <QListWidget>
 #include <QMenuBar>
 #include <QPushButton>
@@ -14,7 +11,6 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTest>
-#include <QTimer>
 #include <QToolTip>
 
 #include <QSettings>
@@ -92,6 +88,7 @@ class MainWindowTest : public ::testing::Test {
     State& s = monitor->state();
     for (auto& status : s.SilenceStatus) {
       status.Mode = 0x109;
+      status.Status = 0;
     }
     s.SwitcherRelayCount = 16;
     s.RelayStates.assign(16, 0);
@@ -216,9 +213,6 @@ TEST_F(MainWindowTest, NormalViewShowsEveryPanelAndAcknowledgesByClick) {
   EXPECT_EQ(window->CancelButton()->toolTip(), QStringLiteral("Cancel Alarm"));
   EXPECT_EQ(window->StatusText()->text(), QStringLiteral("Server Module Connected"));
 
-  for (int c = 1; c <= 40; ++c) {
-    monitor->state().SilenceStatus[c - 1].Status = 0;
-  }
   SetSilent({4, 9, 17}, 1);
   EXPECT_EQ(s.panels.outputs[8].lamp, kLampRed);
   // One latch of relay 3 for the three alarms.
@@ -253,9 +247,6 @@ TEST_F(MainWindowTest, LargeViewAndCancelReleasesTheRelay) {
   State& s = monitor->state();
   EXPECT_TRUE(s.LargeViewActive);
   EXPECT_FALSE(window->History()->isVisible());
-  for (int c = 1; c <= 40; ++c) {
-    s.SilenceStatus[c - 1].Status = 0;
-  }
   SetSilent({2, 13}, 1);
   EXPECT_TRUE(ServerReceives(Bytes({0xFE, 0x44, 0x00, 0x00, 0x00, 0x02, 0x00, 0x46, 0xFF})));
   s.RelayStates[2] = 1;  // the switcher reports the relay latched
@@ -397,8 +388,8 @@ TEST_F(MainWindowTest, FindNarrowsFourThousandPanelsAndClearingPutsThemBack) {
   s.Outputs[2999].CustomLabel = QStringLiteral("Newsroom B");
   UpdateOutputs(s);
   emit monitor->changed();
-  QApplication::setActiveWindow(window.get());
-  ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+  test::Person person;
+  person.Open(*window);
 
   const auto shownPanels = [&] {
     std::vector<int> shown;
@@ -416,13 +407,13 @@ TEST_F(MainWindowTest, FindNarrowsFourThousandPanelsAndClearingPutsThemBack) {
     return VisiblePanelArea().contains(seen);
   };
   const auto clearTyped = [&] {
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backspace);
+    person.Press(Qt::Key_A, Qt::ControlModifier);
+    person.Press(Qt::Key_Backspace);
   };
 
   // Far down the grid to begin with.
   ASSERT_FALSE(inSight(1186));
-  QTest::keyClick(QApplication::focusWidget(), Qt::Key_F, Qt::ControlModifier);
+  person.Press(Qt::Key_F, Qt::ControlModifier);
   ASSERT_EQ(QApplication::focusWidget(), window->FindBar()->Text());
   const struct {
     const char* typed;
@@ -435,7 +426,7 @@ TEST_F(MainWindowTest, FindNarrowsFourThousandPanelsAndClearingPutsThemBack) {
   };
   for (const auto& c : cases) {
     clearTyped();
-    QTest::keyClicks(QApplication::focusWidget(), QString::fromLatin1(c.typed));
+    person.Type(QString::fromLatin1(c.typed));
     EXPECT_EQ(shownPanels(), c.found) << c.typed;
     for (int index : c.found) {
       EXPECT_TRUE(inSight(index)) << c.typed;
@@ -445,7 +436,7 @@ TEST_F(MainWindowTest, FindNarrowsFourThousandPanelsAndClearingPutsThemBack) {
   // By the switcher output's name: every panel watching output 163.
   clearTyped();
   s.OutputNames[162] = QStringLiteral("Traffic Desk");
-  QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("traffic"));
+  person.Type(QStringLiteral("traffic"));
   const std::vector<int> onOutput163 = shownPanels();
   ASSERT_EQ(onOutput163.size(), 16u);
   EXPECT_EQ(onOutput163.front(), 162);
@@ -453,22 +444,18 @@ TEST_F(MainWindowTest, FindNarrowsFourThousandPanelsAndClearingPutsThemBack) {
 
   // Only alarms, of those.
   SetSilent({163}, 1);
-  for (QCheckBox* box : window->findChildren<QCheckBox*>()) {
-    if (box->text() == QStringLiteral("Only alarms")) {
-      QTest::mouseClick(box, Qt::LeftButton);
-    }
-  }
+  person.Click(QStringLiteral("Only alarms"));
   EXPECT_EQ(shownPanels(), onOutput163);
-  QTest::mouseClick(window->FindBar()->Text(), Qt::LeftButton);
+  person.Click(window->FindBar()->Text());
   clearTyped();
   ASSERT_TRUE(window->FindBar()->Text()->text().isEmpty());
   SetSilent({7}, 1);
   monitor->Poll();  // the filter follows the alarms at the next poll tick
   EXPECT_EQ(shownPanels().size(), 32u) << "only the alarms, whatever their name";
-  QTest::mouseClick(window->FindBar()->OnlyAlarms(), Qt::LeftButton);
+  person.Click(QStringLiteral("Only alarms"));
 
   // Escape clears the box: every panel is back in its specified place.
-  QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+  person.Press(Qt::Key_Escape);
   EXPECT_FALSE(window->FindBar()->isVisible());
   ASSERT_EQ(shownPanels().size(), 4096u);
   for (int i = 0; i < 4096; ++i) {
@@ -532,9 +519,6 @@ TEST_F(MainWindowTest, SetupCancelKeepsEachPanelOnItsOutput) {
   ASSERT_EQ(s.OutputCount, 3);
   for (int i = 0; i < 3; ++i) {
     EXPECT_EQ(s.Outputs[i].Output, i + 1);
-  }
-  for (int c = 1; c <= 3; ++c) {
-    s.SilenceStatus[c - 1].Status = 0;
   }
   SetSilent({1}, 1);
   ClickPanel(0);
