@@ -114,6 +114,8 @@ TEST(SilenceDetectRules, ListPositionsAndDevices) {
       EXPECT_EQ(ThresholdCode(t.position), t.code) << t.position;
     }
   }
+  EXPECT_EQ(ThresholdListTexts().value(1), QStringLiteral("20 dB"));
+  EXPECT_EQ(ThresholdListTexts().value(72), QStringLiteral("-51 dB"));
   EXPECT_EQ(TimePosition(900), 500);
   const DetectMode mode = SplitMode(0x38B);
   EXPECT_EQ(mode.deviceType, 3);
