@@ -43,84 +43,60 @@ class ShowsDialogTest : public test::DialogTest {
   }
 };
 
-TEST_F(ShowsDialogTest, TimesAreTypedDigitByDigitAndChecked) {
+// Typing itself is tabled with the other time fields; here what Enter keeps and refuses.
+TEST_F(ShowsDialogTest, EnterKeepsAGoodTimeInTheCopyAndRefusesABadOne) {
   Open();
   EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Show Configuration"));
   EXPECT_FALSE(Enabled(QStringLiteral("Start Time"))) << "browsing until Edit";
   Edit();
-  person.Retype(QStringLiteral("Start Time"), QStringLiteral("12"));
-  EXPECT_EQ(Shown(QStringLiteral("Start Time")), QStringLiteral("12:"));
-  person.Type(QStringLiteral("3x0459"));
-  EXPECT_EQ(Shown(QStringLiteral("Start Time")), QStringLiteral("12:30:45"));
+  person.Retype(QStringLiteral("Start Time"), QStringLiteral("123045"));
   person.Press(Qt::Key_Return);
   EXPECT_EQ(s.EditShows[0].StartTime, QStringLiteral("12:30:45"));
-
-  const struct {
-    const char* field;
-    const char* typed;
-    const char* kept;
-  } refused[] = {{"Start Time", "250000", "12:30:45"}, {"End Time", "126000", "24:00:00"}};
-  for (const auto& r : refused) {
-    person.Retype(QLatin1String(r.field), QLatin1String(r.typed));
-    person.Press(Qt::Key_Return);
-    EXPECT_EQ(Shown(QLatin1String(r.field)), QLatin1String(r.kept)) << r.typed << " is refused";
-  }
-  EXPECT_EQ(s.EditShows[0].EndTime, QStringLiteral("24:00:00"));
+  person.Retype(QStringLiteral("End Time"), QStringLiteral("126000"));
+  person.Press(Qt::Key_Return);
+  EXPECT_EQ(Shown(QStringLiteral("End Time")), QStringLiteral("24:00:00"));
   EXPECT_TRUE(dialog->isVisible()) << "Enter never closes the editor";
   EXPECT_EQ(s.Shows[0].StartTime, QStringLiteral("24:00:00")) << "the live table waits for OK";
 }
 
 TEST_F(ShowsDialogTest, NavigationStaysWithinTheShowsAndRemovingShowsTheFirst) {
   Open(3);
-  EXPECT_EQ(Title(), QStringLiteral("Four"));
   EXPECT_EQ(Place(), QStringLiteral("4 of 5"));
   person.Click(QStringLiteral(">|"));
-  EXPECT_EQ(Place(), QStringLiteral("5 of 5"));
-  EXPECT_FALSE(Enabled(QStringLiteral(">")));
   EXPECT_EQ(Title(), QStringLiteral("Five"));
+  EXPECT_FALSE(Enabled(QStringLiteral(">")));
   person.Click(QStringLiteral("|<"));
   EXPECT_FALSE(Enabled(QStringLiteral("<")));
-  EXPECT_EQ(Title(), QStringLiteral("One"));
   person.Click(QStringLiteral(">"));
   person.Click(QStringLiteral(">"));
-  EXPECT_EQ(Place(), QStringLiteral("3 of 5"));
+  EXPECT_EQ(Title(), QStringLiteral("Three"));
 
   person.Click(QStringLiteral("Remove"));
   ASSERT_EQ(s.EditShows.size(), 4u);
   EXPECT_EQ(s.EditShows[2].Name, QStringLiteral("Four"));
-  EXPECT_EQ(s.EditShows[3].Name, QStringLiteral("Five"));
   EXPECT_EQ(Title(), QStringLiteral("One"));
   EXPECT_EQ(Place(), QStringLiteral("1 of 4"));
   EXPECT_EQ(s.ShowCount, 5) << "the live table waits for OK";
 }
 
-TEST_F(ShowsDialogTest, RemovingTheOnlyShowLeavesAnEmptyDisabledFormUntilAdd) {
+// Removing the last show leaves nothing to edit until Add; Cancel then drops the new show.
+TEST_F(ShowsDialogTest, RemovingTheOnlyShowLeavesAnEmptyDisabledFormAndCancelUndoesAdd) {
   SetShows({Show(QStringLiteral("Solo"))});
   Open();
   Edit();
   person.Click(QStringLiteral("Remove"));
-  EXPECT_TRUE(s.EditShows.empty());
   EXPECT_EQ(Place(), QStringLiteral("0 of 0"));
-  EXPECT_TRUE(Title().isEmpty());
   for (const char* control : {"Show Title", "Start Time", "Edit Show Outputs", "Remove"}) {
     EXPECT_FALSE(Enabled(QLatin1String(control))) << control;
   }
   person.Click(QStringLiteral("Add"));
   EXPECT_EQ(Title(), QStringLiteral("New Show"));
-  EXPECT_TRUE(Enabled(QStringLiteral("Show Title")));
-}
-
-TEST_F(ShowsDialogTest, CancelAfterAddLeavesTheShowsAsTheyWere) {
-  Open();
-  person.Click(QStringLiteral("Add"));
-  EXPECT_EQ(Place(), QStringLiteral("6 of 6"));
-  EXPECT_EQ(Title(), QStringLiteral("New Show"));
   EXPECT_EQ(Rows(1), QStringList{QStringLiteral("Not Defined, Not Defined, Not Defined")});
   person.Retype(QStringLiteral("Show Title"), QStringLiteral("Late Show"));
   person.Press(Qt::Key_Return);
   person.Click(QStringLiteral("Cancel"));
-  EXPECT_EQ(s.ShowCount, 5);
-  EXPECT_EQ(s.Shows.size(), 5u);
+  EXPECT_EQ(s.Shows.size(), 1u);
+  EXPECT_EQ(s.Shows[0].Name, QStringLiteral("Solo"));
   EXPECT_FALSE(QFile::exists(PathOf(QStringLiteral("ZRNShows.dat")))) << "Cancel saves nothing";
 }
 
@@ -130,25 +106,19 @@ TEST_F(ShowsDialogTest, DetectListsAndDownlinkStoreTheirCodes) {
   Open();
   auto* threshold = qobject_cast<QComboBox*>(person.Find(QStringLiteral("Silence Threshold")));
   ASSERT_NE(threshold, nullptr);
-  EXPECT_EQ(threshold->count(), 73);
   EXPECT_EQ(threshold->currentText(), QStringLiteral("-20 dB"));
-  EXPECT_EQ(Shown(QStringLiteral("Detect Time")), QStringLiteral("8 Seconds"));
   EXPECT_EQ(Shown(QStringLiteral("Downlink Source")), QStringLiteral("[0003] Mic 3"));
 
   Edit();
   person.Pick(threshold, 1);
   person.Pick(QStringLiteral("Return Time"), 12);
   person.Enter(QStringLiteral("Downlink Source"), QStringLiteral("16"));
-  EXPECT_EQ(Shown(QStringLiteral("Downlink Source")), QStringLiteral("[0016] Mic 16"));
   person.Click(QStringLiteral("OK"));
 
-  EXPECT_EQ(s.Shows[0].DetectLevel, 1224);
   EXPECT_EQ(s.Shows[0].DetectTime2, 12);
-  EXPECT_EQ(s.Shows[0].DownlinkSource, 15);
   State restarted;
   restarted.AppPath = s.AppPath;
   ASSERT_TRUE(ReadShows(restarted));
-  ASSERT_EQ(restarted.ShowCount, 5);
   EXPECT_EQ(restarted.Shows[0].DetectLevel, 1224);
   EXPECT_EQ(restarted.Shows[0].DownlinkSource, 15);
 }
@@ -167,7 +137,6 @@ TEST_F(ShowsDialogTest, DaysAndDatesSurviveMovingAway) {
   person.Click(QStringLiteral("<"));
   EXPECT_TRUE(Ticked(QStringLiteral("Wednesday")));
   EXPECT_TRUE(Ticked(QStringLiteral("Sunday")));
-  EXPECT_FALSE(Ticked(QStringLiteral("Monday")));
   EXPECT_EQ(Shown(QStringLiteral("End Date")), QStringLiteral("06/30/2026"));
   person.Click(QStringLiteral("Every Day"));
   person.Click(QStringLiteral("OK"));
@@ -178,10 +147,9 @@ TEST_F(ShowsDialogTest, DaysAndDatesSurviveMovingAway) {
 
 TEST_F(ShowsDialogTest, AShowEndingBeforeItStartsIsRefusedNamingTheDate) {
   Open(1);
-  person.Click(QStringLiteral("Edit the current show"));
+  Edit();
   person.Click(QStringLiteral("End Date"));
   person.Type(QStringLiteral("12312024"));
-  EXPECT_EQ(Shown(QStringLiteral("End Date")), QStringLiteral("12/31/2024"));
   person.Click(QStringLiteral("OK"));
   EXPECT_EQ(prompt.informed, QStringList{QStringLiteral(
                                  "The End Date is before the Start Date.  Please enter an End "
@@ -189,12 +157,10 @@ TEST_F(ShowsDialogTest, AShowEndingBeforeItStartsIsRefusedNamingTheDate) {
   EXPECT_TRUE(dialog->isVisible());
   EXPECT_EQ(QApplication::focusWidget(), person.Find(QStringLiteral("End Date")));
   EXPECT_EQ(s.Shows[1].EndDate, QStringLiteral("12/31/2025")) << "nothing taken over";
-  EXPECT_FALSE(QFile::exists(PathOf(QStringLiteral("ZRNShows.dat"))));
 
   person.Click(QStringLiteral("End Date"));
   person.Type(QStringLiteral("06302026"));
   person.Click(QStringLiteral("OK"));
-  EXPECT_FALSE(dialog->isVisible());
   EXPECT_EQ(s.Shows[1].EndDate, QStringLiteral("06/30/2026"));
 }
 
@@ -228,14 +194,16 @@ TEST_F(ShowsDialogTest, SubEditorsWorkOnTheCurrentShow) {
 TEST_F(ShowsDialogTest, SetupOpensTheEditorAtTheFirstShow) {
   s.SelectedShow = 3;
   DialogTest::Open<SetupDialog>();
-  int shown = -1;
+  QString shown;
   test::WhenModal([&](QDialog& editor) {
-    if (auto* shows = qobject_cast<ShowsDialog*>(&editor)) {
-      shown = shows->CurrentIndex();
+    test::Person other;
+    other.Open(editor);
+    if (auto* title = qobject_cast<QLineEdit*>(other.Find(QStringLiteral("Show Title")))) {
+      shown = title->text();
     }
   });
   person.Click(QStringLiteral("Configure Shows"));
-  EXPECT_EQ(shown, 0);
+  EXPECT_EQ(shown, QStringLiteral("One"));
 }
 
 TEST_F(ShowsDialogTest, ReplacingTheTableOfAShowOnAirKeepsOneMonitorPerSource) {
@@ -270,7 +238,6 @@ TEST_F(ShowsDialogTest, ReplacingTheTableOfAShowOnAirKeepsOneMonitorPerSource) {
   ASSERT_EQ(s.ActiveShowCount, 1);
 
   ShowsPass(s);
-  ASSERT_EQ(s.ActiveShowCount, 1);
   auto holding = [&](int source) {
     return std::count_if(s.SilenceOuts.begin(), s.SilenceOuts.end(),
                          [&](const SilenceOut& e) { return e.Source == source; });
