@@ -4,7 +4,6 @@
 #include <QDialog>
 #include <QGroupBox>
 #include <QLabel>
-#include <QLayout>
 #include <QLineEdit>
 #include <memory>
 #include <utility>
@@ -111,20 +110,6 @@ class DialogTest : public TempStateTest {
       }
     }
     return titles;
-  }
-  // What the field right after a label without a buddy shows.
-  QString Beside(const QString& caption) const {
-    for (const QLayout* layout : dialog->findChildren<QLayout*>()) {
-      for (int i = 0; i + 1 < layout->count(); ++i) {
-        const auto* label = qobject_cast<QLabel*>(layout->itemAt(i)->widget());
-        const auto* field = qobject_cast<QLineEdit*>(layout->itemAt(i + 1)->widget());
-        if (label != nullptr && field != nullptr && label->text() == caption) {
-          return field->text();
-        }
-      }
-    }
-    ADD_FAILURE() << "no field beside \"" << caption.toStdString() << '"';
-    return {};
   }
   QStringList Rows(int list = 0, int column = 0) const {
     return Person::Rows(person.Lists().value(list), column);
