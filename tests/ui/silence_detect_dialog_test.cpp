@@ -114,6 +114,7 @@ TEST_F(SilenceDetectDialogTest, SendStoresSendsAndLogsOnlyWhatWentOut) {
   person.Click(QStringLiteral("Send"));
   EXPECT_TRUE(link.wire.isEmpty());
   EXPECT_EQ(s.MessageRows.size(), rowsBefore);
+  EXPECT_EQ(s.SilenceStatus[5].DetectTime, 0) << "the table keeps what the switcher has";
   EXPECT_EQ(prompt.titles, QStringList{"Send Error"});
   EXPECT_TRUE(Seen(QStringLiteral("Send"))) << "ready to try again";
 }
