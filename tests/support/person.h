@@ -23,9 +23,8 @@ inline void PrintTo(const QString& text, std::ostream* os) {
 
 namespace zrn::test {
 
-// Drives a window the way an operator does: the window is shown and made active, controls are
-// found by what is written on or beside them, clicks land on the control, and keys go to
-// whatever has the focus, as the keyboard's do.
+// Drives a window as an operator does: controls are found by what is written on or beside them,
+// clicks land on the control, and keys go to whatever has the focus.
 class Person {
  public:
   // Shows the window and waits until it is the active one, so keys reach its focus widget.
@@ -38,9 +37,8 @@ class Person {
   }
 
   // The visible control named by caption: the field a label stands for, the first field in a
-  // frame of that title, a button of that text (mnemonic & left out) or tool tip or, failing
-  // those, a list or text box now showing that text. Fails the test when there is none, or
-  // more than one of the first kind that matches.
+  // frame of that title, a button of that text or tool tip or, failing those, a list or text
+  // box showing that text. Fails the test when none, or more than one of a kind, matches.
   QWidget* Find(const QString& caption) const {
     if (window_ == nullptr) {
       ADD_FAILURE() << "no window open";
@@ -89,8 +87,7 @@ class Person {
     return nullptr;
   }
 
-  // Clicks near the left edge, inside a check box's box and on a list's text rather than
-  // its arrow. A greyed control fails the test: the click would do nothing.
+  // Clicks near the left edge: inside a check box's box, on a list's text, not its arrow.
   void Click(QWidget* control) const {
     if (control == nullptr) {
       return;
@@ -131,8 +128,8 @@ class Person {
     Type(keys);
   }
   void Retype(const QString& caption, const QString& keys) const { Retype(Find(caption), keys); }
-  // Picks a fixed list's item from the keyboard: a click gives the list the focus (its popup
-  // is closed again), Home goes to the first item and Down on from there.
+  // Picks a fixed list's item from the keyboard: a click for the focus (popup closed again),
+  // Home, then Down.
   void Pick(QWidget* list, int index) const {
     Click(list);
     if (QWidget* popup = QApplication::activePopupWidget()) {
