@@ -210,8 +210,10 @@ TEST_F(MainWindowTest, NormalViewShowsEveryPanelAndAcknowledgesByClick) {
   ClickPanel(8);
   EXPECT_EQ(s.panels.outputs[8].lamp, kLampYellow);
   EXPECT_EQ(LampOnScreen(8), QStringLiteral("#ffff00"));
-  EXPECT_TRUE(window->History()->item(window->History()->count() - 1)->text().endsWith(
-      QStringLiteral("[0009] Loss Alarm Canceled - User")));
+  EXPECT_TRUE(window->History()
+                  ->item(window->History()->count() - 1)
+                  ->text()
+                  .endsWith(QStringLiteral("[0009] Loss Alarm Canceled - User")));
 
   // Resting the pointer on the acknowledged panel tells how long it has been silent.
   monitor->Poll();

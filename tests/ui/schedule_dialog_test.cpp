@@ -1,5 +1,5 @@
-#include "ui/broadcast_style.h"
 #include "ui/schedule_dialog.h"
+#include "ui/broadcast_style.h"
 #include "ui/ui_fixture.h"
 
 namespace zrn {
