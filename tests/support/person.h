@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 #include <QAbstractButton>
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QComboBox>
 #include <QDialog>
 #include <QGroupBox>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QTest>
@@ -21,9 +23,8 @@ inline void PrintTo(const QString& text, std::ostream* os) {
 
 namespace zrn::test {
 
-// Drives a window the way an operator does: the window is shown and made active, controls are
-// found by what is written on or beside them, clicks land on the control, and keys go to
-// whatever has the focus, as the keyboard's do.
+// Drives a window as an operator does: controls are found by what is written on or beside them,
+// clicks land on the control, and keys go to whatever has the focus.
 class Person {
  public:
   // Shows the window and waits until it is the active one, so keys reach its focus widget.
@@ -36,88 +37,57 @@ class Person {
   }
 
   // The visible control named by caption: the field a label stands for, the first field in a
-  // frame of that title, a button of that text (mnemonic & left out) or tool tip or, failing
-  // those, a list or text box now showing that text. Fails the test when there is none, or
-  // more than one of the first kind that matches.
+  // frame of that title, a button of that text or tool tip or, failing those, a list or text
+  // box showing that text. Fails the test when none, or more than one of a kind, matches.
   QWidget* Find(const QString& caption) const {
     if (window_ == nullptr) {
       ADD_FAILURE() << "no window open";
       return nullptr;
     }
-    const auto seen = [](const QWidget* w) { return w->isVisible(); };
-    const std::function<QList<QWidget*>()> kinds[] = {
-        [&] {
-          QList<QWidget*> found;
-          for (QLabel* label : window_->findChildren<QLabel*>()) {
-            if (seen(label) && Plain(label->text()) == caption && label->buddy() != nullptr) {
-              found << label->buddy();
-            }
-          }
-          return found;
-        },
-        [&] {
-          QList<QWidget*> found;
-          for (QGroupBox* frame : window_->findChildren<QGroupBox*>()) {
-            if (seen(frame) && Plain(frame->title()) == caption) {
-              for (QWidget* child : frame->findChildren<QWidget*>()) {
-                if (seen(child) && child->focusPolicy() != Qt::NoFocus &&
-                    child->focusProxy() == nullptr) {
-                  found << child;
-                  break;
-                }
-              }
-            }
-          }
-          return found;
-        },
-        [&] {
-          QList<QWidget*> found;
-          for (QAbstractButton* button : window_->findChildren<QAbstractButton*>()) {
-            if (seen(button) && Plain(button->text()) == caption) {
-              found << button;
-            }
-          }
-          return found;
-        },
-        [&] {
-          QList<QWidget*> found;
-          for (QAbstractButton* button : window_->findChildren<QAbstractButton*>()) {
-            if (seen(button) && button->toolTip() == caption) {
-              found << button;
-            }
-          }
-          return found;
-        },
-        [&] {
-          QList<QWidget*> found;
-          for (QComboBox* list : window_->findChildren<QComboBox*>()) {
-            if (seen(list) && list->currentText() == caption) {
-              found << list;
-            }
-          }
-          for (QLineEdit* box : window_->findChildren<QLineEdit*>()) {
-            if (seen(box) && box->text() == caption && box->focusProxy() == nullptr) {
-              found << box;
-            }
-          }
-          return found;
-        },
-    };
-    for (const auto& kind : kinds) {
-      const QList<QWidget*> found = kind();
-      if (found.size() > 1) {
-        ADD_FAILURE() << found.size() << " controls read \"" << caption.toStdString() << '"';
+    QList<QWidget*> found[5];  // by the way they match, first way first
+    for (QWidget* w : window_->findChildren<QWidget*>()) {
+      if (!w->isVisible()) {
+        continue;
       }
-      if (!found.isEmpty()) {
-        return found.front();
+      if (auto* label = qobject_cast<QLabel*>(w)) {
+        if (label->buddy() != nullptr && Plain(label->text()) == caption) {
+          found[0] << label->buddy();
+        }
+      } else if (auto* frame = qobject_cast<QGroupBox*>(w)) {
+        for (QWidget* child : frame->findChildren<QWidget*>()) {
+          if (Plain(frame->title()) == caption && child->isVisible() &&
+              child->focusPolicy() != Qt::NoFocus && child->focusProxy() == nullptr) {
+            found[1] << child;
+            break;
+          }
+        }
+      } else if (auto* button = qobject_cast<QAbstractButton*>(w)) {
+        if (Plain(button->text()) == caption || button->toolTip() == caption) {
+          found[Plain(button->text()) == caption ? 2 : 3] << button;
+        }
+      } else if (auto* list = qobject_cast<QComboBox*>(w)) {
+        if (list->currentText() == caption) {
+          found[4] << list;
+        }
+      } else if (auto* box = qobject_cast<QLineEdit*>(w)) {
+        if (box->text() == caption && box->focusProxy() == nullptr) {
+          found[4] << box;
+        }
+      }
+    }
+    for (const QList<QWidget*>& kind : found) {
+      if (kind.size() > 1) {
+        ADD_FAILURE() << kind.size() << " controls read \"" << caption.toStdString() << '"';
+      }
+      if (!kind.isEmpty()) {
+        return kind.front();
       }
     }
     ADD_FAILURE() << "nothing on screen reads \"" << caption.toStdString() << '"';
     return nullptr;
   }
 
-  // Clicks near the left edge, inside a check box's box and on a list's text rather than
-  // its arrow. A greyed control fails the test: the click would do nothing.
+  // Clicks near the left edge: inside a check box's box, on a list's text, not its arrow.
   void Click(QWidget* control) const {
     if (control == nullptr) {
       return;
@@ -146,6 +116,55 @@ class Person {
     Click(caption);
     Type(keys);
     Press(Qt::Key_Return);
+  }
+  // Clicks into a field, takes back what it holds with Backspace and types anew.
+  void Retype(QWidget* field, const QString& keys) const {
+    Click(field);
+    Press(Qt::Key_End);
+    const auto* edit = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+    for (qsizetype i = edit != nullptr ? edit->text().size() : 0; i > 0; --i) {
+      Press(Qt::Key_Backspace);
+    }
+    Type(keys);
+  }
+  void Retype(const QString& caption, const QString& keys) const { Retype(Find(caption), keys); }
+  // Picks a fixed list's item from the keyboard: a click for the focus (popup closed again),
+  // Home, then Down.
+  void Pick(QWidget* list, int index) const {
+    Click(list);
+    if (QWidget* popup = QApplication::activePopupWidget()) {
+      QTest::keyClick(popup, Qt::Key_Escape);
+    }
+    Press(Qt::Key_Home);
+    for (int i = 0; i < index; ++i) {
+      Press(Qt::Key_Down);
+    }
+  }
+  void Pick(const QString& caption, int index) const { Pick(Find(caption), index); }
+  // Clicks a row of a list or table, with Ctrl to add it to the selection.
+  void ClickRow(QAbstractItemView* view, int row, Qt::KeyboardModifiers modifiers = {}) const {
+    const QModelIndex index = view->model()->index(row, 0);
+    view->scrollTo(index);
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, modifiers,
+                      view->visualRect(index).center());
+  }
+  // The texts of a list's rows in one column, as on screen.
+  static QStringList Rows(const QAbstractItemView* view, int column = 0) {
+    QStringList rows;
+    for (int r = 0; view != nullptr && r < view->model()->rowCount(); ++r) {
+      rows << view->model()->index(r, column).data().toString();
+    }
+    return rows;
+  }
+  // The visible lists of the window, in the order they were made.
+  QList<QAbstractItemView*> Lists() const {
+    QList<QAbstractItemView*> lists;
+    for (QAbstractItemView* view : window_->findChildren<QAbstractItemView*>()) {
+      if (view->isVisible() && qobject_cast<QHeaderView*>(view) == nullptr) {
+        lists << view;
+      }
+    }
+    return lists;
   }
 
   static QString Plain(QString text) { return text.remove(QLatin1Char('&')); }

@@ -1,16 +1,8 @@
-#include <QApplication>
-#include <QLabel>
-#include <QPushButton>
-#include <QTest>
-#include <QTreeWidget>
-
+#include "ui/channel_select_dialog.h"
 #include "monitor/poll_tick.h"
 #include "shows/show_activity.h"
-#include "storage/shows_file.h"
-#include "support/fake_link.h"
-#include "support/temp_state.h"
 #include "switcher/name_tables.h"
-#include "ui/channel_select_dialog.h"
+#include "ui/ui_fixture.h"
 
 namespace zrn {
 namespace {
@@ -24,57 +16,37 @@ SilenceOut Lent(int output, int detectLevel) {
   return entry;
 }
 
-// A switcher with 16 outputs; outputs 10 and 11 (0-based 9 and 10) may be borrowed.
-class ChannelSelectTest : public test::TempStateTest {
+// Outputs 10 and 11 (0-based 9 and 10) may be borrowed for silence detection.
+class ChannelSelectTest : public test::DialogTest {
  protected:
+  // The list of every output, and the list of those that may be borrowed.
+  static constexpr int kAll = 0;
+  static constexpr int kChosen = 1;
   void SetUp() override {
-    TempStateTest::SetUp();
-    s.link = &link;
-    s.Connected = true;
-    s.linkState.ExchangeComplete = true;
-    s.SwitcherOutputCount = 16;
-    s.OutputNames.clear();
-    for (int k = 1; k <= 16; ++k) {
-      s.OutputNames << QStringLiteral("SD %1").arg(k);
-    }
+    DialogTest::SetUp();
     s.SilenceOuts = {Lent(9, 824), Lent(10, 904)};
     s.SilenceOutCount = 2;
     UpdateSilenceOutTable(s);
   }
-
-  void Open() {
-    dialog = std::make_unique<ChannelSelectDialog>(s);
-    dialog->show();
-  }
-  template <class T>
-  T* Get(const char* name) {
-    T* widget = dialog->findChild<T*>(QString::fromLatin1(name));
-    EXPECT_NE(widget, nullptr) << name;
-    return widget;
-  }
-  void Click(const char* name) { QTest::mouseClick(Get<QPushButton>(name), Qt::LeftButton); }
-  QStringList Keys(const char* list) {
-    QStringList keys;
-    auto* tree = Get<QTreeWidget>(list);
-    for (int i = 0; i < tree->topLevelItemCount(); ++i) {
-      keys << tree->topLevelItem(i)->text(1);
-    }
-    return keys;
-  }
-  void Select(const char* list, std::initializer_list<int> rows) {
-    auto* tree = Get<QTreeWidget>(list);
-    tree->clearSelection();
+  // Clicks the rows of a list, the first alone and the others with Ctrl.
+  void Select(int list, std::initializer_list<int> rows) {
+    Qt::KeyboardModifiers modifiers;
     for (int row : rows) {
-      tree->topLevelItem(row)->setSelected(true);
+      person.ClickRow(person.Lists().value(list), row, modifiers);
+      modifiers = Qt::ControlModifier;
     }
   }
-  QString Label(const char* name) { return Get<QLabel>(name)->text(); }
-
-  test::FakeLink link;
-  std::unique_ptr<ChannelSelectDialog> dialog;
+  // Takes a borrowed output out, output 13 in, and confirms.
+  void SwapFor13(int row) {
+    Select(kChosen, {row});
+    person.Click(QStringLiteral("<< Remove"));
+    Select(kAll, {12});
+    person.Click(QStringLiteral("Add >>"));
+    person.Click(QStringLiteral("OK"));
+  }
 };
 
-TEST_F(ChannelSelectTest, ListsEveryOutputAndAddsWithoutDuplicates) {
+TEST_F(ChannelSelectTest, ListsEveryOutputAndAddsWithoutDuplicatesUntilCancel) {
   ShowRecord show = MakeNewShow();
   show.StudioCount = 2;
   s.Shows = {show};
@@ -82,54 +54,40 @@ TEST_F(ChannelSelectTest, ListsEveryOutputAndAddsWithoutDuplicates) {
   s.ActiveShows = {0};
   s.ActiveShowCount = 1;
   s.RequiredSilenceOutputs = 5;
-  Open();
+  Open<ChannelSelectDialog>();
   EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Configure Available Silence Detect Outputs"));
-  auto* all = Get<QTreeWidget>("lvChannel");
-  ASSERT_EQ(all->topLevelItemCount(), 16);
-  EXPECT_EQ(all->topLevelItem(2)->text(0), QStringLiteral("SD 3 (Ch.0003)"));
-  EXPECT_EQ(Keys("lvList"), (QStringList{QStringLiteral("Ch.0010"), QStringLiteral("Ch.0011")}));
-  EXPECT_EQ(Label("lblOutCount"), QStringLiteral("Selected: 2"));
-  EXPECT_EQ(Label("lblRequired"), QStringLiteral("Currently Required: 3"));
-  EXPECT_EQ(Label("lblMax"), QStringLiteral("Max Required: 5"));
+  EXPECT_EQ(Rows(kAll).value(2), QStringLiteral("TX 3 (Ch.0003)"));
+  EXPECT_EQ(Rows(kChosen, 1), (QStringList{"Ch.0010", "Ch.0011"}));
+  EXPECT_EQ(Words(), (QStringList{"Selected: 2", "Currently Required: 3", "Max Required: 5"}));
 
-  Select("lvChannel", {11, 2, 9});  // outputs 12, 3 and 10, picked out of order
-  Click("cmdAdd");
-  EXPECT_EQ(Keys("lvList"), (QStringList{QStringLiteral("Ch.0010"), QStringLiteral("Ch.0011"),
-                                         QStringLiteral("Ch.0003"), QStringLiteral("Ch.0012")}));
-  Select("lvList", {1});
-  Click("cmdRemove");
-  EXPECT_EQ(Label("lblOutCount"), QStringLiteral("Selected: 3"));
-  Click("cmdRemoveAll");
-  EXPECT_TRUE(Keys("lvList").isEmpty());
-  EXPECT_EQ(Label("lblOutCount"), QStringLiteral("Selected: 0")) << "the count follows at once";
-  Click("cmdCancel");
+  Select(kAll, {11, 2, 9});  // outputs 12, 3 and 10, picked out of order
+  person.Click(QStringLiteral("Add >>"));
+  EXPECT_EQ(Rows(kChosen, 1), (QStringList{"Ch.0010", "Ch.0011", "Ch.0003", "Ch.0012"}));
+  Select(kChosen, {1});
+  person.Click(QStringLiteral("<< Remove"));
+  EXPECT_EQ(Words().front(), QStringLiteral("Selected: 3"));
+  person.Click(QStringLiteral("<< Remove All"));
+  EXPECT_TRUE(Rows(kChosen).isEmpty());
+  EXPECT_EQ(Words().front(), QStringLiteral("Selected: 0")) << "the count follows at once";
+  person.Click(QStringLiteral("Cancel"));
   EXPECT_EQ(s.SilenceOutCount, 2) << "Cancel writes nothing";
 }
 
 TEST_F(ChannelSelectTest, OkKeepsTheSettingsOfOutputsThatStay) {
-  Open();
-  Select("lvList", {1});
-  Click("cmdRemove");
-  Select("lvChannel", {12});
-  Click("cmdAdd");
-  Click("cmdOk");
-
-  ASSERT_EQ(s.SilenceOutCount, 2);
+  Open<ChannelSelectDialog>();
+  SwapFor13(1);
   ASSERT_EQ(s.SilenceOuts.size(), 2u);
-  EXPECT_EQ(s.SilenceOuts[0].Output, 9);
-  EXPECT_EQ(s.SilenceOuts[0].DetectLevel, 824);
-  EXPECT_EQ(s.SilenceOuts[0].DetectTime1, 8);
+  EXPECT_EQ(s.SilenceOuts[0].DetectLevel, 824) << "output 10 stays as it was";
   EXPECT_EQ(s.SilenceOuts[1].Output, 12);
   EXPECT_EQ(s.SilenceOuts[1].DetectLevel, 0) << "a new output starts cleared";
   EXPECT_EQ(s.SilenceOuts[1].Source, kNone) << "and free";
   EXPECT_EQ(s.SilenceOutIndex[12], 1);
   EXPECT_EQ(s.SilenceOutIndex[10], kNone);
 
-  Open();
-  Click("cmdRemoveAll");
-  Click("cmdOk");
+  Open<ChannelSelectDialog>();
+  person.Click(QStringLiteral("<< Remove All"));
+  person.Click(QStringLiteral("OK"));
   EXPECT_EQ(s.SilenceOutCount, 0);
-  EXPECT_TRUE(s.SilenceOuts.empty());
   EXPECT_EQ(s.SilenceOutIndex[9], kNone);
 }
 
@@ -153,21 +111,15 @@ TEST_F(ChannelSelectTest, ReplacingTheTableWhileAShowIsOnAirStrandsNoOutput) {
   ASSERT_EQ(s.Shows[0].StudioLeft[0].Monitor, 10);
 
   link.wire.clear();
-  Open();
-  Select("lvList", {0});
-  Click("cmdRemove");
-  Select("lvChannel", {12});
-  Click("cmdAdd");
-  Click("cmdOk");
+  Open<ChannelSelectDialog>();
+  SwapFor13(0);
 
   // The show starts again at once on the new table; the output taken out of the table is
   // parked, the one it keeps using is not.
   EXPECT_TRUE(link.wire.contains(QByteArray::fromHex("fe00007f7f090007ff")));
   EXPECT_FALSE(link.wire.contains(QByteArray::fromHex("fe00007f7f0a0008ff")));
-  ASSERT_EQ(s.ActiveShowCount, 1);
   EXPECT_EQ(s.Shows[0].DownlinkMonitor, 10);
   GetActiveShows(s);
-  ASSERT_EQ(s.ActiveShowCount, 1);
   for (int source : {4, 6}) {
     EXPECT_EQ(std::count_if(s.SilenceOuts.begin(), s.SilenceOuts.end(),
                             [&](const SilenceOut& e) { return e.Source == source; }),
@@ -181,5 +133,6 @@ TEST_F(ChannelSelectTest, ReplacingTheTableWhileAShowIsOnAirStrandsNoOutput) {
     EXPECT_EQ(e.Show, kNone);
   }
 }
+
 }  // namespace
 }  // namespace zrn

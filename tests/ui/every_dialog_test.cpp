@@ -1,0 +1,266 @@
+// Behaviour every dialog shares: channels typed into their lists, and copies not dropped
+// without a question.
+#include <QComboBox>
+#include <QDialog>
+#include <functional>
+#include <memory>
+
+#include "ui/channel_pair_dialog.h"
+#include "ui/ignore_window_dialog.h"
+#include "ui/schedule_dialog.h"
+#include "ui/setup_dialog.h"
+#include "ui/shows_dialog.h"
+#include "ui/silence_detect_dialog.h"
+#include "ui/ui_fixture.h"
+
+namespace zrn {
+namespace {
+
+enum class Kind {
+  Setup,
+  ScheduleEditor,
+  SilenceDetect,
+  ChannelPairEditor,
+  ShowEditor,
+  IgnoreWindowEditor
+};
+
+// One dialog with a channel list, as the operator meets it.
+struct ListCase {
+  const char* name;
+  Kind kind;
+  // The list, by the caption beside it or, without one, by what it shows on opening, and
+  // what is clicked to unlock it.
+  const char* list;
+  const char* unlock;
+  // A channel typed and the item the list then shows; another channel, taken by leaving the
+  // list, and its item; a number the list has no item for.
+  const char* typed;
+  const char* chosen;
+  const char* left;
+  const char* leftShown;
+  const char* beyond;
+  bool undefinedKey;
+  // Clicked to keep the edit ('|' between clicks), and what was kept.
+  const char* confirm;
+  int leftStored;
+};
+
+void PrintTo(const ListCase& c, std::ostream* os) {
+  *os << c.name;
+}
+
+std::unique_ptr<QDialog> Make(Kind kind, State& s) {
+  switch (kind) {
+    case Kind::Setup:
+      return std::make_unique<SetupDialog>(s, SetupEditors{});
+    case Kind::ScheduleEditor:
+      return std::make_unique<ScheduleDialog>(s);
+    case Kind::SilenceDetect:
+      return std::make_unique<SilenceDetectDialog>(s, 5);
+    case Kind::ChannelPairEditor:
+      return std::make_unique<ChannelPairDialog>(s);
+    case Kind::ShowEditor:
+      return std::make_unique<ShowsDialog>(s);
+    case Kind::IgnoreWindowEditor:
+      return std::make_unique<IgnoreWindowDialog>(s);
+  }
+  return nullptr;
+}
+
+int Stored(Kind kind, const State& s) {
+  switch (kind) {
+    case Kind::Setup:
+      return s.Outputs.at(0).Output;
+    case Kind::ScheduleEditor:
+      return s.Outputs.at(0).Events.at(0).Source;
+    case Kind::SilenceDetect:
+      return s.SilenceStatus.at(5).Device;
+    case Kind::ChannelPairEditor:
+      return s.EditShows.at(0).OutputLeft.at(0);
+    case Kind::ShowEditor:
+      return s.Shows.at(0).DownlinkSource;
+    case Kind::IgnoreWindowEditor:
+      break;
+  }
+  return kNone;
+}
+
+ScheduledEvent MorningEvent() {
+  ScheduledEvent event;
+  event.Time = QStringLiteral("06:00:00");
+  event.Active = true;
+  event.Days = 0x7F;
+  event.Connect = true;
+  event.Source = 3;
+  return event;
+}
+
+const ListCase kCases[] = {
+    {"Setup", Kind::Setup, "Monitor Destination", "Edit", "150", "[0150] TX 150", "7",
+     "[0007] TX 7", "257", true, "OK", 7},
+    {"ScheduleEditor", Kind::ScheduleEditor, "[0003] Mic 3", "Edit", "5", "[0005] Mic 5", "12",
+     "[0012] Mic 12", "257", false, "Save", 12},
+    {"SilenceDetect", Kind::SilenceDetect, "Device", "Edit", "4", "Relay D [0004]", "1",
+     "Relay A [0001]", "5", true, "Send", 0},
+    {"ChannelPairEditor", Kind::ChannelPairEditor, "Left Channel", "Edit", "12", "[0012] TX 12",
+     "200", "[0200] TX 200", "257", true, "Save|OK", 199},
+    {"ShowEditor", Kind::ShowEditor, "Downlink Source", "Edit the current show", "6",
+     "[0006] Mic 6", "16", "[0016] Mic 16", "257", false, "OK", 15},
+};
+
+// 256 inputs and outputs; output 3 is watched with one event routing input 3, output 6 has a
+// relay as silence alarm device, and one show takes input 3 as its downlink.
+class EveryDialog : public test::DialogTest {
+ protected:
+  void SetUp() override {
+    DialogTest::SetUp();
+    NameChannels(256);
+    s.Outputs.resize(1);
+    s.Outputs[0].Output = 3;
+    s.Outputs[0].Events = {MorningEvent()};
+    s.Outputs[0].EventCount = 1;
+    s.OutputCount = 1;
+    s.SelectedOutput = 0;
+    s.SilenceStatus[5].Mode = 0x10A;
+    s.SilenceStatus[5].Device = 1;
+    OneShow();
+    s.Shows[0].DownlinkSource = 2;
+    s.EditShows = s.Shows;
+  }
+};
+
+class TypedChannelListTest : public EveryDialog, public ::testing::WithParamInterface<ListCase> {
+ protected:
+  // Opens the case's dialog, unlocks its list and clicks into it.
+  QComboBox* OpenAtTheList() {
+    dialog = Make(GetParam().kind, s);
+    person.Open(*dialog);
+    person.Click(QLatin1String(GetParam().unlock));
+    auto* list = qobject_cast<QComboBox*>(person.Find(QLatin1String(GetParam().list)));
+    EXPECT_NE(list, nullptr);
+    person.Click(list);
+    EXPECT_EQ(QApplication::focusWidget(), list);
+    return list;
+  }
+  void Confirm() {
+    for (const QString& caption : QString::fromLatin1(GetParam().confirm).split(u'|')) {
+      person.Click(caption);
+    }
+  }
+};
+
+TEST_P(TypedChannelListTest, TypedNumberIsTakenByEnterOrLeavingTheListAndEscapeTakesItBack) {
+  const ListCase& c = GetParam();
+  QComboBox* list = OpenAtTheList();
+  ASSERT_NE(list, nullptr);
+
+  person.Type(QLatin1String(c.typed));
+  EXPECT_EQ(list->currentText(), QLatin1String(c.typed)) << "the digits collect in the list";
+  person.Press(Qt::Key_Return);
+  EXPECT_EQ(list->currentText(), QLatin1String(c.chosen));
+  EXPECT_TRUE(dialog->isVisible()) << "Enter belongs to the list";
+  EXPECT_FALSE(s.DialogAccepted);
+
+  person.Type(QStringLiteral("9x"));
+  EXPECT_EQ(list->currentText(), QStringLiteral("9")) << "letters are no channel";
+  person.Press(Qt::Key_Escape);
+  EXPECT_EQ(list->currentText(), QLatin1String(c.chosen));
+  EXPECT_TRUE(dialog->isVisible()) << "Escape belongs to the list";
+
+  person.Type(QLatin1String(c.beyond));
+  person.Press(Qt::Key_Return);
+  EXPECT_EQ(list->currentText(), QLatin1String(c.chosen)) << "no channel " << c.beyond;
+  person.Type(QStringLiteral("16384"));
+  EXPECT_EQ(list->currentText(), QLatin1String(c.chosen)) << "16384 is no channel";
+
+  if (c.undefinedKey) {
+    person.Type(QStringLiteral("u"));
+    EXPECT_EQ(list->currentText(), QStringLiteral("Undefined"));
+    if (c.kind == Kind::Setup) {
+      EXPECT_FALSE(Enabled(QStringLiteral("Configure Silence Detect"))) << "nothing to configure";
+    }
+    person.Type(QLatin1String(c.typed));
+    person.Press(Qt::Key_Enter);
+    EXPECT_EQ(list->currentText(), QLatin1String(c.chosen));
+  }
+
+  // Leaving the list takes a number typed but not entered.
+  person.Type(QLatin1String(c.left));
+  person.Press(Qt::Key_Tab);
+  EXPECT_NE(QApplication::focusWidget(), list);
+  EXPECT_EQ(list->currentText(), QLatin1String(c.leftShown));
+  Confirm();
+  EXPECT_EQ(Stored(c.kind, s), c.leftStored);
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryDialog, TypedChannelListTest, ::testing::ValuesIn(kCases),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+// An editor that works on a copy: what an operator changes in it ('|' between clicks), and
+// what is clicked before Escape when nothing was edited, as time fields keep Escape.
+struct EditorCase {
+  const char* name;
+  Kind kind;
+  const char* edits;
+  const char* rest;
+};
+
+void PrintTo(const EditorCase& c, std::ostream* os) {
+  *os << c.name;
+}
+
+const EditorCase kEditors[] = {
+    {"ShowEditor", Kind::ShowEditor, "Edit the current show|Monday|Every Day", nullptr},
+    {"ChannelPairEditor", Kind::ChannelPairEditor, "Add", nullptr},
+    {"IgnoreWindowEditor", Kind::IgnoreWindowEditor, "Add Listed Window", "Delete"},
+};
+
+class DiscardChangesTest : public EveryDialog, public ::testing::WithParamInterface<EditorCase> {
+ protected:
+  void Open(bool edit) {
+    dialog = Make(GetParam().kind, s);
+    person.Open(*dialog);
+    const char* clicks = edit ? GetParam().edits : GetParam().rest;
+    for (const QString& caption : QString::fromLatin1(clicks).split(u'|', Qt::SkipEmptyParts)) {
+      person.Click(caption);
+    }
+  }
+  // The show as the editor's caller sees it.
+  const ShowRecord& Show() const {
+    return GetParam().kind == Kind::ShowEditor ? s.Shows.at(0) : s.EditShows.at(0);
+  }
+};
+
+TEST_P(DiscardChangesTest, EscapeAndTheCloseBoxAskBeforeChangesAreDropped) {
+  const ShowRecord before = Show();
+  Open(false);
+  person.Press(Qt::Key_Escape);
+  EXPECT_FALSE(dialog->isVisible()) << "nothing changed, nothing to ask";
+  EXPECT_TRUE(prompt.asked.isEmpty());
+
+  Open(true);
+  person.Press(Qt::Key_Escape);
+  EXPECT_EQ(prompt.asked, QStringList{QStringLiteral("Discard changes?")});
+  EXPECT_TRUE(dialog->isVisible()) << "No keeps the editor open";
+  dialog->close();
+  EXPECT_EQ(prompt.asked.size(), 2);
+  EXPECT_TRUE(dialog->isVisible()) << "the close box asks too";
+
+  prompt.answers = {Prompt::Answer::Yes};
+  person.Press(Qt::Key_Escape);
+  EXPECT_FALSE(dialog->isVisible());
+  EXPECT_EQ(Show(), before) << "the changes were dropped";
+  EXPECT_FALSE(QFile::exists(PathOf(QStringLiteral("ZRNShows.dat"))));
+
+  Open(true);
+  person.Click(QStringLiteral("Cancel"));
+  EXPECT_FALSE(dialog->isVisible()) << "Cancel says what it does";
+  EXPECT_EQ(prompt.asked.size(), 3);
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryCopyEditor, DiscardChangesTest, ::testing::ValuesIn(kEditors),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+}  // namespace
+}  // namespace zrn
