@@ -139,11 +139,12 @@ class SimFixture : public ::testing::Test {
     }
     ASSERT_TRUE(WriteMonitorConfig(dir.path(), port, watched, mode));
     monitor = std::make_unique<Monitor>(dir.path() + QLatin1Char('/'), clock);
-    BeforeStart();
     monitor->Start();
+    Started();
     ASSERT_TRUE(WaitForExchange()) << "the start-up exchange did not complete";
   }
-  virtual void BeforeStart() {}
+  // What a test starts beside the monitor, before its exchange.
+  virtual void Started() {}
 
   bool WaitForExchange(int ms = 10000) {
     return QTest::qWaitFor(
