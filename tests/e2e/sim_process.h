@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QMap>
 #include <QProcess>
 #include <QTcpServer>
 #include <QTemporaryDir>
@@ -88,15 +89,15 @@ class SimProcess {
     return QString();
   }
 
-  // One key of the status line ("relays_on", "silent_outputs", "routes"...).
-  QString Status(const QString& key) {
+  // The status line's keys ("relays_on", "silent_outputs", "routes"...) and their values.
+  QMap<QString, QString> StatusFields() {
+    QMap<QString, QString> fields;
     for (const QString& pair : Command(QStringLiteral("status")).split(QLatin1Char(' '))) {
-      if (pair.startsWith(key + QLatin1Char('='))) {
-        return pair.mid(key.size() + 1);
-      }
+      fields.insert(pair.section(QLatin1Char('='), 0, 0), pair.section(QLatin1Char('='), 1));
     }
-    return QString();
+    return fields;
   }
+  QString Status(const QString& key) { return StatusFields().value(key); }
   bool RelayOn() { return Status(QStringLiteral("relays_on")) == QStringLiteral("1"); }
 
   void Kill() {
@@ -167,6 +168,7 @@ class SimFixture : public ::testing::Test {
 
   QTemporaryDir dir;
   quint16 port = 0;
+  ManualClock clock;  // for a test that passes it to Launch; outlives the monitor
   std::unique_ptr<SimProcess> sim;
   std::unique_ptr<Monitor> monitor;
 };
