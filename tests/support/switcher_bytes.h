@@ -1,18 +1,10 @@
 #pragma once
 
-#include <QByteArray>
 #include <QList>
-#include <initializer_list>
+
+#include "support/bytes.h"
 
 namespace zrn::test {
-
-inline QByteArray Bytes(std::initializer_list<int> values) {
-  QByteArray out;
-  for (int v : values) {
-    out.append(static_cast<char>(v));
-  }
-  return out;
-}
 
 // The switcher's type request, and the monitor's three answers to it, in order.
 inline const QByteArray kTypeRequest = Bytes({0x81, 0x64, 0x64, 0xFF});
