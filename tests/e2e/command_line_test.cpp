@@ -142,7 +142,8 @@ TEST(ProgramCommandLine, AnUnwritableProgramFolderFallsBackToTheUserDataFolder) 
   monitor.start(bin + QStringLiteral("/zrn-pennaro"), {QStringLiteral("--headless")});
   ASSERT_TRUE(monitor.waitForStarted(5000));
   const QString log = home + QStringLiteral("/.local/share/zrn-pennaro/EventLog.txt");
-  EXPECT_TRUE(QTest::qWaitFor([&] { return test::ReadText(log).contains("is not writable"); }, 10000));
+  EXPECT_TRUE(
+      QTest::qWaitFor([&] { return test::ReadText(log).contains("is not writable"); }, 10000));
   monitor.terminate();
   ASSERT_TRUE(monitor.waitForFinished(10000));
   EXPECT_EQ(monitor.exitCode(), 0) << monitor.readAllStandardError().toStdString();

@@ -140,10 +140,10 @@ class FaultInjection : public test::SimFixture {
       // Relay 1 is the alarm relay, which the monitor drives itself. Inputs are mostly those of
       // watched outputs, mostly falling silent.
       const QString command =
-          kind < 3   ? QStringLiteral("route %1 %2")
-                           .arg(Pick(6) == 0 ? QStringLiteral("none")
-                                             : QString::number(1 + Pick(kStirred)))
-                           .arg(1 + Pick(kStirred))
+          kind < 3 ? QStringLiteral("route %1 %2")
+                         .arg(Pick(6) == 0 ? QStringLiteral("none")
+                                           : QString::number(1 + Pick(kStirred)))
+                         .arg(1 + Pick(kStirred))
           : kind < 5 ? QStringLiteral("relay %1 %2").arg(2 + Pick(15)).arg(Pick(2) ? "on" : "off")
                      : QStringLiteral("input %1 %2")
                            .arg(1 + Pick(Pick(3) ? kWatched : kStirred))
