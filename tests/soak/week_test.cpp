@@ -30,7 +30,7 @@
 namespace zrn::test {
 namespace {
 
-constexpr int kWatched = 24;
+constexpr int kWatched = 16;
 constexpr qint16 kWeekdays = 0x1F, kWeekend = 0x60, kEveryDay = 0x7F;
 // A Sunday, so the first day already runs from the weekend into Monday.
 const QDateTime kStart(QDate(2026, 11, 15), QTime(7, 0));
@@ -370,7 +370,7 @@ TEST_F(Soak, OutputModeWeek) {
 }
 
 TEST_F(Soak, ShowModeWeek) {
-  // Two shows a day on the same downlink (input 20), overlapping from 09:00 to 10:00; the
+  // Two shows a day on the same downlink (input 12), overlapping from 09:00 to 10:00; the
   // later one ignores silence from 10:30 to 10:45.
   ShowRecord morning = MakeNewShow();
   morning.Name = QStringLiteral("Morning");
@@ -379,22 +379,22 @@ TEST_F(Soak, ShowModeWeek) {
   morning.StartDate = QStringLiteral("01/01/2026");
   morning.EndDate = QStringLiteral("12/31/2026");
   morning.Days = kEveryDay;
-  morning.DownlinkSource = 20;
-  morning.StudioLeft[0].Channel = 21;
+  morning.DownlinkSource = 12;
+  morning.StudioLeft[0].Channel = 13;
   ShowRecord late = morning;
   late.Name = QStringLiteral("Late Morning");
   late.StartTime = QStringLiteral("09:00:00");
   late.EndTime = QStringLiteral("11:00:00");
-  late.StudioLeft[0].Channel = 22;
+  late.StudioLeft[0].Channel = 14;
   late.IgnoreCount = 1;
   late.IgnoreWindows = {IgnoreWindow{QStringLiteral("10:30:00"), QStringLiteral("10:45:00")}};
   StartUp(1, {morning, late});
 
-  // Input 20 also feeds watched output 21, whose monitoring is on: in show mode that must not
+  // Input 12 also feeds watched output 13, whose monitoring is on: in show mode that must not
   // alarm.
-  const std::vector<Cue> cues = {{QTime(8, 30), 20, false},  {QTime(8, 35), 20, true},
-                                 {QTime(9, 20), 20, false},  {QTime(9, 25), 20, true},
-                                 {QTime(10, 35), 20, false}, {QTime(10, 40), 20, true}};
+  const std::vector<Cue> cues = {{QTime(8, 30), 12, false},  {QTime(8, 35), 12, true},
+                                 {QTime(9, 20), 12, false},  {QTime(9, 25), 12, true},
+                                 {QTime(10, 35), 12, false}, {QTime(10, 40), 12, true}};
   const int days = SoakDays();
   QStringList transitions;
   QStringList wrong;
@@ -413,7 +413,7 @@ TEST_F(Soak, ShowModeWeek) {
     // While only the later show runs, the downlink output it shares stays routed; once both
     // have ended, every borrowed output is parked and free.
     const sim::SwitchState& sw = switcher_.state();
-    if (now.time() == QTime(10, 30) && sw.outputs[200].source != 20) {
+    if (now.time() == QTime(10, 30) && sw.outputs[200].source != 12) {
       wrong << now.toString() + QStringLiteral(": shared downlink output parked");
     }
     if (now.time() == QTime(11, 5)) {
