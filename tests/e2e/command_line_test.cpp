@@ -118,14 +118,11 @@ TEST(ProgramCommandLine, AnUnwritableProgramFolderFallsBackToTheUserDataFolder) 
   ASSERT_TRUE(QFile::copy(Built("zrn-pennaro"), bin + QStringLiteral("/zrn-pennaro")));
   // Root writes anywhere, so the program then runs as nobody.
   const bool asNobody = ::getuid() == 0;
-  ASSERT_TRUE(QFile::setPermissions(dir.path(), QFileDevice::ReadOwner | QFileDevice::WriteOwner |
-                                                    QFileDevice::ExeOwner | QFileDevice::ReadOther |
-                                                    QFileDevice::ExeOther));
-  ASSERT_TRUE(QFile::setPermissions(bin, QFileDevice::ReadOwner | QFileDevice::ExeOwner |
-                                             QFileDevice::ReadOther | QFileDevice::ExeOther));
-  ASSERT_TRUE(QFile::setPermissions(home, QFileDevice::ReadOwner | QFileDevice::WriteOwner |
-                                              QFileDevice::ExeOwner | QFileDevice::ReadOther |
-                                              QFileDevice::WriteOther | QFileDevice::ExeOther));
+  using P = QFileDevice;
+  const QFileDevice::Permissions readable = P::ReadOwner | P::ExeOwner | P::ReadOther | P::ExeOther;
+  ASSERT_TRUE(QFile::setPermissions(dir.path(), readable | P::WriteOwner));
+  ASSERT_TRUE(QFile::setPermissions(bin, readable));
+  ASSERT_TRUE(QFile::setPermissions(home, readable | P::WriteOwner | P::WriteOther));
 
   QProcess monitor;
   QProcessEnvironment env = NoDisplay();
@@ -154,8 +151,7 @@ TEST(ProgramCommandLine, AnUnwritableProgramFolderFallsBackToTheUserDataFolder) 
       << text.toStdString();
   EXPECT_TRUE(text.trimmed().endsWith(QStringLiteral("Monitor Closed")));
   EXPECT_EQ(QDir(bin).entryList(QDir::Files | QDir::Hidden), QStringList{"zrn-pennaro"});
-  QFile::setPermissions(bin, QFileDevice::ReadOwner | QFileDevice::WriteOwner |
-                                 QFileDevice::ExeOwner);  // so the folder can be removed
+  QFile::setPermissions(bin, readable | P::WriteOwner);  // so the folder can be removed
 }
 
 }  // namespace
