@@ -209,10 +209,6 @@ class Soak : public ::testing::Test {
         each(next);
       }
       footprints_.push_back(Measure(s()));
-      const Footprint& f = footprints_.back();
-      std::printf("day %.1f: %lld table entries, %.1f MiB resident, %lld descriptors\n", half / 2.0,
-                  static_cast<long long>(f.entries), f.residentBytes / 1048576.0,
-                  static_cast<long long>(f.descriptors));
     }
   }
 
