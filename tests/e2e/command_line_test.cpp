@@ -24,11 +24,6 @@ QProcessEnvironment NoDisplay() {
   return env;
 }
 
-QString ReadAll(const QString& path) {
-  QFile file(path);
-  return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-}
-
 // Asking for help or the version, or mistyping an option, is answered on the terminal without a
 // display, without a connection and without a file written beside the program.
 TEST(ProgramCommandLine, HelpAndVersionAnswerAndLeaveTheFolderAlone) {
@@ -82,7 +77,7 @@ TEST(ProgramCommandLine, SilenceLatchesTheRelayAndSigtermClosesCleanly) {
     QTemporaryDir dir;
     ASSERT_TRUE(dir.isValid());
     const quint16 port = test::FreePort();
-    test::SimProcess sim(port);
+    test::SimProcess sim(port, {"--detect", "0", "--return", "0"});
     ASSERT_TRUE(sim.Start());
     const QString folder = dir.filePath(QStringLiteral("data"));
     ASSERT_TRUE(QDir().mkpath(folder));
@@ -100,14 +95,13 @@ TEST(ProgramCommandLine, SilenceLatchesTheRelayAndSigtermClosesCleanly) {
         [&] { return sim.Status(QStringLiteral("connections")) == QStringLiteral("1"); }, 10000));
     QTest::qWait(1500);  // the start-up exchange
     sim.Command(QStringLiteral("input 2 silent"));
-    EXPECT_TRUE(QTest::qWaitFor(
-        [&] { return sim.Status(QStringLiteral("relays_on")) == QStringLiteral("1"); }, 15000));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return sim.RelayOn(); }, 15000));
 
     monitor.terminate();  // SIGTERM
     ASSERT_TRUE(monitor.waitForFinished(10000));
     EXPECT_EQ(monitor.exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(monitor.exitCode(), 0);
-    const QString log = ReadAll(folder + QStringLiteral("/EventLog.txt"));
+    const QString log = test::ReadText(folder + QStringLiteral("/EventLog.txt"));
     EXPECT_TRUE(log.contains(QStringLiteral("Loss Alarm Report On"))) << log.toStdString();
     EXPECT_TRUE(log.trimmed().endsWith(QStringLiteral("Monitor Closed"))) << log.toStdString();
   }
@@ -124,14 +118,11 @@ TEST(ProgramCommandLine, AnUnwritableProgramFolderFallsBackToTheUserDataFolder) 
   ASSERT_TRUE(QFile::copy(Built("zrn-pennaro"), bin + QStringLiteral("/zrn-pennaro")));
   // Root writes anywhere, so the program then runs as nobody.
   const bool asNobody = ::getuid() == 0;
-  ASSERT_TRUE(QFile::setPermissions(dir.path(), QFileDevice::ReadOwner | QFileDevice::WriteOwner |
-                                                    QFileDevice::ExeOwner | QFileDevice::ReadOther |
-                                                    QFileDevice::ExeOther));
-  ASSERT_TRUE(QFile::setPermissions(bin, QFileDevice::ReadOwner | QFileDevice::ExeOwner |
-                                             QFileDevice::ReadOther | QFileDevice::ExeOther));
-  ASSERT_TRUE(QFile::setPermissions(home, QFileDevice::ReadOwner | QFileDevice::WriteOwner |
-                                              QFileDevice::ExeOwner | QFileDevice::ReadOther |
-                                              QFileDevice::WriteOther | QFileDevice::ExeOther));
+  using P = QFileDevice;
+  const QFileDevice::Permissions readable = P::ReadOwner | P::ExeOwner | P::ReadOther | P::ExeOther;
+  ASSERT_TRUE(QFile::setPermissions(dir.path(), readable | P::WriteOwner));
+  ASSERT_TRUE(QFile::setPermissions(bin, readable));
+  ASSERT_TRUE(QFile::setPermissions(home, readable | P::WriteOwner | P::WriteOther));
 
   QProcess monitor;
   QProcessEnvironment env = NoDisplay();
@@ -148,19 +139,19 @@ TEST(ProgramCommandLine, AnUnwritableProgramFolderFallsBackToTheUserDataFolder) 
   monitor.start(bin + QStringLiteral("/zrn-pennaro"), {QStringLiteral("--headless")});
   ASSERT_TRUE(monitor.waitForStarted(5000));
   const QString log = home + QStringLiteral("/.local/share/zrn-pennaro/EventLog.txt");
-  EXPECT_TRUE(QTest::qWaitFor([&] { return ReadAll(log).contains("is not writable"); }, 10000));
+  EXPECT_TRUE(
+      QTest::qWaitFor([&] { return test::ReadText(log).contains("is not writable"); }, 10000));
   monitor.terminate();
   ASSERT_TRUE(monitor.waitForFinished(10000));
   EXPECT_EQ(monitor.exitCode(), 0) << monitor.readAllStandardError().toStdString();
-  const QString text = ReadAll(log);
+  const QString text = test::ReadText(log);
   EXPECT_EQ(text.count(QStringLiteral("Files are kept in ") + QFileInfo(log).path() +
                        QStringLiteral(" (") + bin + QStringLiteral(" is not writable)")),
             1)
       << text.toStdString();
   EXPECT_TRUE(text.trimmed().endsWith(QStringLiteral("Monitor Closed")));
   EXPECT_EQ(QDir(bin).entryList(QDir::Files | QDir::Hidden), QStringList{"zrn-pennaro"});
-  QFile::setPermissions(bin, QFileDevice::ReadOwner | QFileDevice::WriteOwner |
-                                 QFileDevice::ExeOwner);  // so the folder can be removed
+  QFile::setPermissions(bin, readable | P::WriteOwner);  // so the folder can be removed
 }
 
 }  // namespace

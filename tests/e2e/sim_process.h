@@ -4,9 +4,15 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QMap>
 #include <QProcess>
 #include <QTcpServer>
+#include <QTemporaryDir>
 #include <QTest>
+#include <cstdio>
+#include <memory>
+
+#include "monitor/monitor.h"
 
 namespace zrn::test {
 
@@ -15,6 +21,11 @@ inline quint16 FreePort() {
   QTcpServer probe;
   probe.listen(QHostAddress::LocalHost);
   return probe.serverPort();
+}
+
+inline QString ReadText(const QString& path) {
+  QFile file(path);
+  return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
 // A configuration that watches `watched` outputs from output `first` of the switcher on
@@ -53,11 +64,9 @@ class SimProcess {
     process_.setArguments(QStringList{QStringLiteral("--port"), QString::number(port_)} + options_);
     process_.setProcessChannelMode(QProcess::SeparateChannels);
     process_.start();
-    if (!process_.waitForStarted(5000)) {
-      return false;
-    }
     // Ready once it answers a command.
-    return Command(QStringLiteral("status")).startsWith(QStringLiteral("ok"));
+    return process_.waitForStarted(5000) &&
+           Command(QStringLiteral("status")).startsWith(QStringLiteral("ok"));
   }
 
   // Sends one control line and returns the reply line.
@@ -80,16 +89,16 @@ class SimProcess {
     return QString();
   }
 
-  // One key of the status line ("relays_on", "silent_outputs", "routes"...).
-  QString Status(const QString& key) {
-    const QStringList pairs = Command(QStringLiteral("status")).split(QLatin1Char(' '));
-    for (const QString& pair : pairs) {
-      if (pair.startsWith(key + QLatin1Char('='))) {
-        return pair.mid(key.size() + 1);
-      }
+  // The status line's keys ("relays_on", "silent_outputs", "routes"...) and their values.
+  QMap<QString, QString> StatusFields() {
+    QMap<QString, QString> fields;
+    for (const QString& pair : Command(QStringLiteral("status")).split(QLatin1Char(' '))) {
+      fields.insert(pair.section(QLatin1Char('='), 0, 0), pair.section(QLatin1Char('='), 1));
     }
-    return QString();
+    return fields;
   }
+  QString Status(const QString& key) { return StatusFields().value(key); }
+  bool RelayOn() { return Status(QStringLiteral("relays_on")) == QStringLiteral("1"); }
 
   void Kill() {
     if (process_.state() != QProcess::NotRunning) {
@@ -102,6 +111,66 @@ class SimProcess {
   quint16 port_;
   QStringList options_;
   QProcess process_;
+};
+
+// The whole monitor in this process against the simulator in its own; the folder is kept when
+// the test fails.
+class SimFixture : public ::testing::Test {
+ protected:
+  void TearDown() override {
+    if (HasFailure()) {
+      dir.setAutoRemove(false);
+      std::fprintf(stderr, "kept test folder %s\n", qPrintable(dir.path()));
+    }
+  }
+
+  void StartSim(const QStringList& options = {}) {
+    ASSERT_TRUE(dir.isValid());
+    port = port != 0 ? port : FreePort();
+    sim = std::make_unique<SimProcess>(port, options);
+    ASSERT_TRUE(sim->Start()) << "zrn-switcher-sim did not start";
+  }
+
+  // The simulator (unless running), a configuration watching outputs 1 to `watched`, and the
+  // monitor, started and through its start-up exchange.
+  void Launch(const QString& mode = QStringLiteral("Output"), int watched = 4,
+              Clock* clock = nullptr) {
+    if (sim == nullptr) {
+      ASSERT_NO_FATAL_FAILURE(StartSim());
+    }
+    ASSERT_TRUE(WriteMonitorConfig(dir.path(), port, watched, mode));
+    monitor = std::make_unique<Monitor>(dir.path() + QLatin1Char('/'), clock);
+    monitor->Start();
+    Started();
+    ASSERT_TRUE(WaitForExchange()) << "the start-up exchange did not complete";
+  }
+  // What a test starts beside the monitor, before its exchange.
+  virtual void Started() {}
+
+  bool WaitForExchange(int ms = 10000) {
+    return QTest::qWaitFor(
+        [&] {
+          const State& s = monitor->state();
+          return s.Connected && s.linkState.ExchangeComplete && s.requests.Req1 == 0 &&
+                 s.requests.Req2 == 0 && s.requests.Req3 == 0 && s.requests.Req4 == 0;
+        },
+        ms);
+  }
+
+  bool LampBecomes(int panel, const Rgb& colour, int ms = 10000) {
+    return QTest::qWaitFor([&] { return monitor->state().panels.outputs[panel].lamp == colour; },
+                           ms);
+  }
+
+  QString Log(const char* name = "EventLog.txt") const {
+    return ReadText(dir.path() + QLatin1Char('/') + QLatin1String(name));
+  }
+
+  QTemporaryDir dir;
+  quint16 port = 0;
+  ManualClock clock;  // for a test that passes it to Launch; outlives the monitor
+  std::unique_ptr<SimProcess> sim;
+  std::unique_ptr<Monitor> monitor;
 };
 
 }  // namespace zrn::test

@@ -1,9 +1,6 @@
 #include "history/alarm_history.h"
 
-#include <QApplication>
 #include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
 #include <QTableWidget>
 #include <QTest>
 
@@ -13,13 +10,10 @@
 #include "monitor/panel_update.h"
 #include "storage/logs.h"
 #include "support/fake_link.h"
+#include "support/person.h"
 #include "support/temp_state.h"
 #include "switcher/link.h"
 #include "window/alarm_history_window.h"
-
-inline void PrintTo(const QString& text, std::ostream* os) {
-  *os << '"' << text.toStdString() << '"';
-}
 
 namespace zrn {
 
@@ -166,32 +160,21 @@ TEST_F(AlarmHistoryTest, WindowFiltersByOutputAndKind) {
     history.Record(t, QString::fromLatin1(line));
   }
   AlarmHistoryWindow window(monitor, history);
-  window.show();
-  QApplication::setActiveWindow(&window);
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+  test::Person person;
+  person.Open(window);
   ASSERT_EQ(window.Table()->rowCount(), 5);
   EXPECT_EQ(window.Table()->item(0, 2)->text(), QStringLiteral("no link"));
 
-  QLineEdit* output = nullptr;
-  QComboBox* kind = nullptr;
-  for (QLabel* label : window.findChildren<QLabel*>()) {
-    if (label->text() == QStringLiteral("&Output:")) {
-      output = qobject_cast<QLineEdit*>(label->buddy());
-    }
-    if (label->text() == QStringLiteral("&Kind:")) {
-      kind = qobject_cast<QComboBox*>(label->buddy());
-    }
-  }
-  ASSERT_NE(output, nullptr);
-  ASSERT_NE(kind, nullptr);
-  QTest::mouseClick(output, Qt::LeftButton);
-  QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("0012"));
+  person.Click(QStringLiteral("Output:"));
+  person.Type(QStringLiteral("0012"));
   EXPECT_EQ(window.Table()->rowCount(), 3);
   EXPECT_EQ(window.TimelineView()->Rows().size(), 1u);
 
+  QWidget* kind = person.Find(QStringLiteral("Kind:"));
+  ASSERT_NE(kind, nullptr);
   kind->setFocus(Qt::TabFocusReason);
-  QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("ack"));
-  ASSERT_EQ(kind->currentText(), QStringLiteral("acknowledged"));
+  person.Type(QStringLiteral("ack"));
+  ASSERT_EQ(qobject_cast<QComboBox*>(kind)->currentText(), QStringLiteral("acknowledged"));
   ASSERT_EQ(window.Table()->rowCount(), 1);
   EXPECT_EQ(window.Table()->item(0, 1)->text(), QStringLiteral("Studio A [0012]"));
   EXPECT_EQ(window.Table()->item(0, 3)->text(), QStringLiteral("0 s"));

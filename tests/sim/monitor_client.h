@@ -4,17 +4,11 @@
 #include <QTcpSocket>
 #include <QTest>
 
-#include <initializer_list>
+#include "support/bytes.h"
 
 namespace zrn::sim::test {
 
-inline QByteArray Bytes(std::initializer_list<int> values) {
-  QByteArray out;
-  for (int v : values) {
-    out.append(static_cast<char>(v));
-  }
-  return out;
-}
+using zrn::test::Bytes;
 
 // The monitor's end of the wire, cut into messages by the end byte (or one byte for the
 // keep-alive and acknowledgement bytes).

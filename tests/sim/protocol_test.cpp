@@ -139,28 +139,6 @@ TEST_F(SimProtocol, CommandsChangeTheSwitcherAndEveryMonitorHearsIt) {
   EXPECT_TRUE(status.contains(QLatin1String(",7:-,"))) << status.toStdString();
 }
 
-TEST_F(SimProtocol, KeepAliveIsAnsweredUnlessMutedAndDropClosesEveryConnection) {
-  a.Write(Bytes({0xF5}));
-  EXPECT_EQ(a.Next(), Bytes({0xF4}));
-  EXPECT_EQ(RunCommand(sim, QStringLiteral("mute on")), QStringLiteral("ok mute on"));
-  a.Write(Bytes({0xF5}));
-  EXPECT_TRUE(a.Quiet(300));
-  RunCommand(sim, QStringLiteral("mute off"));
-  a.Write(Bytes({0xF5, 0xF5}));
-  EXPECT_EQ(a.Next(), Bytes({0xF4}));
-  EXPECT_EQ(a.Next(), Bytes({0xF4}));
-
-  EXPECT_EQ(RunCommand(sim, QStringLiteral("drop")), QStringLiteral("ok dropped 1"));
-  EXPECT_TRUE(
-      QTest::qWaitFor([&] { return a.socket.state() == QAbstractSocket::UnconnectedState; }, 5000));
-  EXPECT_EQ(sim.ConnectionCount(), 0);
-
-  // A new connection is greeted afresh.
-  MonitorClient again;
-  ASSERT_TRUE(again.Connect(sim.Port()));
-  EXPECT_EQ(again.Next(), kTypeRequest);
-}
-
 TEST_F(SimProtocol, GarbageIsSkippedAndAnEndlessMessageCutsTheConnection) {
   // Stray bytes, a map cut short by a command, a command with a wrong checksum, a real command.
   a.Write(Bytes({0x12, 0x34, 0xF6, 0x01, 0xFE, 0x04, 0x00, 0x0B, 0x00, 0x06, 0x00, 0x16, 0xFF,

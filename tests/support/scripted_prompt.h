@@ -14,10 +14,9 @@ class ScriptedPrompt final : public Prompt {
     informed << text;
     titles << title;
   }
-  Answer Ask(const QString& title, const QString& text, bool withCancel) override {
+  Answer Ask(const QString& title, const QString& text, bool /*withCancel*/) override {
     asked << text;
     titles << title;
-    askedWithCancel.push_back(withCancel);
     if (answers.empty()) {
       return Answer::No;
     }
@@ -30,7 +29,6 @@ class ScriptedPrompt final : public Prompt {
   QStringList informed;
   QStringList asked;
   QStringList titles;
-  std::vector<bool> askedWithCancel;
 };
 
 }  // namespace zrn::test

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <QByteArray>
 #include <QList>
-#include <initializer_list>
 
 #include "support/bytes.h"
 
