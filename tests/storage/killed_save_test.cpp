@@ -17,26 +17,23 @@
 #include "storage/config_file.h"
 #include "storage/events_file.h"
 #include "storage/shows_file.h"
-#include "support/temp_state.h"
+#include "storage_fixture.h"
 
 namespace zrn {
 namespace {
-
-using test::TempStateTest;
 
 // Round n of a save loop writes content n. The contents differ in length as well as in their
 // values, so a file cut short, or mixed from two rounds, matches none of them.
 struct SavedFile {
   const char* name;
   std::function<void(State&, int)> fill;
-  std::function<bool(State&)> save;
+  bool (*save)(State&, QString*);
   // Reads the file into a fresh state, as a start-up would.
   std::function<bool(State&)> read;
 };
 
 void PrepareOutputs(State& s, int count) {
-  s.OutputCount = static_cast<qint16>(count);
-  s.PanelsLoaded = static_cast<qint16>(count);
+  s.OutputCount = s.PanelsLoaded = static_cast<qint16>(count);
   s.Outputs.assign(static_cast<size_t>(count), OutputEntry{});
 }
 
@@ -51,7 +48,7 @@ const SavedFile kFiles[] = {
          s.Outputs[k].CustomLabel = QStringLiteral("Run %1.%2").arg(n).arg(k);
        }
      },
-     [](State& s) { return WriteConfiguration(s); }, [](State& s) { return ReadConfiguration(s); }},
+     WriteConfiguration, [](State& s) { return ReadConfiguration(s); }},
     {"ZRNEvents.dat",
      [](State& s, int n) {
        PrepareOutputs(s, 2);
@@ -67,7 +64,7 @@ const SavedFile kFiles[] = {
          }
        }
      },
-     [](State& s) { return SaveEvents(s); },
+     SaveEvents,
      [](State& s) {
        PrepareOutputs(s, 2);
        return ReadEvents(s);
@@ -85,70 +82,55 @@ const SavedFile kFiles[] = {
          s.SilenceOuts[k].Output = static_cast<qint16>((n + k) % 256);
        }
      },
-     [](State& s) { return SaveShows(s); }, ReadShows},
+     SaveShows, ReadShows},
 };
 
-// The exact bytes of content n, from saves into a folder of their own.
-class Contents {
- public:
-  explicit Contents(const SavedFile& file) : file_(file) {
-    scratch_.AppPath = dir_.path() + QLatin1Char('/');
-    scratch_.clock = &clock_;
-  }
-  const QByteArray& Of(int n) {
-    auto [it, added] = cache_.try_emplace(n);
-    if (added) {
-      file_.fill(scratch_, n);
-      file_.save(scratch_);
-      QFile saved(scratch_.AppPath + QLatin1String(file_.name));
-      it->second = saved.open(QIODevice::ReadOnly) ? saved.readAll() : QByteArray();
-    }
-    return it->second;
-  }
-
- private:
-  const SavedFile& file_;
-  QTemporaryDir dir_;
-  ManualClock clock_;
-  State scratch_;
-  std::map<int, QByteArray> cache_;
-};
-
-// Saves content from, from + 1, ... until killed; announces each round before it starts.
-[[noreturn]] void SaveLoop(const SavedFile& file, State& s, int from, std::atomic<int>* started) {
-  for (int n = from; n < from + 1000000; ++n) {
-    file.fill(s, n);
-    started->store(n);
-    if (!file.save(s)) {
-      _exit(1);
-    }
-  }
-  _exit(0);
-}
-
-unsigned Seed() {
-  bool ok = false;
-  const unsigned fixed = qEnvironmentVariable("ZRN_KILLED_SAVE_SEED").toUInt(&ok);
-  return ok ? fixed : std::random_device{}();
-}
-
-class KilledSaves : public TempStateTest {
+class KilledSaves : public test::StorageTest {
  protected:
   void TearDown() override {
     if (started_ != nullptr) {
       munmap(started_, sizeof *started_);
     }
-    TempStateTest::TearDown();
+    StorageTest::TearDown();
   }
+  // The exact bytes of content n, saved into a folder of its own.
+  const QByteArray& Content(const SavedFile& file, int n) {
+    auto [it, added] = contents_[file.name].try_emplace(n);
+    if (added) {
+      State scratch;
+      scratch.AppPath = scratchDir_.path() + QLatin1Char('/');
+      scratch.clock = &clock;
+      file.fill(scratch, n);
+      file.save(scratch, nullptr);
+      QFile saved(scratch.AppPath + QLatin1String(file.name));
+      it->second = saved.open(QIODevice::ReadOnly) ? saved.readAll() : QByteArray();
+    }
+    return it->second;
+  }
+  // Saves content from, from + 1, ... until killed; announces each round before it starts.
+  [[noreturn]] void SaveLoop(const SavedFile& file, int from) {
+    for (int n = from;; ++n) {
+      file.fill(s, n);
+      started_->store(n);
+      if (!file.save(s, nullptr)) {
+        _exit(1);
+      }
+    }
+  }
+
   std::atomic<int>* started_ = nullptr;
+  QTemporaryDir scratchDir_;
+  std::map<std::string, std::map<int, QByteArray>> contents_;
 };
 
 TEST_F(KilledSaves, AFileIsAlwaysTheWholeOldOrTheWholeNewContent) {
   constexpr int kKillsPerFile = 60;
-  const unsigned seed = Seed();
+  bool fixed = false;
+  unsigned seed = qEnvironmentVariable("ZRN_KILLED_SAVE_SEED").toUInt(&fixed);
+  seed = fixed ? seed : std::random_device{}();
   std::printf("killed-save seed %u (ZRN_KILLED_SAVE_SEED repeats it)\n", seed);
   std::mt19937 random(seed);
-  const auto pick = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
+  const auto pick = [&](qint64 n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
 
   // Shared with the child, which lives on only until it is killed.
   void* shared = mmap(nullptr, sizeof(std::atomic<int>), PROT_READ | PROT_WRITE,
@@ -159,28 +141,22 @@ TEST_F(KilledSaves, AFileIsAlwaysTheWholeOldOrTheWholeNewContent) {
   int killedMidSave = 0;
   for (const SavedFile& file : kFiles) {
     SCOPED_TRACE(file.name);
-    Contents contents(file);
-    int onDisk = 0;
-    file.fill(s, onDisk);
-    ASSERT_TRUE(file.save(s));
-
     // Kills are spread over about three saves' time, so many land inside one.
     QElapsedTimer timer;
     timer.start();
-    for (int n = 1; n <= 5; ++n) {
+    for (int n = 5; n >= 0; --n) {
       file.fill(s, n);
-      file.save(s);
+      ASSERT_TRUE(file.save(s, nullptr));
     }
-    const auto saveMicros = std::max<qint64>(timer.nsecsElapsed() / 5000, 1);
-    file.fill(s, onDisk);
-    ASSERT_TRUE(file.save(s));
+    const qint64 saveMicros = std::max<qint64>(timer.nsecsElapsed() / 6000, 1);
 
+    int onDisk = 0;
     for (int kill = 0; kill < kKillsPerFile; ++kill) {
       started_->store(onDisk);
       const pid_t child = fork();
       ASSERT_GE(child, 0);
       if (child == 0) {
-        SaveLoop(file, s, onDisk + 1, started_);
+        SaveLoop(file, onDisk + 1);
       }
       // The loop has begun, and a few rounds maybe; then a random moment in a save.
       const int rounds = onDisk + pick(3);
@@ -188,8 +164,7 @@ TEST_F(KilledSaves, AFileIsAlwaysTheWholeOldOrTheWholeNewContent) {
       while (started_->load() < rounds && timer.elapsed() < 10000) {
         std::this_thread::yield();
       }
-      std::this_thread::sleep_for(
-          std::chrono::microseconds(pick(static_cast<int>(3 * saveMicros))));
+      std::this_thread::sleep_for(std::chrono::microseconds(pick(3 * saveMicros)));
       ::kill(child, SIGKILL);
       int status = 0;
       ASSERT_EQ(waitpid(child, &status, 0), child);
@@ -199,16 +174,10 @@ TEST_F(KilledSaves, AFileIsAlwaysTheWholeOldOrTheWholeNewContent) {
       // The round under way had either been committed or left the one before it whole.
       const int last = started_->load();
       const QByteArray now = ReadAll(QLatin1String(file.name));
-      if (now == contents.Of(last)) {
-        onDisk = last;
-      } else {
-        ASSERT_EQ(now, contents.Of(last - 1)) << "kill " << kill << " during round " << last;
-        ++killedMidSave;
-        onDisk = last - 1;
-      }
-      State fresh;
-      fresh.AppPath = s.AppPath;
-      fresh.clock = &clock;
+      onDisk = now == Content(file, last) ? last : last - 1;
+      ASSERT_EQ(now, Content(file, onDisk)) << "kill " << kill << " during round " << last;
+      killedMidSave += onDisk < last ? 1 : 0;
+      State fresh = Fresh();
       ASSERT_TRUE(file.read(fresh)) << "kill " << kill;
     }
   }
@@ -219,19 +188,13 @@ TEST_F(KilledSaves, AFileIsAlwaysTheWholeOldOrTheWholeNewContent) {
   // without a word, sets nothing aside, and its next saves go through.
   const QStringList leftovers = Files().filter(
       QRegularExpression(QStringLiteral("^(zrnconfig\\.ini|ZRN\\w+\\.dat)\\.\\w{6}$")));
-  std::printf("%lld temporary files left behind\n", static_cast<long long>(leftovers.size()));
   for (const SavedFile& file : kFiles) {
-    State next;
-    next.AppPath = s.AppPath;
-    next.clock = &clock;
+    State next = Fresh();
     EXPECT_TRUE(file.read(next)) << file.name;
-    EXPECT_TRUE(file.save(next)) << file.name;
+    EXPECT_TRUE(file.save(next, nullptr)) << file.name;
   }
   EXPECT_TRUE(ErrorLines().isEmpty()) << ErrorLines().join(u'\n').toStdString();
-  QStringList expected =
-      QStringList{QStringLiteral("ZRNEvents.dat"), QStringLiteral("ZRNShows.dat"),
-                  QStringLiteral("zrnconfig.ini")} +
-      leftovers;
+  QStringList expected = QStringList{"ZRNEvents.dat", "ZRNShows.dat", "zrnconfig.ini"} + leftovers;
   QStringList files = Files();
   expected.sort();
   files.sort();

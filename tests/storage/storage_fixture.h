@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QFile>
+#include <random>
+
+#include "support/temp_state.h"
+
+namespace zrn::test {
+
+// A state in a temporary folder, with what the data-file tests ask of its error log.
+class StorageTest : public TempStateTest {
+ protected:
+  // A state as start-up prepares it, sharing the fixture's folder and clock.
+  State Fresh() {
+    State t;
+    t.AppPath = s.AppPath;
+    t.clock = &clock;
+    return t;
+  }
+  bool HasErrorLine(const QString& location, const QString& text) const {
+    for (const QString& line : ErrorLines()) {
+      if (line.mid(24).startsWith(location) && line.contains(text)) {
+        return true;
+      }
+    }
+    return false;
+  }
+  // A fresh error log and no set-aside copies, so each damaged file is judged on its own.
+  void ForgetErrors(const QString& keep) {
+    s.logs = LogState{};
+    for (const QString& name : Files()) {
+      if (name != keep) {
+        QFile::remove(PathOf(name));
+      }
+    }
+  }
+  // Copies of a good file with a few bytes changed and, if asked, cut short; the same copies
+  // every run.
+  static QList<QByteArray> Corrupted(const QByteArray& whole, unsigned seed, bool cut) {
+    std::mt19937 random(seed);
+    QList<QByteArray> copies;
+    for (int round = 0; round < 300; ++round) {
+      QByteArray bytes = whole;
+      for (int k = 1 + static_cast<int>(random() % 4); k > 0; --k) {
+        bytes[static_cast<int>(random() % bytes.size())] = static_cast<char>(random() % 256);
+      }
+      if (cut && random() % 4 == 0) {
+        bytes.truncate(static_cast<int>(random() % bytes.size()));
+      }
+      copies << bytes;
+    }
+    return copies;
+  }
+};
+
+}  // namespace zrn::test
