@@ -1,14 +1,11 @@
-#include <QDir>
-#include <QFile>
-#include <random>
-
 #include "storage/shows_file.h"
-#include "support/temp_state.h"
+
+#include <QDir>
+
+#include "storage_fixture.h"
 
 namespace zrn {
 namespace {
-
-using test::TempStateTest;
 
 const QString kFile = QStringLiteral("ZRNShows.dat");
 
@@ -32,24 +29,8 @@ QByteArray TwoShowFile() {
          Hex("00000000FFFF") + Hex("380308000500") + Hex("020028002900");
 }
 
-class ShowsFile : public TempStateTest {
+class ShowsFile : public test::StorageTest {
  protected:
-  bool HasErrorLine(const QString& location, const QString& text) const {
-    for (const QString& line : ErrorLines()) {
-      if (line.mid(24).startsWith(location) && line.contains(text)) {
-        return true;
-      }
-    }
-    return false;
-  }
-  void ForgetErrors() {
-    s.logs = LogState{};
-    for (const QString& name : Files()) {
-      if (name != kFile) {
-        QFile::remove(PathOf(name));
-      }
-    }
-  }
   // A table that a failed read must leave alone.
   void MarkTables() {
     s.Shows = {MakeNewShow(), MakeNewShow()};
@@ -180,10 +161,12 @@ TEST_F(ShowsFile, SaveThenReadGivesTheSameShows) {
   EXPECT_EQ(ReadAll(kFile), saved);
 }
 
-TEST_F(ShowsFile, EveryTruncationIsAnErrorAndLeavesTheTables) {
+// Every cut of a good file is an error that leaves the tables and keeps a copy of the file;
+// randomly damaged copies read or fail, never crash.
+TEST_F(ShowsFile, DamagedFilesAreErrorsThatLeaveTheTables) {
   const QByteArray whole = TwoShowFile();
   for (int length = 0; length < whole.size(); ++length) {
-    ForgetErrors();
+    ForgetErrors(kFile);
     MarkTables();
     WriteAll(kFile, whole.left(length));
     EXPECT_FALSE(ReadShows(s)) << length;
@@ -191,19 +174,13 @@ TEST_F(ShowsFile, EveryTruncationIsAnErrorAndLeavesTheTables) {
                              QStringLiteral("Error #  62 - Input past end of file")))
         << length;
     ExpectTablesKept();
+    EXPECT_EQ(ReadAll(kFile), whole.left(length));
+    const QStringList copies = Files().filter(QStringLiteral("ZRNShows.dat.bad-"));
+    ASSERT_EQ(copies.size(), 1);
+    EXPECT_EQ(ReadAll(copies[0]), whole.left(length));
   }
-}
-
-TEST_F(ShowsFile, RandomlyCorruptedFilesNeverCrash) {
-  const QByteArray whole = TwoShowFile();
-  std::mt19937 random(516);
-  for (int round = 0; round < 300; ++round) {
-    QByteArray bytes = whole;
-    const int changes = 1 + static_cast<int>(random() % 4);
-    for (int k = 0; k < changes; ++k) {
-      bytes[static_cast<int>(random() % bytes.size())] = static_cast<char>(random() % 256);
-    }
-    ForgetErrors();
+  for (const QByteArray& bytes : Corrupted(whole, 516, false)) {
+    ForgetErrors(kFile);
     MarkTables();
     WriteAll(kFile, bytes);
     if (ReadShows(s)) {
@@ -220,7 +197,7 @@ TEST_F(ShowsFile, CountsAreNeverTrusted) {
   EXPECT_FALSE(ReadShows(s));
 
   // One show announcing 30000 outputs with two bytes left.
-  ForgetErrors();
+  ForgetErrors(kFile);
   QByteArray file = NewShowFile();
   file.replace(4 + 1 + 8 + 36 + 4, 2, Hex("3075"));
   WriteAll(kFile, file.left(4 + 1 + 8 + 36 + 4 + 2 + 2));
@@ -228,22 +205,11 @@ TEST_F(ShowsFile, CountsAreNeverTrusted) {
   EXPECT_TRUE(HasErrorLine(QStringLiteral("Error Reading shows"), QStringLiteral("#  62")));
 
   // No shows at all: the count says so and one spare record remains.
-  ForgetErrors();
+  ForgetErrors(kFile);
   WriteAll(kFile, Hex("010000000000"));
   ASSERT_TRUE(ReadShows(s));
   EXPECT_EQ(s.ShowCount, 0);
   EXPECT_EQ(s.Shows.size(), 1u);
-}
-
-TEST_F(ShowsFile, DamagedFileIsCopiedAside) {
-  const QByteArray damaged = TwoShowFile().left(40);
-  WriteAll(kFile, damaged);
-  EXPECT_FALSE(ReadShows(s));
-  EXPECT_EQ(ReadAll(kFile), damaged);
-  const QStringList copies =
-      QDir(dir.path()).entryList({QStringLiteral("ZRNShows.dat.bad-*")}, QDir::Files);
-  ASSERT_EQ(copies.size(), 1);
-  EXPECT_EQ(ReadAll(copies[0]), damaged);
 }
 
 TEST_F(ShowsFile, UnreadableShowsAreNotSaved) {
