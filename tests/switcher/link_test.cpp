@@ -1,6 +1,4 @@
-#include <QFile>
-
-#include "storage/logs.h"
+#include "core/failure.h"
 #include "switcher/frame.h"
 #include "switcher_fixture.h"
 
@@ -94,42 +92,6 @@ TEST_F(Framing, OneMessagePerCallAndEverythingAtOnceOnArrival) {
   while (DecodeAvailable(s, std::chrono::milliseconds(0))) {
   }
   EXPECT_EQ(dispatched.size(), 4);
-
-  // A burst of thousands drains within one generous budget.
-  dispatched.clear();
-  QByteArray burst;
-  for (int i = 0; i < 5000; ++i) {
-    burst += BuildFrame(0xCB, Bytes({0x0A, i % 128, 0x00, 0x01}));
-  }
-  s.ReceiveBuffer = burst;
-  EXPECT_FALSE(DecodeAvailable(s, std::chrono::seconds(60)));
-  EXPECT_EQ(dispatched.size(), 5000);
-}
-
-TEST_F(Framing, MessagesSplitAtEveryCutPointArriveWholeAndInOrder) {
-  const QByteArray stream = Bytes({0xF5, 0xCB, 0x0B, 0x00, 0x00, 0x01, 0x00, 0x0C, 0xFF, 0xF4,
-                                   0x81, 0x20, 0x01, 0x21, 0xFF, 0xF7, 0x00, 0x00, 0x00, 0xFF});
-  const QList<QByteArray> expected{Bytes({0xCB, 0x0B, 0x00, 0x00, 0x01, 0x00, 0x0C, 0xFF}),
-                                   Bytes({0x81, 0x20, 0x01, 0x21, 0xFF}),
-                                   Bytes({0xF7, 0x00, 0x00, 0x00, 0xFF})};
-  for (int cut = 0; cut <= stream.size(); ++cut) {
-    for (int secondCut = cut; secondCut <= stream.size(); ++secondCut) {
-      dispatched.clear();
-      link.wire.clear();
-      OnDataAvailable(s, stream.left(cut));
-      OnDataAvailable(s, stream.mid(cut, secondCut - cut));
-      OnDataAvailable(s, stream.mid(secondCut));
-      ASSERT_EQ(dispatched, expected) << cut << " " << secondCut;
-      ASSERT_EQ(link.wire, Bytes({0xF4}));
-      ASSERT_TRUE(s.ReceiveBuffer.isEmpty());
-    }
-  }
-  dispatched.clear();
-  for (char byte : stream) {
-    OnDataAvailable(s, QByteArray(1, byte));
-  }
-  EXPECT_EQ(dispatched, expected);
-  EXPECT_TRUE(ErrorLines().isEmpty());
 }
 
 TEST_F(Framing, ReceiveBufferIsBounded) {
@@ -159,23 +121,18 @@ TEST_F(Framing, AFailingHandlerCostsOnlyItsMessage) {
 }
 
 TEST_F(Framing, SendingSplitsLongMessagesAndContinuesPartialWrites) {
-  QByteArray big(40000, 0x11);
+  QByteArray big;
+  for (int i = 0; i < 40000; ++i) {
+    big.append(static_cast<char>(i % 127));
+  }
   EXPECT_TRUE(SendToSwitcher(s, big));
   EXPECT_EQ(link.wire, big);
   EXPECT_EQ(link.pieces, (std::vector<int>{16384, 16384, 7232}));
 
   link.wire.clear();
-  link.pieces.clear();
   link.acceptPerWrite = 3000;
-  const QByteArray counted = [] {
-    QByteArray b;
-    for (int i = 0; i < 20000; ++i) {
-      b.append(static_cast<char>(i % 127));
-    }
-    return b;
-  }();
-  EXPECT_TRUE(SendToSwitcher(s, counted));
-  EXPECT_EQ(link.wire, counted) << "a partial write continues where it stopped";
+  EXPECT_TRUE(SendToSwitcher(s, big));
+  EXPECT_EQ(link.wire, big) << "a partial write continues where it stopped";
 
   link.wire.clear();
   link.failWrites = true;

@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <random>
+#include <tuple>
 
 #include "monitor/panel_update.h"
 #include "switcher/frame.h"
@@ -111,14 +112,10 @@ TEST_F(StatusReports, DetectorStatusAndConfigurationWithinTheSwitchersOutputs) {
   Receive(Bytes({0xCB, 0x00, 0x01, 0x00, 0x14, 0x00, 0x09, 0x02, 0x7F, 0x7F, 0x38,
                  0x06, 0x08, 0x00, 0x05, 0x00, 0x00, 0x08, 0x00, 0x00, 0x71, 0xFF}));
   const SilenceStatusEntry& e = s.SilenceStatus[20];
-  EXPECT_EQ(e.Status, 1) << "kept";
-  EXPECT_EQ(e.Mode, 265);
-  EXPECT_EQ(e.Device, kNone);
-  EXPECT_EQ(e.SilenceThreshold, 824);
-  EXPECT_EQ(e.DetectTime, 8);
-  EXPECT_EQ(e.ReturnTime, 5);
-  EXPECT_EQ(e.PeakThreshold, 1024);
-  EXPECT_EQ(e.HoldTime, 0);
+  // The status is kept.
+  EXPECT_EQ(std::tuple(e.Status, e.Mode, e.Device, e.SilenceThreshold, e.DetectTime, e.ReturnTime,
+                       e.PeakThreshold, e.HoldTime),
+            std::tuple(1, 265, kNone, 824, 8, 5, 1024, 0));
   EXPECT_EQ(s.requests.Req4, 0);
 
   const QByteArray bad[] = {
@@ -257,22 +254,49 @@ QByteArray RandomReports(std::mt19937& random, int count) {
 
 struct BatchCase {
   const char* name;
-  bool showMode = false;
-  bool graceOnChannel3 = false;
-  bool statusRequestOpen = false;
+  bool showMode = false, graceOnChannel3 = false, statusRequestOpen = false;
 };
 
+// A 16-output switcher watched by 24 entries on 12 channels: some channels twice, one entry
+// beyond the switcher.
+void Prepare(State& s, const BatchCase& c) {
+  OnConnected(s);
+  s.linkState.ExchangeComplete = true;
+  s.SwitcherOutputCount = s.SwitcherInputCount = 16;
+  s.SwitcherRelayCount = 2;
+  s.RelayStates.assign(2, 0);
+  s.AlarmRelay = 1;
+  s.ProgramMode = c.showMode ? 1 : 0;
+  s.Outputs.assign(24, OutputEntry{});
+  s.OutputCount = 24;
+  for (int i = 0; i < 24; ++i) {
+    OutputEntry& e = s.Outputs[i];
+    e.Output = static_cast<qint16>(i < 23 ? 1 + (i * 5) % 12 : 17);
+    e.DisplayOption = static_cast<qint16>(i % 3);
+    e.MonitoringEnabled = i % 7 != 6;
+    e.AlarmState = static_cast<qint16>(i % 5 == 0 ? 1 : 0);
+  }
+  for (int o = 0; o < 16; ++o) {
+    s.SilenceStatus[o].Mode = o == 4 ? 0 : kDetecting;
+    s.InputNames[o] = QStringLiteral("In %1").arg(o);
+  }
+  if (c.graceOnChannel3) {
+    StartSilenceGrace(s, 2, 9);
+  }
+  UpdateOutputs(s);
+  if (c.statusRequestOpen) {
+    SetRequest(s, kRequestSilenceStatus);
+  }
+}
+
 // The panel update keeps what its last full pass found while a batch of reports is decoded, and
-// then touches only the outputs a report names. Whatever a stream holds, a batch must end
-// exactly where one report at a time, each with its full pass, ends: lamps, texts, alarm
-// states, activity lines, relay commands.
+// then touches only the outputs a report names. A batch must end exactly where one report at a
+// time, each with its full pass, ends: lamps, texts, alarm states, activity lines, relay commands.
 TEST(StatusReportBatches, EndWhereOneReportAtATimeEnds) {
-  const BatchCase cases[] = {
-      {"outputs"},
-      {"show mode", true},
-      {"a grace running", false, true},
-      {"detector status still awaited", false, false, true},
-  };
+  const BatchCase cases[] = {{"outputs"},
+                             {"show mode", true},
+                             {"a grace running", false, true},
+                             {"detector status still awaited", false, false, true}};
   for (const BatchCase& c : cases) {
     SCOPED_TRACE(c.name);
     std::mt19937 random(20261123);
@@ -283,43 +307,12 @@ TEST(StatusReportBatches, EndWhereOneReportAtATimeEnds) {
         ManualClock clock;
         FakeLink link;
         State s;
-      };
-      Side batch;
-      Side single;
+      } batch, single;
       for (Side* side : {&batch, &single}) {
-        State& s = side->s;
-        s.AppPath = side->dir.path() + QLatin1Char('/');
-        s.clock = &side->clock;
-        s.link = &side->link;
-        OnConnected(s);
-        s.linkState.ExchangeComplete = true;
-        s.SwitcherOutputCount = 16;
-        s.SwitcherInputCount = 16;
-        s.SwitcherRelayCount = 2;
-        s.RelayStates.assign(2, 0);
-        s.AlarmRelay = 1;
-        s.ProgramMode = c.showMode ? 1 : 0;
-        // 24 watched entries on 12 channels: some channels twice, one beyond the switcher.
-        s.Outputs.assign(24, OutputEntry{});
-        s.OutputCount = 24;
-        for (int i = 0; i < 24; ++i) {
-          OutputEntry& e = s.Outputs[i];
-          e.Output = static_cast<qint16>(i < 23 ? 1 + (i * 5) % 12 : 17);
-          e.DisplayOption = static_cast<qint16>(i % 3);
-          e.MonitoringEnabled = i % 7 != 6;
-          e.AlarmState = static_cast<qint16>(i % 5 == 0 ? 1 : 0);
-        }
-        for (int o = 0; o < 16; ++o) {
-          s.SilenceStatus[o].Mode = o == 4 ? 0 : kDetecting;
-          s.InputNames[o] = QStringLiteral("In %1").arg(o);
-        }
-        if (c.graceOnChannel3) {
-          StartSilenceGrace(s, 2, 9);
-        }
-        UpdateOutputs(s);
-        if (c.statusRequestOpen) {
-          SetRequest(s, kRequestSilenceStatus);
-        }
+        side->s.AppPath = side->dir.path() + QLatin1Char('/');
+        side->s.clock = &side->clock;
+        side->s.link = &side->link;
+        Prepare(side->s, c);
       }
       OnDataAvailable(batch.s, stream);
       ASSERT_TRUE(batch.s.ReceiveBuffer.isEmpty());
