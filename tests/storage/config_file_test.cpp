@@ -44,67 +44,48 @@ class ConfigFileTest : public test::StorageTest {
   }
 };
 
-TEST_F(ConfigFileTest, AbsentFileGivesTheDefaults) {
-  s.ServerAddress = "10.0.0.9";
-  s.ServerPort = 9;
-  s.MaxLogFileSize = 0;
-  s.MaxDisplay = 3;
-  s.AlarmRelay = 4;
-  s.DefaultViewLarge = 1;
-  s.ProgramMode = 1;
-  s.Outputs.assign(3, OutputEntry{});
-
-  ASSERT_TRUE(ReadConfiguration(s));
-  EXPECT_EQ(s.ServerAddress, "127.0.0.1");
-  EXPECT_EQ(s.ServerPort, 1250);
-  EXPECT_EQ(s.MaxLogFileSize, 5000);
-  EXPECT_EQ(s.MaxDisplay, 100);
-  EXPECT_EQ(s.AlarmRelay, kNone);
-  EXPECT_EQ(s.DefaultViewLarge, 1);  // not part of the defaults
-  EXPECT_EQ(s.ProgramMode, 1);
-  EXPECT_EQ(s.OutputCount, 1);
-  ASSERT_EQ(s.Outputs.size(), 1u);
-  EXPECT_EQ(s.Outputs[0].Output, 1);
-  EXPECT_EQ(s.Outputs[0].CustomLabel, "None");
-  EXPECT_EQ(s.Outputs[0].Events.size(), 1u);
-  EXPECT_TRUE(s.Outputs[0].MonitoringEnabled);
-  EXPECT_TRUE(Files().isEmpty());  // nothing created, nothing logged
-}
-
+// Each row starts from the same state as start-up might leave it: a key the file does not hold
+// keeps its value, an absent file gives the defaults (but for the view and the mode).
 TEST_F(ConfigFileTest, ScalarValuesFollowTheirRules) {
-  State a = Fresh();
-  ASSERT_TRUE(Load(a, {"[CONFIGURATION]", "Server IP Address=", "Server IP Port=12 51",
-                       "Maximum Log File Size=0", "Maximum Display=0", "Alarm Relay=0",
-                       "Default View=Large", "Program Mode=Show"}));
-  EXPECT_EQ(a.ServerAddress, "127.0.0.1");
-  EXPECT_EQ(a.ServerPort, 1251);
-  EXPECT_EQ(a.MaxLogFileSize, 0);  // no rotation, as written
-  EXPECT_EQ(a.MaxDisplay, 125);
-  EXPECT_EQ(a.AlarmRelay, kNone);
-  EXPECT_EQ(a.DefaultViewLarge, 1);
-  EXPECT_EQ(a.ProgramMode, 1);
-
-  State b = Fresh();
-  b.MaxLogFileSize = 777;
-  b.DefaultViewLarge = 1;
-  b.ProgramMode = 1;
-  // Blank lines, leading blanks, a quoted entry and a value cut at its width.
-  ASSERT_TRUE(Load(b, {"", "   ", "  Server IP Address=192.168.100.200-abcdefghijklmnop",
-                       "Server IP Port=-80", "\"Alarm Relay=2.5\" ignored", "Default View=large",
-                       "Program Mode=Output", "Maximum Display=33.5"}));
-  EXPECT_EQ(b.ServerAddress, "192.168.100.200-abcdefghi");
-  EXPECT_EQ(b.ServerPort, 1250);
-  EXPECT_EQ(b.MaxLogFileSize, 777);  // absent key keeps what start-up set
-  EXPECT_EQ(b.AlarmRelay, 2);        // halves round to even
-  EXPECT_EQ(b.MaxDisplay, 34);
-  EXPECT_EQ(b.DefaultViewLarge, 0);  // keys and words are case-sensitive
-  EXPECT_EQ(b.ProgramMode, 0);
-
-  State c = Fresh();
-  ASSERT_TRUE(Load(c, {"Maximum Log File Size=-3", "Server IP Port=99999"}));
-  EXPECT_EQ(c.MaxLogFileSize, 5000);
-  EXPECT_EQ(c.ServerPort, 99999);
-  EXPECT_EQ(c.MaxDisplay, 100);
+  using Scalars = std::tuple<QString, int, int, int, int, int, int>;
+  const struct {
+    QByteArrayList lines;  // none: no file
+    Scalars read;
+  } cases[] = {
+      {{}, {"127.0.0.1", 1250, 5000, 100, kNone, 1, 1}},
+      {{"[CONFIGURATION]", "Server IP Address=", "Server IP Port=12 51", "Maximum Log File Size=0",
+        "Maximum Display=0", "Alarm Relay=0", "Default View=Large", "Program Mode=Show"},
+       {"127.0.0.1", 1251, 0, 125, kNone, 1, 1}},
+      // Blank lines, leading blanks, a quoted entry, a value cut at its width, halves rounding
+      // to even, and keys and words that are case-sensitive.
+      {{"", "   ", "  Server IP Address=192.168.100.200-abcdefghijklmnop", "Server IP Port=-80",
+        "\"Alarm Relay=2.5\" ignored", "Default View=large", "Program Mode=Output",
+        "Maximum Display=33.5"},
+       {"192.168.100.200-abcdefghi", 1250, 777, 34, 2, 0, 0}},
+      {{"Maximum Log File Size=-3", "Server IP Port=99999"}, {"10.0.0.9", 99999, 5000, 3, 4, 1, 1}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.lines.join('|').toStdString());
+    State t = Fresh();
+    t.ServerAddress = "10.0.0.9";
+    t.ServerPort = 9;
+    t.MaxLogFileSize = 777;
+    t.MaxDisplay = 3;
+    t.AlarmRelay = 4;
+    t.DefaultViewLarge = t.ProgramMode = 1;
+    t.Outputs.assign(3, OutputEntry{});
+    QFile::remove(PathOf(kIni));
+    ASSERT_TRUE(c.lines.isEmpty() ? ReadConfiguration(t) : Load(t, c.lines));
+    EXPECT_EQ(Scalars(t.ServerAddress, t.ServerPort, t.MaxLogFileSize, t.MaxDisplay, t.AlarmRelay,
+                      t.DefaultViewLarge, t.ProgramMode),
+              c.read);
+    if (c.lines.isEmpty()) {
+      ASSERT_EQ(t.Outputs.size(), 1u);
+      EXPECT_EQ(t.OutputCount, 1);
+      EXPECT_EQ(Fields(t.Outputs[0]), Fields({1, 0, "None", 0, 1, true}));
+      EXPECT_TRUE(Files().isEmpty());  // nothing created, nothing logged
+    }
+  }
 }
 
 TEST_F(ConfigFileTest, SectionsFillTheOutputsTable) {
