@@ -153,8 +153,8 @@ TEST_F(EventsFile, RoundTripKeepsEveryField) {
   }
 }
 
-// Every cut of a good file is an error; randomly damaged copies read or fail, never crash.
-TEST_F(EventsFile, DamagedFilesAreErrorsAndNeverCrash) {
+// Every cut of a good file is an error (randomly damaged files are the fuzz target's).
+TEST_F(EventsFile, EveryCutOfAGoodFileIsAnError) {
   const QByteArray whole = ThreeEventFile();
   ASSERT_EQ(whole.size(), 4 + 3 * 27);
   for (int length = 0; length < whole.size(); ++length) {
@@ -164,20 +164,6 @@ TEST_F(EventsFile, DamagedFilesAreErrorsAndNeverCrash) {
     EXPECT_TRUE(HasErrorLine(QStringLiteral("Error Reading Events"),
                              QStringLiteral("Error #  62 - Input past end of file")))
         << length;
-  }
-  int round = 0;
-  for (const QByteArray& bytes : Corrupted(whole, 20250516, true)) {
-    ForgetErrors(kFile);
-    WriteAll(kFile, bytes);
-    UseOutputs(2);
-    if (ReadEvents(s)) {
-      for (const OutputEntry& output : s.Outputs) {
-        ASSERT_LE(output.EventCount, static_cast<int>(output.Events.size()));
-      }
-    } else {
-      EXPECT_FALSE(ErrorLines().isEmpty()) << round;
-    }
-    ++round;
   }
 }
 

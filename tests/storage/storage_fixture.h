@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QFile>
-#include <random>
 
 #include "support/temp_state.h"
 
@@ -33,23 +32,6 @@ class StorageTest : public TempStateTest {
         QFile::remove(PathOf(name));
       }
     }
-  }
-  // Copies of a good file with a few bytes changed and, if asked, cut short; the same copies
-  // every run.
-  static QList<QByteArray> Corrupted(const QByteArray& whole, unsigned seed, bool cut) {
-    std::mt19937 random(seed);
-    QList<QByteArray> copies;
-    for (int round = 0; round < 300; ++round) {
-      QByteArray bytes = whole;
-      for (int k = 1 + static_cast<int>(random() % 4); k > 0; --k) {
-        bytes[static_cast<int>(random() % bytes.size())] = static_cast<char>(random() % 256);
-      }
-      if (cut && random() % 4 == 0) {
-        bytes.truncate(static_cast<int>(random() % bytes.size()));
-      }
-      copies << bytes;
-    }
-    return copies;
   }
 };
 
