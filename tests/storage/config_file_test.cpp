@@ -47,7 +47,7 @@ class ConfigFileTest : public test::StorageTest {
 // Each row starts from the same state as start-up might leave it: a key the file does not hold
 // keeps its value, an absent file gives the defaults (but for the view and the mode).
 TEST_F(ConfigFileTest, ScalarValuesFollowTheirRules) {
-  using Scalars = std::tuple<QString, int, int, int, int, int, int>;
+  using Scalars = std::tuple<std::string, int, int, int, int, int, int>;
   const struct {
     QByteArrayList lines;  // none: no file
     Scalars read;
@@ -76,8 +76,8 @@ TEST_F(ConfigFileTest, ScalarValuesFollowTheirRules) {
     t.Outputs.assign(3, OutputEntry{});
     QFile::remove(PathOf(kIni));
     ASSERT_TRUE(c.lines.isEmpty() ? ReadConfiguration(t) : Load(t, c.lines));
-    EXPECT_EQ(Scalars(t.ServerAddress, t.ServerPort, t.MaxLogFileSize, t.MaxDisplay, t.AlarmRelay,
-                      t.DefaultViewLarge, t.ProgramMode),
+    EXPECT_EQ(Scalars(t.ServerAddress.toStdString(), t.ServerPort, t.MaxLogFileSize, t.MaxDisplay,
+                      t.AlarmRelay, t.DefaultViewLarge, t.ProgramMode),
               c.read);
     if (c.lines.isEmpty()) {
       ASSERT_EQ(t.Outputs.size(), 1u);
