@@ -10,6 +10,7 @@
 #include <atomic>
 #include <cstdio>
 #include <map>
+#include <random>
 #include <thread>
 
 #include "storage/config_file.h"
