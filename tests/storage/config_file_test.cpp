@@ -2,13 +2,9 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QtGlobal>
-#include <csignal>
-#if defined(Q_OS_UNIX)
-#include <sys/resource.h>
-#endif
+#include <tuple>
 
-#include "support/temp_state.h"
+#include "storage_fixture.h"
 
 namespace zrn {
 namespace {
@@ -39,15 +35,8 @@ Read Fields(const OutputEntry& e) {
           e.MonitoringEnabled};
 }
 
-class ConfigFileTest : public test::TempStateTest {
+class ConfigFileTest : public test::StorageTest {
  protected:
-  // A state as start-up prepares it, sharing the fixture's folder and clock.
-  State Fresh() {
-    State t;
-    t.AppPath = s.AppPath;
-    t.clock = &clock;
-    return t;
-  }
   // Writes the lines (CRLF ends) as the configuration file and reads it into t.
   bool Load(State& t, const QByteArrayList& lines, QString* problem = nullptr) {
     WriteAll(kIni, lines.join("\r\n") + "\r\n");
@@ -55,67 +44,48 @@ class ConfigFileTest : public test::TempStateTest {
   }
 };
 
-TEST_F(ConfigFileTest, AbsentFileGivesTheDefaults) {
-  s.ServerAddress = "10.0.0.9";
-  s.ServerPort = 9;
-  s.MaxLogFileSize = 0;
-  s.MaxDisplay = 3;
-  s.AlarmRelay = 4;
-  s.DefaultViewLarge = 1;
-  s.ProgramMode = 1;
-  s.Outputs.assign(3, OutputEntry{});
-
-  ASSERT_TRUE(ReadConfiguration(s));
-  EXPECT_EQ(s.ServerAddress, "127.0.0.1");
-  EXPECT_EQ(s.ServerPort, 1250);
-  EXPECT_EQ(s.MaxLogFileSize, 5000);
-  EXPECT_EQ(s.MaxDisplay, 100);
-  EXPECT_EQ(s.AlarmRelay, kNone);
-  EXPECT_EQ(s.DefaultViewLarge, 1);  // not part of the defaults
-  EXPECT_EQ(s.ProgramMode, 1);
-  EXPECT_EQ(s.OutputCount, 1);
-  ASSERT_EQ(s.Outputs.size(), 1u);
-  EXPECT_EQ(s.Outputs[0].Output, 1);
-  EXPECT_EQ(s.Outputs[0].CustomLabel, "None");
-  EXPECT_EQ(s.Outputs[0].Events.size(), 1u);
-  EXPECT_TRUE(s.Outputs[0].MonitoringEnabled);
-  EXPECT_TRUE(Files().isEmpty());  // nothing created, nothing logged
-}
-
+// Each row starts from the same state as start-up might leave it: a key the file does not hold
+// keeps its value, an absent file gives the defaults (but for the view and the mode).
 TEST_F(ConfigFileTest, ScalarValuesFollowTheirRules) {
-  State a = Fresh();
-  ASSERT_TRUE(Load(a, {"[CONFIGURATION]", "Server IP Address=", "Server IP Port=12 51",
-                       "Maximum Log File Size=0", "Maximum Display=0", "Alarm Relay=0",
-                       "Default View=Large", "Program Mode=Show"}));
-  EXPECT_EQ(a.ServerAddress, "127.0.0.1");
-  EXPECT_EQ(a.ServerPort, 1251);
-  EXPECT_EQ(a.MaxLogFileSize, 0);  // no rotation, as written
-  EXPECT_EQ(a.MaxDisplay, 125);
-  EXPECT_EQ(a.AlarmRelay, kNone);
-  EXPECT_EQ(a.DefaultViewLarge, 1);
-  EXPECT_EQ(a.ProgramMode, 1);
-
-  State b = Fresh();
-  b.MaxLogFileSize = 777;
-  b.DefaultViewLarge = 1;
-  b.ProgramMode = 1;
-  // Blank lines, leading blanks, a quoted entry and a value cut at its width.
-  ASSERT_TRUE(Load(b, {"", "   ", "  Server IP Address=192.168.100.200-abcdefghijklmnop",
-                       "Server IP Port=-80", "\"Alarm Relay=2.5\" ignored", "Default View=large",
-                       "Program Mode=Output", "Maximum Display=33.5"}));
-  EXPECT_EQ(b.ServerAddress, "192.168.100.200-abcdefghi");
-  EXPECT_EQ(b.ServerPort, 1250);
-  EXPECT_EQ(b.MaxLogFileSize, 777);  // absent key keeps what start-up set
-  EXPECT_EQ(b.AlarmRelay, 2);        // halves round to even
-  EXPECT_EQ(b.MaxDisplay, 34);
-  EXPECT_EQ(b.DefaultViewLarge, 0);  // keys and words are case-sensitive
-  EXPECT_EQ(b.ProgramMode, 0);
-
-  State c = Fresh();
-  ASSERT_TRUE(Load(c, {"Maximum Log File Size=-3", "Server IP Port=99999"}));
-  EXPECT_EQ(c.MaxLogFileSize, 5000);
-  EXPECT_EQ(c.ServerPort, 99999);
-  EXPECT_EQ(c.MaxDisplay, 100);
+  using Scalars = std::tuple<std::string, int, int, int, int, int, int>;
+  const struct {
+    QByteArrayList lines;  // none: no file
+    Scalars read;
+  } cases[] = {
+      {{}, {"127.0.0.1", 1250, 5000, 100, kNone, 1, 1}},
+      {{"[CONFIGURATION]", "Server IP Address=", "Server IP Port=12 51", "Maximum Log File Size=0",
+        "Maximum Display=0", "Alarm Relay=0", "Default View=Large", "Program Mode=Show"},
+       {"127.0.0.1", 1251, 0, 125, kNone, 1, 1}},
+      // Blank lines, leading blanks, a quoted entry, a value cut at its width, halves rounding
+      // to even, and keys and words that are case-sensitive.
+      {{"", "   ", "  Server IP Address=192.168.100.200-abcdefghijklmnop", "Server IP Port=-80",
+        "\"Alarm Relay=2.5\" ignored", "Default View=large", "Program Mode=Output",
+        "Maximum Display=33.5"},
+       {"192.168.100.200-abcdefghi", 1250, 777, 34, 2, 0, 0}},
+      {{"Maximum Log File Size=-3", "Server IP Port=99999"}, {"10.0.0.9", 99999, 5000, 3, 4, 1, 1}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.lines.join('|').toStdString());
+    State t = Fresh();
+    t.ServerAddress = "10.0.0.9";
+    t.ServerPort = 9;
+    t.MaxLogFileSize = 777;
+    t.MaxDisplay = 3;
+    t.AlarmRelay = 4;
+    t.DefaultViewLarge = t.ProgramMode = 1;
+    t.Outputs.assign(3, OutputEntry{});
+    QFile::remove(PathOf(kIni));
+    ASSERT_TRUE(c.lines.isEmpty() ? ReadConfiguration(t) : Load(t, c.lines));
+    EXPECT_EQ(Scalars(t.ServerAddress.toStdString(), t.ServerPort, t.MaxLogFileSize, t.MaxDisplay,
+                      t.AlarmRelay, t.DefaultViewLarge, t.ProgramMode),
+              c.read);
+    if (c.lines.isEmpty()) {
+      ASSERT_EQ(t.Outputs.size(), 1u);
+      EXPECT_EQ(t.OutputCount, 1);
+      EXPECT_EQ(Fields(t.Outputs[0]), Fields({1, 0, "None", 0, 1, true}));
+      EXPECT_TRUE(Files().isEmpty());  // nothing created, nothing logged
+    }
+  }
 }
 
 TEST_F(ConfigFileTest, SectionsFillTheOutputsTable) {
@@ -158,20 +128,26 @@ TEST_F(ConfigFileTest, SectionsFillTheOutputsTable) {
   EXPECT_EQ(Fields(later.Outputs[0]), Fields({kNone, 0, "None", 0, 1, false}));
 }
 
-TEST_F(ConfigFileTest, WritesTheExactLayout) {
+// The exact layout, characters beyond ASCII as single bytes, and every field read back as written:
+// trailing blanks as events leave them, an unset output and relay.
+TEST_F(ConfigFileTest, WritesTheExactLayoutAndReadsItBack) {
   s.ServerAddress = "10.1.2.3";
   s.ServerPort = 1251;
   s.MaxLogFileSize = 0;
   s.MaxDisplay = 250;
   s.DefaultViewLarge = 1;
   s.ProgramMode = 1;
-  s.OutputCount = 2;
-  s.Outputs.assign(2, OutputEntry{});
-  s.Outputs[0].Output = 12;
-  s.Outputs[0].DisplayOption = 2;
-  s.Outputs[0].CustomLabel = QStringLiteral("Caf\u00e9");
-  s.Outputs[0].EventCount = 3;
-
+  s.OutputCount = 3;
+  s.Outputs.assign(3, OutputEntry{});
+  const Read written[] = {{12, 2, QStringLiteral("Caf\u00e9 "), 3, 3, true},
+                          {kNone, 0, "None", 0, 1, false},
+                          {100, 1, QStringLiteral("Z\u00fcrich \u00bd"), 2, 2, true}};
+  for (int i = 0; i < 3; ++i) {
+    s.Outputs[i].Output = static_cast<qint16>(written[i].output);
+    s.Outputs[i].DisplayOption = static_cast<qint16>(written[i].displayOption);
+    s.Outputs[i].CustomLabel = written[i].label;
+    s.Outputs[i].EventCount = static_cast<qint16>(written[i].eventCount);
+  }
   ASSERT_TRUE(WriteConfiguration(s));
   EXPECT_EQ(ReadAll(kIni), QByteArray("[CONFIGURATION]\r\n"
                                       "Server IP Address=10.1.2.3\r\n"
@@ -181,52 +157,34 @@ TEST_F(ConfigFileTest, WritesTheExactLayout) {
                                       "Alarm Relay=16383\r\n"
                                       "Default View=Large\r\n"
                                       "Program Mode=Show\r\n"
-                                      "Output Count=2\r\n"
+                                      "Output Count=3\r\n"
                                       "[OUTPUT1]\r\n"
                                       "Output=12\r\n"
                                       "Display Options=2\r\n"
-                                      "Custom Label=Caf\xe9\r\n"
+                                      "Custom Label=Caf\xe9 \r\n"
                                       "Event Count=3\r\n"
                                       "[OUTPUT2]\r\n"
                                       "Output=16383\r\n"
                                       "Display Options=0\r\n"
                                       "Custom Label=None\r\n"
-                                      "Event Count=0\r\n"));
-}
+                                      "Event Count=0\r\n"
+                                      "[OUTPUT3]\r\n"
+                                      "Output=100\r\n"
+                                      "Display Options=1\r\n"
+                                      "Custom Label=Z\xfcrich \xbd\r\n"
+                                      "Event Count=2\r\n"));
 
-TEST_F(ConfigFileTest, RoundTripKeepsTheState) {
-  s.ServerAddress = "172.16.254.1";
-  s.ServerPort = 4001;
-  s.MaxLogFileSize = 0;
-  s.MaxDisplay = 500;
   s.AlarmRelay = 17;
-  s.DefaultViewLarge = 1;
+  s.DefaultViewLarge = 0;
   s.ProgramMode = 0;
-  s.OutputCount = 3;
-  s.Outputs.assign(3, OutputEntry{});
-  // Trailing blanks as events leave them, and characters beyond ASCII.
-  const Read written[] = {{100, 0, "Morning     ", 0, 1, true},
-                          {kNone, 1, QStringLiteral("Z\u00fcrich \u00bd"), 2, 2, false},
-                          {102, 2, "None", 4, 4, true}};
-  for (int i = 0; i < 3; ++i) {
-    s.Outputs[i].Output = static_cast<qint16>(written[i].output);
-    s.Outputs[i].DisplayOption = static_cast<qint16>(written[i].displayOption);
-    s.Outputs[i].CustomLabel = written[i].label;
-    s.Outputs[i].EventCount = static_cast<qint16>(written[i].eventCount);
-  }
   ASSERT_TRUE(WriteConfiguration(s));
-  EXPECT_TRUE(ReadAll(kIni).contains("Custom Label=Z\xfcrich \xbd\r\n"));
-
   State back = Fresh();
   ASSERT_TRUE(ReadConfiguration(back));
-  EXPECT_EQ(back.ServerAddress, s.ServerAddress);
-  EXPECT_EQ(back.ServerPort, s.ServerPort);
-  EXPECT_EQ(back.MaxLogFileSize, 0);
-  EXPECT_EQ(back.MaxDisplay, s.MaxDisplay);
-  EXPECT_EQ(back.AlarmRelay, s.AlarmRelay);
-  EXPECT_EQ(back.DefaultViewLarge, s.DefaultViewLarge);
-  EXPECT_EQ(back.ProgramMode, s.ProgramMode);
-  ASSERT_EQ(back.OutputCount, 3);
+  const auto scalars = [](const State& t) {
+    return std::tuple(t.ServerAddress, t.ServerPort, t.MaxLogFileSize, t.MaxDisplay, t.AlarmRelay,
+                      t.DefaultViewLarge, t.ProgramMode, t.OutputCount);
+  };
+  EXPECT_EQ(scalars(back), scalars(s));
   ASSERT_EQ(back.Outputs.size(), 3u);
   for (int i = 0; i < 3; ++i) {
     EXPECT_EQ(Fields(back.Outputs[i]), written[i]);

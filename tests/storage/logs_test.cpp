@@ -21,62 +21,62 @@ QStringList LinesOf(const QByteArray& bytes) {
 
 class Logs : public TempStateTest {};
 
-TEST_F(Logs, ActivityLogStartsWithItsHeaderAndWritesThreeColumns) {
-  DisplayMessage(s, QStringLiteral("Server Module Connected"));
-
-  const QByteArray bytes = ReadAll(QStringLiteral("EventLog.txt"));
-  ASSERT_TRUE(bytes.endsWith("\r\n"));
-  ASSERT_FALSE(bytes.contains("\n\n")) << "every line ends with CR LF";
-  const QStringList lines = LinesOf(bytes);
-  ASSERT_EQ(lines.size(), 13);
-  EXPECT_EQ(lines[0], QStringLiteral("             H A L V O R N"));
-  EXPECT_EQ(lines[1], QString());
-  for (int i = 2; i <= 4; ++i) {
-    EXPECT_TRUE(lines[i].startsWith(QString(19, ' ')) && lines[i].size() > 25) << i;
-    EXPECT_NE(lines[i][19], QLatin1Char(' '));
-  }
-  EXPECT_EQ(lines[5], QString());
-  EXPECT_EQ(lines[6], QString());
-  EXPECT_EQ(lines[7], QStringLiteral("ZRN Pennaro Logfile"));
-  EXPECT_EQ(lines[8], QStringLiteral("Version: 02.00.0011 - 05/16/2025"));
-  EXPECT_EQ(lines[9], QString());
-  EXPECT_EQ(lines[10], QStringLiteral(" DATE              TIME             MESSAGE DESCRIPTION"));
-  EXPECT_EQ(lines[11], QString(80, '-'));
-  EXPECT_EQ(lines[12], QStringLiteral("Mon, Nov 16, 2026 - 15:42:52") + QString(27, ' ') +
-                           QStringLiteral("Server Module Connected"));
-  EXPECT_EQ(lines[12].indexOf(QStringLiteral("Server")), 55) << "message starts at column 56";
-
-  ASSERT_EQ(s.MessageRows.size(), 1);
-  EXPECT_EQ(s.MessageRows[0],
-            QStringLiteral("Mon, Nov 16, 2026 - 15:42:52 - Server Module Connected"));
-}
-
-TEST_F(Logs, ActivitySourceColumnAndEmptyMessage) {
+TEST_F(Logs, ActivityLogHeaderColumnsAndMessageList) {
+  s.MaxDisplay = 3;
   DisplayMessage(s, QString());
   EXPECT_TRUE(Files().isEmpty()) << "an empty message writes nothing anywhere";
   EXPECT_TRUE(s.MessageRows.isEmpty());
 
+  DisplayMessage(s, QStringLiteral("Server Module Connected"));
+  const QByteArray bytes = ReadAll(QStringLiteral("EventLog.txt"));
+  ASSERT_TRUE(bytes.endsWith("\r\n"));
+  ASSERT_FALSE(bytes.contains("\n\n")) << "every line ends with CR LF";
+  QStringList lines = LinesOf(bytes);
+  ASSERT_EQ(lines.size(), 13);
+  // Lines 3 to 5 carry the address block, right of 19 blanks.
+  for (int i = 2; i <= 4; ++i) {
+    EXPECT_TRUE(lines[i].startsWith(QString(19, ' ')) && lines[i].size() > 25) << i;
+    EXPECT_NE(lines[i][19], QLatin1Char(' '));
+    lines[i].clear();
+  }
+  EXPECT_EQ(
+      lines,
+      (QStringList{"             H A L V O R N", "", "", "", "", "", "", "ZRN Pennaro Logfile",
+                   "Version: 02.00.0011 - 05/16/2025", "",
+                   " DATE              TIME             MESSAGE DESCRIPTION", QString(80, '-'),
+                   "Mon, Nov 16, 2026 - 15:42:52" + QString(27, ' ') + "Server Module Connected"}));
+  EXPECT_EQ(lines[12].indexOf(QStringLiteral("Server")), 55) << "message starts at column 56";
+  EXPECT_EQ(s.MessageRows, QStringList{"Mon, Nov 16, 2026 - 15:42:52 - Server Module Connected"});
+
+  // The source column; a deleted log comes back with its header.
+  ASSERT_TRUE(QFile::remove(PathOf(QStringLiteral("EventLog.txt"))));
   clock.Set(QDateTime(QDate(2026, 1, 4), QTime(7, 5, 9)));
   WriteActivityLog(s, QStringLiteral("M"), QStringLiteral("SRC"));
-  const QStringList lines = LinesOf(ReadAll(QStringLiteral("EventLog.txt")));
-  EXPECT_EQ(lines.last(), QStringLiteral("Sun, Jan 04, 2026 - 07:05:09") + QString(7, ' ') +
-                              QStringLiteral("SRC") + QString(17, ' ') + QStringLiteral("M"));
-}
+  lines = LinesOf(ReadAll(QStringLiteral("EventLog.txt")));
+  ASSERT_EQ(lines.size(), 13);
+  EXPECT_EQ(lines.last(),
+            "Sun, Jan 04, 2026 - 07:05:09" + QString(7, ' ') + "SRC" + QString(17, ' ') + "M");
 
-TEST_F(Logs, MessageListKeepsTheNewestMaxDisplayRows) {
-  s.MaxDisplay = 3;
+  // The message list keeps the newest MaxDisplay rows; the log keeps them all.
   for (int i = 1; i <= 5; ++i) {
     DisplayMessage(s, QStringLiteral("m%1").arg(i));
   }
   ASSERT_EQ(s.MessageRows.size(), 3);
   EXPECT_TRUE(s.MessageRows[0].endsWith(QStringLiteral(" - m3")));
   EXPECT_TRUE(s.MessageRows[2].endsWith(QStringLiteral(" - m5")));
-  EXPECT_EQ(LinesOf(ReadAll(QStringLiteral("EventLog.txt"))).size(), 12 + 5);
+  EXPECT_EQ(LinesOf(ReadAll(QStringLiteral("EventLog.txt"))).size(), 13 + 5);
 }
 
 TEST_F(Logs, RotationAtTheLimitKeepsEveryRotatedFile) {
-  s.MaxLogFileSize = 1;
   const QString msg(100, 'x');
+  s.MaxLogFileSize = 0;  // no rotation at all
+  for (int i = 0; i < 12; ++i) {
+    WriteActivityLog(s, msg, QString());
+  }
+  EXPECT_EQ(Files(), QStringList{QStringLiteral("EventLog.txt")});
+  ASSERT_TRUE(QFile::remove(PathOf(QStringLiteral("EventLog.txt"))));
+
+  s.MaxLogFileSize = 1;
   while (QFileInfo(PathOf(QStringLiteral("EventLog.txt"))).size() < 1024) {
     WriteActivityLog(s, msg, QString());
   }
@@ -138,37 +138,17 @@ TEST_F(Logs, BatchedLinesLandAsLineByLineWritingWouldRotationsIncluded) {
   }
 }
 
-TEST_F(Logs, NoRotationWhenTheLimitIsZero) {
-  s.MaxLogFileSize = 0;
-  for (int i = 0; i < 30; ++i) {
-    WriteActivityLog(s, QString(100, 'y'), QString());
-  }
-  EXPECT_EQ(Files(), QStringList{QStringLiteral("EventLog.txt")});
-}
-
-TEST_F(Logs, DeletedLogIsRecreatedWithItsHeader) {
-  DisplayMessage(s, QStringLiteral("one"));
-  ASSERT_TRUE(QFile::remove(PathOf(QStringLiteral("EventLog.txt"))));
-  DisplayMessage(s, QStringLiteral("two"));
-  const QStringList lines = LinesOf(ReadAll(QStringLiteral("EventLog.txt")));
-  ASSERT_EQ(lines.size(), 13);
-  EXPECT_TRUE(lines[12].endsWith(QStringLiteral("two")));
-}
-
 TEST_F(Logs, ErrorLineColumnsAndHeader) {
   LogError(s, QStringLiteral("Error Saving Events"), QStringLiteral("File Error"),
            Failure::FileNotFound());
   const QStringList lines = LinesOf(ReadAll(QStringLiteral("Errorlog.txt")));
-  ASSERT_EQ(lines.size(), 12);
-  EXPECT_EQ(lines[7], QStringLiteral("ZRN Pennaro Error Logfile"));
-  EXPECT_EQ(lines[8], QString());
-  EXPECT_EQ(lines[9],
-            QStringLiteral(" DATE     TIME           LOCATION                      MESSAGE "
-                           "DESCRIPTION"));
-  EXPECT_EQ(lines[10], QString(80, '-'));
-  EXPECT_EQ(lines[11], QStringLiteral("11/16/2026 3:42:52 PM   Error Saving Events") +
-                           QString(17, ' ') + QStringLiteral("Error #  53 - File not found"));
-  EXPECT_EQ(lines[11].indexOf(QStringLiteral("Error #")), 60);
+  EXPECT_EQ(lines.mid(7),
+            (QStringList{"ZRN Pennaro Error Logfile", "",
+                         " DATE     TIME           LOCATION                      MESSAGE "
+                         "DESCRIPTION",
+                         QString(80, '-'),
+                         "11/16/2026 3:42:52 PM   Error Saving Events" + QString(17, ' ') +
+                             "Error #  53 - File not found"}));
 
   // A long location is written whole and pushes the message right.
   const QString longLocation = QStringLiteral("Error Updating The Show Silence Display Now");

@@ -1,42 +1,24 @@
 #include "switcher/name_tables.h"
 #include "monitor/panel_update.h"
-#include "support/fake_link.h"
-#include "support/switcher_bytes.h"
-#include "support/temp_state.h"
-#include "switcher/link.h"
 #include "switcher/startup_exchange.h"
+#include "switcher_fixture.h"
 
 namespace zrn {
 namespace {
 
 using test::Bytes;
-using test::FakeLink;
-using test::TempStateTest;
 
 // Two outputs, w = 8: entry 0 "OUT 2", entry 1 "OUT 1", numbered 0 and 1.
 const QByteArray kTwoOutputs =
     Bytes({0xFC, 0x14, 0x08, 0x02, 0x00, 0x00, 0x00, 'O', 'U', 'T', ' ',  '2',  ' ',  ' ', ' ',
            0x00, 0x00, 'O',  'U',  'T',  ' ',  '1',  ' ', ' ', ' ', 0x01, 0x00, 0x72, 0xFF});
 
-class NameTables : public TempStateTest {
+class NameTables : public test::SwitcherTest {
  protected:
   void SetUp() override {
-    TempStateTest::SetUp();
-    s.link = &link;
-    OnConnected(s);
+    SwitcherTest::SetUp();
     s.requests.Req1 = kStartupMask1;
   }
-  void Receive(const QByteArray& bytes) { OnDataAvailable(s, bytes); }
-  // Error-log lines without their date column.
-  QStringList Errors() const {
-    QStringList out;
-    for (const QString& line : ErrorLines()) {
-      out << line.mid(24).simplified();
-    }
-    return out;
-  }
-
-  FakeLink link;
 };
 
 TEST_F(NameTables, OutputTableReplacesTheNamesAndResizesTheSwitcherTables) {

@@ -1,30 +1,16 @@
 #include "switcher/startup_exchange.h"
-#include "support/fake_link.h"
-#include "support/switcher_bytes.h"
-#include "support/temp_state.h"
-#include "switcher/link.h"
+#include "switcher_fixture.h"
 
 namespace zrn {
 namespace {
 
 using test::Bytes;
-using test::FakeLink;
-using test::TempStateTest;
 
-// A connected switcher link; messages arrive through the real decoder and dispatch.
-class Exchange : public TempStateTest {
+class Exchange : public test::SwitcherTest {
  protected:
-  void SetUp() override {
-    TempStateTest::SetUp();
-    s.link = &link;
-    OnConnected(s);
-  }
-  void Receive(const QByteArray& bytes) { OnDataAvailable(s, bytes); }
   std::array<qint32, 4> Masks() const {
     return {s.requests.Req1, s.requests.Req2, s.requests.Req3, s.requests.Req4};
   }
-
-  FakeLink link;
 };
 
 TEST_F(Exchange, TypeRequestIsAnsweredWithTheThreeStartUpMessagesInOrder) {

@@ -3,51 +3,22 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <random>
+#include <tuple>
 
 #include "monitor/panel_update.h"
-#include "support/fake_link.h"
-#include "support/switcher_bytes.h"
-#include "support/temp_state.h"
 #include "switcher/frame.h"
-#include "switcher/link.h"
 #include "switcher/startup_exchange.h"
+#include "switcher_fixture.h"
 
 namespace zrn {
 namespace {
 
 using test::Bytes;
 using test::FakeLink;
-using test::TempStateTest;
 
 constexpr qint16 kDetecting = 0x109;  // message only, device on, silence detection enabled
 
-class StatusReports : public TempStateTest {
- protected:
-  void SetUp() override {
-    TempStateTest::SetUp();
-    s.link = &link;
-    OnConnected(s);
-    s.MessageRows.clear();
-  }
-  void Receive(const QByteArray& bytes) { OnDataAvailable(s, bytes); }
-  // The message list without its stamps.
-  QStringList Reports() const {
-    QStringList out;
-    for (const QString& row : s.MessageRows) {
-      out << row.section(QStringLiteral(" - "), 2);
-    }
-    return out;
-  }
-  QStringList Errors() const {
-    QStringList out;
-    for (const QString& line : ErrorLines()) {
-      out << line.mid(24).simplified();
-    }
-    return out;
-  }
-
-  FakeLink link;
-};
+class StatusReports : public test::SwitcherTest {};
 
 TEST_F(StatusReports, ChangesOfSilenceStateAreReportedAndResetTheAcknowledgement) {
   s.OutputNames[5] = QStringLiteral("Studio");
@@ -141,14 +112,10 @@ TEST_F(StatusReports, DetectorStatusAndConfigurationWithinTheSwitchersOutputs) {
   Receive(Bytes({0xCB, 0x00, 0x01, 0x00, 0x14, 0x00, 0x09, 0x02, 0x7F, 0x7F, 0x38,
                  0x06, 0x08, 0x00, 0x05, 0x00, 0x00, 0x08, 0x00, 0x00, 0x71, 0xFF}));
   const SilenceStatusEntry& e = s.SilenceStatus[20];
-  EXPECT_EQ(e.Status, 1) << "kept";
-  EXPECT_EQ(e.Mode, 265);
-  EXPECT_EQ(e.Device, kNone);
-  EXPECT_EQ(e.SilenceThreshold, 824);
-  EXPECT_EQ(e.DetectTime, 8);
-  EXPECT_EQ(e.ReturnTime, 5);
-  EXPECT_EQ(e.PeakThreshold, 1024);
-  EXPECT_EQ(e.HoldTime, 0);
+  // The status is kept.
+  EXPECT_EQ(std::tuple(e.Status, e.Mode, e.Device, e.SilenceThreshold, e.DetectTime, e.ReturnTime,
+                       e.PeakThreshold, e.HoldTime),
+            std::tuple(1, 265, kNone, 824, 8, 5, 1024, 0));
   EXPECT_EQ(s.requests.Req4, 0);
 
   const QByteArray bad[] = {
@@ -234,140 +201,118 @@ TEST_F(StatusReports, RelayStatesAreStoredWithinTheRelayTable) {
 }
 
 // One random stream of reports about a 16-output switcher: silence and peak changes, detector
-// status, crosspoint maps (some a byte short, so stored but not taken), relay states and
+// status, crosspoint maps (one in four a byte short, so stored but not taken), relay states and
 // keep-alives.
-QList<QByteArray> RandomReports(std::mt19937& random, int count) {
+QByteArray RandomReports(std::mt19937& random, int count) {
   auto pick = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
-  QList<QByteArray> reports;
+  QByteArray stream;
   for (int m = 0; m < count; ++m) {
-    QByteArray payload;
-    switch (pick(10)) {
-      case 0:
-        reports << QByteArray(1, static_cast<char>(0xF5));
-        continue;
-      case 1:  // status of a few outputs from some output on
-      {
-        const int first = pick(16);
-        const int n = 1 + pick(4);
-        payload.append(static_cast<char>(kSilenceStatusReport));
-        AppendInt14(payload, n);
-        AppendInt14(payload, first);
-        for (int k = 0; k < n; ++k) {
-          payload.append(static_cast<char>(pick(4)));
-        }
-        reports << BuildFrame(0xCB, payload);
-        continue;
+    QByteArray p;
+    const int kind = pick(10);
+    if (kind == 0) {
+      stream += static_cast<char>(0xF5);
+      continue;
+    }
+    if (kind == 1) {  // status of a few outputs from some output on
+      const int n = 1 + pick(4);
+      p.append(static_cast<char>(kSilenceStatusReport));
+      AppendInt14(p, n);
+      AppendInt14(p, pick(16));
+      for (int k = 0; k < n; ++k) {
+        p.append(static_cast<char>(pick(4)));
       }
-      case 2:
-      case 3: {  // a route, one in four a byte short
-        const int output = pick(16);
-        payload.append(static_cast<char>(0x01));
-        AppendInt14(payload, 1);
-        AppendInt14(payload, output);
-        const bool routed = pick(5) != 0;
-        AppendInt14(payload, routed ? 1 : 0);
-        payload.append('\0');
-        if (routed) {
-          AppendInt14(payload, pick(20));
-          AppendInt14(payload, 0);
-        }
-        if (pick(4) == 0) {
-          payload.append('\0');
-        }
-        reports << BuildFrame(0xF6, payload);
-        continue;
+    } else if (kind <= 3) {  // a route of one output, or none
+      const bool routed = pick(5) != 0;
+      p.append('\x01');
+      AppendInt14(p, 1);
+      AppendInt14(p, pick(16));
+      AppendInt14(p, routed ? 1 : 0);
+      p.append('\0');
+      if (routed) {
+        AppendInt14(p, pick(20));
+        AppendInt14(p, 0);
       }
-      case 4:  // relay 1 reported on or off
-        payload.append(static_cast<char>(0x28));
-        AppendInt14(payload, 1);
-        AppendInt14(payload, 0);
-        payload.append(static_cast<char>(pick(2)));
-        reports << BuildFrame(0xF7, payload);
-        continue;
-      default: {  // changes of state, silence or peak, of one to three outputs
-        const int n = 1 + pick(3);
-        payload.append(static_cast<char>(kSilenceChangeOfState));
-        AppendInt14(payload, n);
-        for (int k = 0; k < n; ++k) {
-          AppendInt14(payload, pick(17));  // one beyond the switcher now and then
-          payload.append(static_cast<char>(pick(2) | (pick(3) == 0 ? 64 : 0)));
-        }
-        reports << BuildFrame(0xCB, payload);
+      p.append(pick(4) == 0 ? QByteArray(1, '\0') : QByteArray());
+    } else if (kind == 4) {  // relay 1 reported on or off
+      p.append('\x28');
+      AppendInt14(p, 1);
+      AppendInt14(p, 0);
+      p.append(static_cast<char>(pick(2)));
+    } else {  // changes of state, silence or peak, of one to three outputs
+      const int n = 1 + pick(3);
+      p.append(static_cast<char>(kSilenceChangeOfState));
+      AppendInt14(p, n);
+      for (int k = 0; k < n; ++k) {
+        AppendInt14(p, pick(17));  // one beyond the switcher now and then
+        p.append(static_cast<char>(pick(2) | (pick(3) == 0 ? 64 : 0)));
       }
     }
+    stream += BuildFrame(kind == 1 || kind > 4 ? 0xCB : kind == 4 ? 0xF7 : 0xF6, p);
   }
-  return reports;
+  return stream;
 }
 
 struct BatchCase {
   const char* name;
-  bool showMode = false;
-  bool graceOnChannel3 = false;
-  bool statusRequestOpen = false;
+  bool showMode = false, graceOnChannel3 = false, statusRequestOpen = false;
 };
 
+// A 16-output switcher watched by 24 entries on 12 channels: some channels twice, one entry
+// beyond the switcher.
+void Prepare(State& s, const BatchCase& c) {
+  OnConnected(s);
+  s.linkState.ExchangeComplete = true;
+  s.SwitcherOutputCount = s.SwitcherInputCount = 16;
+  s.SwitcherRelayCount = 2;
+  s.RelayStates.assign(2, 0);
+  s.AlarmRelay = 1;
+  s.ProgramMode = c.showMode ? 1 : 0;
+  s.Outputs.assign(24, OutputEntry{});
+  s.OutputCount = 24;
+  for (int i = 0; i < 24; ++i) {
+    OutputEntry& e = s.Outputs[i];
+    e.Output = static_cast<qint16>(i < 23 ? 1 + (i * 5) % 12 : 17);
+    e.DisplayOption = static_cast<qint16>(i % 3);
+    e.MonitoringEnabled = i % 7 != 6;
+    e.AlarmState = static_cast<qint16>(i % 5 == 0 ? 1 : 0);
+  }
+  for (int o = 0; o < 16; ++o) {
+    s.SilenceStatus[o].Mode = o == 4 ? 0 : kDetecting;
+    s.InputNames[o] = QStringLiteral("In %1").arg(o);
+  }
+  if (c.graceOnChannel3) {
+    StartSilenceGrace(s, 2, 9);
+  }
+  UpdateOutputs(s);
+  if (c.statusRequestOpen) {
+    SetRequest(s, kRequestSilenceStatus);
+  }
+}
+
 // The panel update keeps what its last full pass found while a batch of reports is decoded, and
-// then touches only the outputs a report names. Whatever a stream holds, a batch must end
-// exactly where one report at a time, each with its full pass, ends: lamps, texts, alarm
-// states, activity lines, relay commands.
+// then touches only the outputs a report names. A batch must end exactly where one report at a
+// time, each with its full pass, ends: lamps, texts, alarm states, activity lines, relay commands.
 TEST(StatusReportBatches, EndWhereOneReportAtATimeEnds) {
-  const BatchCase cases[] = {
-      {"outputs"},
-      {"show mode", true},
-      {"a grace running", false, true},
-      {"detector status still awaited", false, false, true},
-  };
+  const BatchCase cases[] = {{"outputs"},
+                             {"show mode", true},
+                             {"a grace running", false, true},
+                             {"detector status still awaited", false, false, true}};
   for (const BatchCase& c : cases) {
     SCOPED_TRACE(c.name);
     std::mt19937 random(20261123);
     for (int round = 0; round < 40; ++round) {
-      const QList<QByteArray> reports = RandomReports(random, 150);
+      const QByteArray stream = RandomReports(random, 150);
       struct Side {
         QTemporaryDir dir;
         ManualClock clock;
         FakeLink link;
         State s;
-      };
-      Side batch;
-      Side single;
+      } batch, single;
       for (Side* side : {&batch, &single}) {
-        State& s = side->s;
-        s.AppPath = side->dir.path() + QLatin1Char('/');
-        s.clock = &side->clock;
-        s.link = &side->link;
-        OnConnected(s);
-        s.linkState.ExchangeComplete = true;
-        s.SwitcherOutputCount = 16;
-        s.SwitcherInputCount = 16;
-        s.SwitcherRelayCount = 2;
-        s.RelayStates.assign(2, 0);
-        s.AlarmRelay = 1;
-        s.ProgramMode = c.showMode ? 1 : 0;
-        // 24 watched entries on 12 channels: some channels twice, one beyond the switcher.
-        s.Outputs.assign(24, OutputEntry{});
-        s.OutputCount = 24;
-        for (int i = 0; i < 24; ++i) {
-          OutputEntry& e = s.Outputs[i];
-          e.Output = static_cast<qint16>(i < 23 ? 1 + (i * 5) % 12 : 17);
-          e.DisplayOption = static_cast<qint16>(i % 3);
-          e.MonitoringEnabled = i % 7 != 6;
-          e.AlarmState = static_cast<qint16>(i % 5 == 0 ? 1 : 0);
-        }
-        for (int o = 0; o < 16; ++o) {
-          s.SilenceStatus[o].Mode = o == 4 ? 0 : kDetecting;
-          s.InputNames[o] = QStringLiteral("In %1").arg(o);
-        }
-        if (c.graceOnChannel3) {
-          StartSilenceGrace(s, 2, 9);
-        }
-        UpdateOutputs(s);
-        if (c.statusRequestOpen) {
-          SetRequest(s, kRequestSilenceStatus);
-        }
-      }
-      QByteArray stream;
-      for (const QByteArray& r : reports) {
-        stream += r;
+        side->s.AppPath = side->dir.path() + QLatin1Char('/');
+        side->s.clock = &side->clock;
+        side->s.link = &side->link;
+        Prepare(side->s, c);
       }
       OnDataAvailable(batch.s, stream);
       ASSERT_TRUE(batch.s.ReceiveBuffer.isEmpty());

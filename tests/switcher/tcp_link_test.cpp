@@ -6,7 +6,7 @@
 #include <QTest>
 #include <QThread>
 
-#include "support/bytes.h"
+#include "support/switcher_bytes.h"
 #include "support/temp_state.h"
 #include "switcher/commands.h"
 #include "switcher/link.h"
@@ -29,6 +29,12 @@ class Loopback : public TempStateTest {
     for (int type : {0xF6, 0xF7, 0xCB}) {
       s.linkState.handlers[type] = [this](State&, const QByteArray& m) { dispatched << m; };
     }
+  }
+  // Dials the server and returns its end once the program sees the link up.
+  QTcpSocket* Connect() {
+    ConnectToSwitcher(s);
+    QTcpSocket* peer = Accept();
+    return peer != nullptr && QTest::qWaitFor([&] { return s.Connected; }, 5000) ? peer : nullptr;
   }
   QTcpSocket* Accept() {
     if (!server.hasPendingConnections() && !server.waitForNewConnection(5000)) {
@@ -53,11 +59,11 @@ class Loopback : public TempStateTest {
   QList<QByteArray> dispatched;
 };
 
+// Keep-alives, split reports, bursts and commands over a real socket; the decode timer runs only
+// while bytes wait.
 TEST_F(Loopback, ConnectsTalksBothWaysAndNoticesTheClose) {
-  ConnectToSwitcher(s);
-  QTcpSocket* peer = Accept();
+  QTcpSocket* peer = Connect();
   ASSERT_NE(peer, nullptr);
-  ASSERT_TRUE(QTest::qWaitFor([&] { return s.Connected; }, 5000));
   EXPECT_EQ(s.StatusBarText, QStringLiteral("Server Module Connected"));
 
   // The switcher's keep-alive is answered with exactly one byte.
@@ -72,6 +78,21 @@ TEST_F(Loopback, ConnectsTalksBothWaysAndNoticesTheClose) {
   ASSERT_TRUE(QTest::qWaitFor([&] { return dispatched.size() == 1; }, 5000));
   EXPECT_EQ(dispatched[0], Bytes({0xF7, 0x01, 0x00, 0x01, 0xFF}));
 
+  // Four thousand reports in one burst are all handled promptly.
+  QByteArray burst;
+  for (int i = 0; i < 4000; ++i) {
+    burst += Bytes({0xCB, 0x0A, i % 128, 0x00, 0x01, (0x0A + i % 128 + 1) % 128, 0xFF});
+  }
+  peer->write(burst);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return dispatched.size() == 4001; }, 5000));
+  EXPECT_FALSE(connection.DecodeTimerActive());
+  EXPECT_TRUE(s.ReceiveBuffer.isEmpty());
+
+  peer->write(Bytes({0xF6, 0x01}));
+  QTest::qWait(50);
+  EXPECT_FALSE(connection.DecodeTimerActive()) << "an unfinished frame waits for bytes";
+  EXPECT_EQ(s.ReceiveBuffer, Bytes({0xF6, 0x01}));
+
   EXPECT_TRUE(SendSwitcherCommand(s, 7, 12, kCommandConnect));
   EXPECT_EQ(ServerReads(peer, 9), Bytes({0xFE, 0x04, 0x00, 0x0B, 0x00, 0x06, 0x00, 0x15, 0xFF}));
 
@@ -83,10 +104,8 @@ TEST_F(Loopback, ConnectsTalksBothWaysAndNoticesTheClose) {
 }
 
 TEST_F(Loopback, AWriteThatFindsTheLinkResetClosesItAfterwardsNotInsideTheWriter) {
-  ConnectToSwitcher(s);
-  QTcpSocket* peer = Accept();
+  QTcpSocket* peer = Connect();
   ASSERT_NE(peer, nullptr);
-  ASSERT_TRUE(QTest::qWaitFor([&] { return s.Connected; }, 5000));
   // The switcher resets the connection; the monitor's event loop does not see it come.
   const linger reset{1, 0};
   ASSERT_EQ(::setsockopt(static_cast<int>(peer->socketDescriptor()), SOL_SOCKET, SO_LINGER, &reset,
@@ -137,28 +156,6 @@ TEST_F(Loopback, ANewAttemptAbandonsThePendingOne) {
   }
   EXPECT_EQ(open, 1) << "abandoned attempts are closed";
   EXPECT_EQ(s.MessageRows.size(), 1);
-}
-
-TEST_F(Loopback, DecodeTimerRunsOnlyWhileBytesWait) {
-  ConnectToSwitcher(s);
-  QTcpSocket* peer = Accept();
-  ASSERT_NE(peer, nullptr);
-  ASSERT_TRUE(QTest::qWaitFor([&] { return s.Connected; }, 5000));
-
-  // Four thousand reports in one burst are all handled promptly.
-  QByteArray burst;
-  for (int i = 0; i < 4000; ++i) {
-    burst += Bytes({0xCB, 0x0A, i % 128, 0x00, 0x01, (0x0A + i % 128 + 1) % 128, 0xFF});
-  }
-  peer->write(burst);
-  ASSERT_TRUE(QTest::qWaitFor([&] { return dispatched.size() == 4000; }, 5000));
-  EXPECT_FALSE(connection.DecodeTimerActive());
-  EXPECT_TRUE(s.ReceiveBuffer.isEmpty());
-
-  peer->write(Bytes({0xF6, 0x01}));
-  QTest::qWait(50);
-  EXPECT_FALSE(connection.DecodeTimerActive()) << "an unfinished frame waits for bytes";
-  EXPECT_EQ(s.ReceiveBuffer, Bytes({0xF6, 0x01}));
 }
 
 }  // namespace
