@@ -2,6 +2,7 @@
 
 #include "monitor/poll_tick.h"
 #include "shows/shows_pass.h"
+#include "support/on_air.h"
 #include "switcher/name_tables.h"
 #include "ui/setup_dialog.h"
 #include "ui/shows_dialog.h"
@@ -215,12 +216,7 @@ TEST_F(ShowsDialogTest, ReplacingTheTableOfAShowOnAirKeepsOneMonitorPerSource) {
   s.SilenceOutCount = 3;
   UpdateSilenceOutTable(s);
   ShowRecord& news = s.Shows[0];
-  news.StartTime = QStringLiteral("00:00:00");
-  news.EndTime = QStringLiteral("23:59:59");
-  news.StartDate = QStringLiteral("01/01/2026");
-  news.EndDate = QStringLiteral("12/31/2026");
-  news.Days = 127;
-  news.DownlinkSource = 4;
+  test::PutOnAir(news, QStringLiteral("00:00:00"), QStringLiteral("23:59:59"), 4);
   news.StudioLeft[0].Channel = 6;
   RefreshClock(s);
   ShowsPass(s);
