@@ -97,6 +97,8 @@ QJsonObject AlertEventJson(const AlertEvent& e, quint64 sequence) {
                    {QStringLiteral("sequence"), static_cast<double>(sequence)},
                    {QStringLiteral("time"), e.time.toString(Qt::ISODate)},
                    {QStringLiteral("host"), QSysInfo::machineHostName()}};
+  // Every event names its subject; the key says what kind of subject it is.
+  QString subject = QStringLiteral("name");
   switch (e.kind) {
     case AlertKind::OutputAlarmRaised:
     case AlertKind::OutputAlarmAcknowledged:
@@ -104,22 +106,21 @@ QJsonObject AlertEventJson(const AlertEvent& e, quint64 sequence) {
     case AlertKind::OutputAlarmEnded:
       json.insert(QStringLiteral("panel"), e.panel);
       json.insert(QStringLiteral("output"), e.output);
-      json.insert(QStringLiteral("name"), e.name);
-      break;
-    case AlertKind::ShowAlarmRaised:
-    case AlertKind::ShowAlarmEnded:
-      json.insert(QStringLiteral("show"), e.name);
       break;
     case AlertKind::RelayChanged:
       json.insert(QStringLiteral("relay"), e.relay);
-      json.insert(QStringLiteral("name"), e.name);
       json.insert(QStringLiteral("on"), e.on);
+      break;
+    case AlertKind::ShowAlarmRaised:
+    case AlertKind::ShowAlarmEnded:
+      subject = QStringLiteral("show");
       break;
     case AlertKind::LinkLost:
     case AlertKind::LinkReturned:
-      json.insert(QStringLiteral("switcher"), e.name);
+      subject = QStringLiteral("switcher");
       break;
   }
+  json.insert(subject, e.name);
   return json;
 }
 

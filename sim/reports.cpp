@@ -30,6 +30,18 @@ QByteArray BlockPayload(int subtype, int n, int start) {
   return payload;
 }
 
+// Reports about outputs first..first+count-1, in blocks; append writes one output's entry.
+QList<QByteArray> OutputBlocks(int first, int count, int subtype, quint8 type,
+                               const std::function<void(QByteArray&, int output)>& append) {
+  return Chunked(first, count, [&](int start, int n) {
+    QByteArray payload = BlockPayload(subtype, n, start);
+    for (int o = start; o < start + n; ++o) {
+      append(payload, o);
+    }
+    return Frame(type, payload);
+  });
+}
+
 }  // namespace
 
 QByteArray TypeRequest() {
@@ -66,19 +78,16 @@ QByteArray NameTableReport(NameTable table, const QStringList& names) {
 }
 
 QList<QByteArray> CrosspointReports(const SwitchState& state, int first, int count) {
-  return Chunked(first, count, [&](int start, int n) {
-    QByteArray payload = BlockPayload(kCrosspointFormat, n, start);
-    for (int o = start; o < start + n; ++o) {
-      const int source = state.outputs[o].source;
-      Append14(payload, source == kNone ? 0 : 1);
-      payload.append('\0');  // output byte
-      if (source != kNone) {
-        Append14(payload, source);
-        Append14(payload, 0);
-      }
-    }
-    return Frame(kCrosspointMap, payload);
-  });
+  return OutputBlocks(first, count, kCrosspointFormat, kCrosspointMap,
+                      [&](QByteArray& payload, int o) {
+                        const int source = state.outputs[o].source;
+                        Append14(payload, source == kNone ? 0 : 1);
+                        payload.append('\0');  // output byte
+                        if (source != kNone) {
+                          Append14(payload, source);
+                          Append14(payload, 0);
+                        }
+                      });
 }
 
 QList<QByteArray> RelayReports(const SwitchState& state, int first, int count) {
@@ -95,27 +104,21 @@ QList<QByteArray> RelayReports(const SwitchState& state, int first, int count) {
 }
 
 QList<QByteArray> SilenceConfigReports(const SwitchState& state, int first, int count) {
-  return Chunked(first, count, [&](int start, int n) {
-    QByteArray payload = BlockPayload(kSilenceConfig, n, start);
-    for (int o = start; o < start + n; ++o) {
-      const SilenceConfig& c = state.outputs[o].config;
-      for (int value : {c.mode, c.device, c.silenceThreshold, c.detectTime, c.returnTime,
-                        c.peakThreshold, c.holdTime}) {
-        Append14(payload, value);
-      }
-    }
-    return Frame(kSilenceDetect, payload);
-  });
+  return OutputBlocks(first, count, kSilenceConfig, kSilenceDetect,
+                      [&](QByteArray& payload, int o) {
+                        const SilenceConfig& c = state.outputs[o].config;
+                        for (int value : {c.mode, c.device, c.silenceThreshold, c.detectTime,
+                                          c.returnTime, c.peakThreshold, c.holdTime}) {
+                          Append14(payload, value);
+                        }
+                      });
 }
 
 QList<QByteArray> SilenceStatusReports(const SwitchState& state, int first, int count) {
-  return Chunked(first, count, [&](int start, int n) {
-    QByteArray payload = BlockPayload(kSilenceStatus, n, start);
-    for (int o = start; o < start + n; ++o) {
-      payload.append(static_cast<char>(state.outputs[o].status));
-    }
-    return Frame(kSilenceDetect, payload);
-  });
+  return OutputBlocks(first, count, kSilenceStatus, kSilenceDetect,
+                      [&](QByteArray& payload, int o) {
+                        payload.append(static_cast<char>(state.outputs[o].status));
+                      });
 }
 
 QList<QByteArray> SilenceChangeReports(const std::vector<std::pair<int, quint8>>& items) {

@@ -21,8 +21,6 @@ constexpr int kCodeOutputNames = 9;
 constexpr int kCodeRelayStates = 16;
 constexpr int kCodeOptoNames = 24;
 constexpr int kCodeRelayNames = 25;
-constexpr int kAnswerOrder[] = {kCodePassword,   kCodeInputNames,  kCodeOutputNames, kCodeOptoNames,
-                                kCodeRelayNames, kCodeCrosspoints, kCodeRelayStates};
 
 // Advanced request codes.
 constexpr int kCodeSilenceConfig = 90;
@@ -207,33 +205,28 @@ QString SimSwitcher::HandleInfoRequest(Connection& c, const QByteArray& message)
   }
   const int mask1 =
       Byte(message, 1) | Byte(message, 2) << 7 | Byte(message, 3) << 14 | Byte(message, 4) << 21;
-  for (int code : kAnswerOrder) {
-    if ((mask1 & (1 << code)) == 0) {
-      continue;
+  const auto wanted = [&](int code) { return (mask1 & (1 << code)) != 0; };
+  if (wanted(kCodePassword)) {
+    Send(c, PasswordReport(kPasswordText));
+  }
+  struct Names {
+    int code;
+    NameTable table;
+    const QStringList& names;
+  };
+  for (const Names& t : {Names{kCodeInputNames, NameTable::kInputs, inputNames_},
+                         Names{kCodeOutputNames, NameTable::kOutputs, outputNames_},
+                         Names{kCodeOptoNames, NameTable::kOptos, optoNames_},
+                         Names{kCodeRelayNames, NameTable::kRelays, relayNames_}}) {
+    if (wanted(t.code)) {
+      Send(c, NameTableReport(t.table, t.names));
     }
-    switch (code) {
-      case kCodePassword:
-        Send(c, PasswordReport(kPasswordText));
-        break;
-      case kCodeInputNames:
-        Send(c, NameTableReport(NameTable::kInputs, inputNames_));
-        break;
-      case kCodeOutputNames:
-        Send(c, NameTableReport(NameTable::kOutputs, outputNames_));
-        break;
-      case kCodeOptoNames:
-        Send(c, NameTableReport(NameTable::kOptos, optoNames_));
-        break;
-      case kCodeRelayNames:
-        Send(c, NameTableReport(NameTable::kRelays, relayNames_));
-        break;
-      case kCodeCrosspoints:
-        Send(c, CrosspointReports(state_, 0, OutputCount()));
-        break;
-      case kCodeRelayStates:
-        Send(c, RelayReports(state_, 0, RelayCount()));
-        break;
-    }
+  }
+  if (wanted(kCodeCrosspoints)) {
+    Send(c, CrosspointReports(state_, 0, OutputCount()));
+  }
+  if (wanted(kCodeRelayStates)) {
+    Send(c, RelayReports(state_, 0, RelayCount()));
   }
   return {};
 }

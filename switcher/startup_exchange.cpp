@@ -102,28 +102,27 @@ bool AnyRequestOutstanding(const State& s) {
 }
 
 QString RequestName(int code) {
-  switch (code) {
-    case kRequestPassword:
-      return QStringLiteral("Password");
-    case kRequestCrosspointMap:
-      return QStringLiteral("Crosspoint Map");
-    case kRequestInputNames:
-      return QStringLiteral("Input Names");
-    case kRequestOutputNames:
-      return QStringLiteral("Output Names");
-    case kRequestRelayStates:
-      return QStringLiteral("Relay States");
-    case kRequestOptoNames:
-      return QStringLiteral("Opto Names");
-    case kRequestRelayNames:
-      return QStringLiteral("Relay Names");
-    case kRequestSilenceConfig:
-      return QStringLiteral("Silence Detect Configuration");
-    case kRequestSilenceStatus:
-      return QStringLiteral("Silence Detect Status");
-    default:
-      return QStringLiteral("Request %1").arg(code);
+  struct Named {
+    int code;
+    const char* name;
+  };
+  static constexpr Named kNames[] = {
+      {kRequestPassword, "Password"},
+      {kRequestCrosspointMap, "Crosspoint Map"},
+      {kRequestInputNames, "Input Names"},
+      {kRequestOutputNames, "Output Names"},
+      {kRequestRelayStates, "Relay States"},
+      {kRequestOptoNames, "Opto Names"},
+      {kRequestRelayNames, "Relay Names"},
+      {kRequestSilenceConfig, "Silence Detect Configuration"},
+      {kRequestSilenceStatus, "Silence Detect Status"},
+  };
+  for (const Named& n : kNames) {
+    if (n.code == code) {
+      return QString::fromLatin1(n.name);
+    }
   }
+  return QStringLiteral("Request %1").arg(code);
 }
 
 void SendInfoRequest(State& s, qint32 mask1, qint32 mask2, qint32 mask3) {

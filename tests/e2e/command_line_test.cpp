@@ -81,7 +81,7 @@ TEST(ProgramCommandLine, SilenceLatchesTheRelayAndSigtermClosesCleanly) {
     ASSERT_TRUE(sim.Start());
     const QString folder = dir.filePath(QStringLiteral("data"));
     ASSERT_TRUE(QDir().mkpath(folder));
-    ASSERT_TRUE(test::WriteMonitorConfig(folder, port, 4));
+    ASSERT_TRUE(test::WriteMonitorConfig(folder, {.port = port, .watched = 4}));
 
     QProcess monitor;
     QProcessEnvironment env = NoDisplay();

@@ -222,7 +222,7 @@ TEST_F(MonitorWithSim, TwoMonitorsShareOneRelayCalmly) {
     ASSERT_TRUE(QFile::copy(QCoreApplication::applicationDirPath() + QStringLiteral("/zrn-pennaro"),
                             program));
     ASSERT_TRUE(
-        test::WriteMonitorConfig(folders[m].path(), port, 1, QStringLiteral("Output"), 2 + m));
+        test::WriteMonitorConfig(folders[m].path(), {.port = port, .watched = 1, .first = 2 + m}));
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     monitors[m].setProcessEnvironment(env);

@@ -13,6 +13,7 @@
 #include <memory>
 
 #include "monitor/monitor.h"
+#include "support/monitor_config.h"
 
 namespace zrn::test {
 
@@ -26,29 +27,6 @@ inline quint16 FreePort() {
 inline QString ReadText(const QString& path) {
   QFile file(path);
   return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-}
-
-// A configuration that watches `watched` outputs from output `first` of the switcher on
-// 127.0.0.1:port, with relay 1 as the alarm relay, written into folder.
-inline bool WriteMonitorConfig(const QString& folder, quint16 port, int watched,
-                               const QString& mode = QStringLiteral("Output"), int first = 1) {
-  QString ini = QStringLiteral(
-                    "[CONFIGURATION]\r\nServer IP Address=127.0.0.1\r\nServer IP Port=%1\r\n"
-                    "Maximum Log File Size=5000\r\nMaximum Display=100\r\nAlarm Relay=1\r\n"
-                    "Default View=Normal\r\nProgram Mode=%2\r\nOutput Count=%3\r\n")
-                    .arg(port)
-                    .arg(mode)
-                    .arg(watched);
-  for (int n = 1; n <= watched; ++n) {
-    ini += QStringLiteral(
-               "[OUTPUT%1]\r\nOutput=%2\r\nDisplay Options=0\r\nCustom Label=None\r\n"
-               "Event Count=0\r\n")
-               .arg(n)
-               .arg(first + n - 1);
-  }
-  QFile file(folder + QStringLiteral("/zrnconfig.ini"));
-  const QByteArray bytes = ini.toLatin1();
-  return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(bytes) == bytes.size();
 }
 
 // The switcher simulator as a separate program, driven through its standard input.
@@ -138,7 +116,7 @@ class SimFixture : public ::testing::Test {
     if (sim == nullptr) {
       ASSERT_NO_FATAL_FAILURE(StartSim());
     }
-    ASSERT_TRUE(WriteMonitorConfig(dir.path(), port, watched, mode));
+    ASSERT_TRUE(WriteMonitorConfig(dir.path(), {.port = port, .watched = watched, .mode = mode}));
     monitor = std::make_unique<Monitor>(dir.path() + QLatin1Char('/'), clock);
     monitor->Start();
     Started();

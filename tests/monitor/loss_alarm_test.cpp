@@ -3,22 +3,14 @@
 namespace zrn {
 namespace {
 
+using test::kCanceled;
 using test::kLatch3;
+using test::kOff;
+using test::kOn;
 using test::kRelease3;
+using test::Scenario;
 
-const QString kOn = QStringLiteral("Loss Alarm Report On");
-const QString kOff = QStringLiteral("Loss Alarm Report Off");
-const QString kCanceled = QStringLiteral("Loss Alarm Report Canceled");
 const QString kUserAck = QStringLiteral("Out 0001 [0001] Loss Alarm Canceled - User");
-
-struct Scenario {
-  const char* name;
-  const char* steps;
-  QStringList log;  // the alarm lines of the activity log afterwards
-};
-void PrintTo(const Scenario& scenario, std::ostream* os) {
-  *os << scenario.name;
-}
 
 const Scenario kScenarios[] = {
     {"two silent in one pass latch once", "S01 =L r1 s2 =-", {kOn}},
@@ -90,10 +82,8 @@ TEST_P(LossAlarm, Scenario) {
   EXPECT_EQ(Alarms(), GetParam().log);
 }
 
-INSTANTIATE_TEST_SUITE_P(Steps, LossAlarm, testing::ValuesIn(kScenarios),
-                         [](const testing::TestParamInfo<Scenario>& info) {
-                           return test::CamelCase(info.param.name);
-                         });
+// The log of a scenario holds only its alarm lines.
+INSTANTIATE_TEST_SUITE_P(Steps, LossAlarm, testing::ValuesIn(kScenarios), test::ScenarioName);
 
 using LossAlarmCases = LossAlarm;
 

@@ -18,6 +18,7 @@
 #include "monitor/output_panels.h"
 #include "monitor/panel_update.h"
 #include "support/bytes.h"
+#include "support/monitor_config.h"
 #include "support/person.h"
 #include "support/scripted_prompt.h"
 #include "support/temp_state.h"
@@ -51,25 +52,11 @@ class MainWindowTest : public ::testing::Test {
                  const QString& alarmRelay = QStringLiteral("3")) {
     ASSERT_TRUE(dir.isValid());
     ASSERT_TRUE(server.listen(QHostAddress::LocalHost));
-    QString ini = QStringLiteral(
-                      "[CONFIGURATION]\r\nServer IP Address=127.0.0.1\r\nServer IP Port=%1\r\n"
-                      "Maximum Log File Size=5000\r\nMaximum Display=100\r\nAlarm Relay=%4\r\n"
-                      "Default View=%2\r\nProgram Mode=Output\r\nOutput Count=%3\r\n")
-                      .arg(server.serverPort())
-                      .arg(defaultView)
-                      .arg(outputs)
-                      .arg(alarmRelay);
-    for (int n = 1; n <= outputs; ++n) {
-      ini += QStringLiteral(
-                 "[OUTPUT%1]\r\nOutput=%1\r\nDisplay Options=%2\r\nCustom Label=Studio %1\r\n"
-                 "Event Count=0\r\n")
-                 .arg(n)
-                 .arg(n % 3 == 0 ? 2 : 0);
-    }
-    QFile file(dir.path() + QStringLiteral("/zrnconfig.ini"));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(ini.toLatin1());
-    file.close();
+    ASSERT_TRUE(test::WriteMonitorConfig(dir.path(), {.port = server.serverPort(),
+                                                      .watched = outputs,
+                                                      .defaultView = defaultView,
+                                                      .alarmRelay = alarmRelay,
+                                                      .studios = true}));
 
     ApplyBroadcastStyle(*qApp);
     monitor = std::make_unique<Monitor>(dir.path() + QLatin1Char('/'), &clock);

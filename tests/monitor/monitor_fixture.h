@@ -6,22 +6,36 @@
 #include <cctype>
 #include <functional>
 #include <map>
+#include <ostream>
 #include <string>
 #include <utility>
 
 #include "monitor/loss_alarm.h"
 #include "monitor/panel_update.h"
 #include "support/bytes.h"
-#include "support/fake_link.h"
-#include "support/temp_state.h"
-#include "switcher/link.h"
+#include "support/connected_state.h"
 
 namespace zrn::test {
 
+// The loss alarm's reports in the activity log.
+inline const QString kOn = QStringLiteral("Loss Alarm Report On");
+inline const QString kOff = QStringLiteral("Loss Alarm Report Off");
+inline const QString kCanceled = QStringLiteral("Loss Alarm Report Canceled");
+
+// A line of steps (see Steps) and the activity log lines it is to leave.
+struct Scenario {
+  const char* name;
+  const char* steps;
+  QStringList log;
+};
+inline void PrintTo(const Scenario& scenario, std::ostream* os) {
+  *os << scenario.name;
+}
+
 // "a scenario's name" -> "AScenariosName", for parameterised test names.
-inline std::string CamelCase(const char* words) {
+inline std::string ScenarioName(const testing::TestParamInfo<Scenario>& info) {
   std::string name;
-  for (const char* c = words; *c; ++c) {
+  for (const char* c = info.param.name; *c; ++c) {
     if (std::isalnum(static_cast<unsigned char>(*c))) {
       name += name.empty() || c[-1] == ' ' ? char(std::toupper(*c)) : *c;
     }
@@ -37,17 +51,14 @@ inline const QByteArray kRelease2 = Bytes({0xFE, 0x40, 0x00, 0x00, 0x00, 0x01, 0
 
 // A state on a fake link that is connected and whose exchange is complete, relay 3 of four as
 // the alarm relay, nothing sent yet.
-class LinkedStateTest : public TempStateTest {
+class LinkedStateTest : public ConnectedStateTest {
  protected:
   void SetUp() override {
-    TempStateTest::SetUp();
-    s.link = &link;
-    OnConnected(s);
+    ConnectedStateTest::SetUp();
     s.linkState.ExchangeComplete = true;
     s.SwitcherRelayCount = 4;
     s.RelayStates.assign(4, 0);
     s.AlarmRelay = 3;
-    s.MessageRows.clear();
     link.wire.clear();
   }
   // Switcher outputs 1..count watched, monitored, their detectors in mode and reporting audio.
@@ -183,7 +194,6 @@ class LinkedStateTest : public TempStateTest {
     }
   }
 
-  FakeLink link;
   // Relay 3 latched, released, nothing, relay 3 released and 2 latched, relay 2 released.
   QHash<QString, QByteArray> frames = {
       {"L", kLatch3}, {"R", kRelease3}, {"-", {}}, {"RL2", kRelease3 + kLatch2}, {"R2", kRelease2}};

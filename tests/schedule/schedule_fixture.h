@@ -7,9 +7,7 @@
 #include "core/state.h"
 #include "schedule/due_events.h"
 #include "schedule/event_scheduler.h"
-#include "support/fake_link.h"
-#include "support/temp_state.h"
-#include "switcher/link.h"
+#include "support/connected_state.h"
 
 // Readable failure messages for texts and lists of texts.
 inline void PrintTo(const QString& text, std::ostream* os) {
@@ -31,14 +29,11 @@ inline ScheduledEvent Event(const char* time, qint16 days, bool active = true) {
 
 // One watched output (switcher output 12, "Studio A") on a live fake link; the clock is driven
 // the way the poll timer drives it, one 500 ms tick at a time.
-class ScheduleTest : public TempStateTest {
+class ScheduleTest : public ConnectedStateTest {
  protected:
   void SetUp() override {
-    TempStateTest::SetUp();
-    s.link = &link;
-    OnConnected(s);
+    ConnectedStateTest::SetUp();
     s.linkState.ExchangeComplete = true;
-    s.MessageRows.clear();
     s.OutputNames[11] = QStringLiteral("Studio A");
     s.InputNames[4] = QStringLiteral("Sat 1");
     s.Outputs[0].Output = 12;
@@ -83,16 +78,6 @@ class ScheduleTest : public TempStateTest {
       TickAt(clock.Now().addMSecs(500));
     }
   }
-  // The message list without its stamps.
-  QStringList Reports() const {
-    QStringList out;
-    for (const QString& row : s.MessageRows) {
-      out << row.section(QStringLiteral(" - "), 2);
-    }
-    return out;
-  }
-
-  FakeLink link;
 };
 
 }  // namespace zrn::test

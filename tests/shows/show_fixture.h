@@ -11,6 +11,7 @@
 #include "shows/show_editor_rules.h"
 #include "shows/shows_pass.h"
 #include "support/fake_link.h"
+#include "support/on_air.h"
 #include "support/switcher_bytes.h"
 #include "support/temp_state.h"
 #include "switcher/link.h"
@@ -67,12 +68,7 @@ class ShowsTest : public LinkedStateTest {
               const QString& end = QStringLiteral("14:00:00")) {
     ShowRecord show;
     show.Name = name;
-    show.StartTime = start;
-    show.EndTime = end;
-    show.StartDate = QStringLiteral("01/01/2026");
-    show.EndDate = QStringLiteral("12/31/2026");
-    show.Days = 127;
-    show.DownlinkSource = downlink;
+    PutOnAir(show, start, end, downlink);
     show.OutputCount = 1;
     show.OutputLeft = {kNone};
     show.OutputRight = {kNone};

@@ -5,29 +5,20 @@
 namespace zrn {
 namespace {
 
+using test::kCanceled;
 using test::kConfig10;
 using test::kConfig11;
 using test::kLatch3;
+using test::kOff;
+using test::kOn;
 using test::kPark10;
 using test::kRelease3;
 using test::kRoute5To10;
 using test::kRoute7To11;
-
-const QString kOn = QStringLiteral("Loss Alarm Report On");
-const QString kOff = QStringLiteral("Loss Alarm Report Off");
-const QString kCanceled = QStringLiteral("Loss Alarm Report Canceled");
+using test::Scenario;
 
 const QString kMorningOn = QStringLiteral("Morning Silence Alarm Status ON!");
 const QString kMorningOff = QStringLiteral("Morning Silence Alarm Status OFF!");
-
-struct Scenario {
-  const char* name;
-  const char* steps;
-  QStringList log;  // the activity log afterwards
-};
-void PrintTo(const Scenario& scenario, std::ostream* os) {
-  *os << scenario.name;
-}
 
 const Scenario kScenarios[] = {
     {"the latch is repeated until reported and a cancel lasts until the next change",
@@ -52,10 +43,7 @@ TEST_P(ShowsPassTest, Scenario) {
   EXPECT_EQ(Activity(), GetParam().log);
 }
 
-INSTANTIATE_TEST_SUITE_P(Steps, ShowsPassTest, testing::ValuesIn(kScenarios),
-                         [](const testing::TestParamInfo<Scenario>& info) {
-                           return test::CamelCase(info.param.name);
-                         });
+INSTANTIATE_TEST_SUITE_P(Steps, ShowsPassTest, testing::ValuesIn(kScenarios), test::ScenarioName);
 
 TEST_F(ShowsPassTest, ShowsWaitForALiveCompleteLink) {
   AddShow(QStringLiteral("Morning"), 5);

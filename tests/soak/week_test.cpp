@@ -17,6 +17,7 @@
 #include "storage/events_file.h"
 #include "storage/shows_file.h"
 #include "support/fake_link.h"
+#include "support/on_air.h"
 #include "wire_switcher.h"
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -370,12 +371,7 @@ TEST_F(Soak, ShowModeWeek) {
   // later one ignores silence from 10:30 to 10:45.
   ShowRecord morning = MakeNewShow();
   morning.Name = QStringLiteral("Morning");
-  morning.StartTime = QStringLiteral("08:00:00");
-  morning.EndTime = QStringLiteral("10:00:00");
-  morning.StartDate = QStringLiteral("01/01/2026");
-  morning.EndDate = QStringLiteral("12/31/2026");
-  morning.Days = kEveryDay;
-  morning.DownlinkSource = 12;
+  PutOnAir(morning, QStringLiteral("08:00:00"), QStringLiteral("10:00:00"), 12);
   morning.StudioLeft[0].Channel = 13;
   ShowRecord late = morning;
   late.Name = QStringLiteral("Late Morning");

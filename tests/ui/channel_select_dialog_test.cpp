@@ -1,6 +1,8 @@
 #include "ui/channel_select_dialog.h"
+
 #include "monitor/poll_tick.h"
 #include "shows/show_activity.h"
+#include "support/on_air.h"
 #include "switcher/name_tables.h"
 #include "ui/ui_fixture.h"
 
@@ -94,12 +96,7 @@ TEST_F(ChannelSelectTest, OkKeepsTheSettingsOfOutputsThatStay) {
 TEST_F(ChannelSelectTest, ReplacingTheTableWhileAShowIsOnAirStrandsNoOutput) {
   ShowRecord show = MakeNewShow();
   show.Name = QStringLiteral("Breakfast");
-  show.StartTime = QStringLiteral("00:00:00");
-  show.EndTime = QStringLiteral("23:59:59");
-  show.StartDate = QStringLiteral("01/01/2026");
-  show.EndDate = QStringLiteral("12/31/2026");
-  show.Days = 0x7F;
-  show.DownlinkSource = 4;
+  test::PutOnAir(show, QStringLiteral("00:00:00"), QStringLiteral("23:59:59"), 4);
   show.StudioLeft[0].Channel = 6;
   s.Shows = {show};
   s.ShowCount = 1;

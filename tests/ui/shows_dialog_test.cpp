@@ -2,6 +2,7 @@
 
 #include "monitor/poll_tick.h"
 #include "shows/shows_pass.h"
+#include "support/on_air.h"
 #include "switcher/name_tables.h"
 #include "ui/setup_dialog.h"
 #include "ui/shows_dialog.h"
@@ -35,6 +36,10 @@ class ShowsDialogTest : public test::DialogTest {
     DialogTest::Open<ShowsDialog>();
   }
   void Edit() { person.Click(QStringLiteral("Edit the current show")); }
+  void TypeEndDate(const QString& digits) {
+    person.Click(QStringLiteral("End Date"));
+    person.Type(digits);
+  }
   QString Title() const { return Shown(QStringLiteral("Show Title")); }
   // Where the navigation stands, "n of m".
   QString Place() const { return Frames().filter(QStringLiteral(" of ")).value(0); }
@@ -129,8 +134,7 @@ TEST_F(ShowsDialogTest, DaysAndDatesSurviveMovingAway) {
   Edit();
   person.Click(QStringLiteral("Wednesday"));
   person.Click(QStringLiteral("Sunday"));
-  person.Click(QStringLiteral("End Date"));
-  person.Type(QStringLiteral("06302026"));
+  TypeEndDate(QStringLiteral("06302026"));
   EXPECT_EQ(person.Find(QStringLiteral("Wednesday"))->toolTip(),
             QStringLiteral("Event happens every Wedensday"));
   person.Click(QStringLiteral(">"));
@@ -149,8 +153,7 @@ TEST_F(ShowsDialogTest, DaysAndDatesSurviveMovingAway) {
 TEST_F(ShowsDialogTest, AShowEndingBeforeItStartsIsRefusedNamingTheDate) {
   Open(1);
   Edit();
-  person.Click(QStringLiteral("End Date"));
-  person.Type(QStringLiteral("12312024"));
+  TypeEndDate(QStringLiteral("12312024"));
   person.Click(QStringLiteral("OK"));
   EXPECT_EQ(prompt.informed, QStringList{QStringLiteral(
                                  "The End Date is before the Start Date.  Please enter an End "
@@ -159,8 +162,7 @@ TEST_F(ShowsDialogTest, AShowEndingBeforeItStartsIsRefusedNamingTheDate) {
   EXPECT_EQ(QApplication::focusWidget(), person.Find(QStringLiteral("End Date")));
   EXPECT_EQ(s.Shows[1].EndDate, QStringLiteral("12/31/2025")) << "nothing taken over";
 
-  person.Click(QStringLiteral("End Date"));
-  person.Type(QStringLiteral("06302026"));
+  TypeEndDate(QStringLiteral("06302026"));
   person.Click(QStringLiteral("OK"));
   EXPECT_EQ(s.Shows[1].EndDate, QStringLiteral("06/30/2026"));
 }
@@ -215,12 +217,7 @@ TEST_F(ShowsDialogTest, ReplacingTheTableOfAShowOnAirKeepsOneMonitorPerSource) {
   s.SilenceOutCount = 3;
   UpdateSilenceOutTable(s);
   ShowRecord& news = s.Shows[0];
-  news.StartTime = QStringLiteral("00:00:00");
-  news.EndTime = QStringLiteral("23:59:59");
-  news.StartDate = QStringLiteral("01/01/2026");
-  news.EndDate = QStringLiteral("12/31/2026");
-  news.Days = 127;
-  news.DownlinkSource = 4;
+  test::PutOnAir(news, QStringLiteral("00:00:00"), QStringLiteral("23:59:59"), 4);
   news.StudioLeft[0].Channel = 6;
   RefreshClock(s);
   ShowsPass(s);

@@ -18,6 +18,7 @@
 #include <cstdio>
 #include <functional>
 #include <memory>
+#include <utility>
 
 #include "alerts/alerts.h"
 #include "history/alarm_history.h"
@@ -253,6 +254,14 @@ void ShootViewWindows(zrn::sim::SimSwitcher& sim, const QString& out) {
   QTest::qWait(1500);
 }
 
+// Builds a dialog of the given kind on the state as it stands now and shoots it.
+template <class Dialog, class... Args>
+void ShootNew(const std::function<void(const char*, QDialog&)>& shoot, const char* file,
+              Args&&... args) {
+  Dialog dialog(std::forward<Args>(args)...);
+  shoot(file, dialog);
+}
+
 void ShootDialogs(zrn::sim::SimSwitcher& sim, const QString& out, const QString& demo) {
   QTemporaryDir folder;
   const bool seeded = !demo.isEmpty();
@@ -291,23 +300,11 @@ void ShootDialogs(zrn::sim::SimSwitcher& sim, const QString& out, const QString&
     s.ProgramMode = mode;
     shoot("setup-dialog.png", dialog);
   }
-  {
-    zrn::ScheduleDialog dialog(s);
-    shoot("schedule-dialog.png", dialog);
-  }
-  {
-    zrn::SilenceDetectDialog dialog(s, 0);
-    shoot("silence-detect-dialog.png", dialog);
-  }
-  {
-    zrn::ShowsDialog dialog(s);
-    shoot("shows-dialog.png", dialog);
-  }
-  {
-    s.ChannelSelectMode = 3;
-    zrn::ChannelSelectDialog dialog(s);
-    shoot("channel-select-dialog.png", dialog);
-  }
+  ShootNew<zrn::ScheduleDialog>(shoot, "schedule-dialog.png", s);
+  ShootNew<zrn::SilenceDetectDialog>(shoot, "silence-detect-dialog.png", s, 0);
+  ShootNew<zrn::ShowsDialog>(shoot, "shows-dialog.png", s);
+  s.ChannelSelectMode = 3;
+  ShootNew<zrn::ChannelSelectDialog>(shoot, "channel-select-dialog.png", s);
   // The channel pair and ignore window editors work on the show editor's copy of the shows.
   s.EditShows = s.Shows;
   if (!s.EditShows.empty()) {
@@ -316,22 +313,10 @@ void ShootDialogs(zrn::sim::SimSwitcher& sim, const QString& out, const QString&
     s.EditShows[0].IgnoreCount = 2;
   }
   s.ChannelSelectMode = 1;
-  {
-    zrn::ChannelPairDialog dialog(s);
-    shoot("channel-pair-dialog.png", dialog);
-  }
-  {
-    zrn::IgnoreWindowDialog dialog(s);
-    shoot("ignore-window-dialog.png", dialog);
-  }
-  {
-    zrn::ShowSilenceStatusDialog dialog(s, 0);
-    shoot("show-silence-status-dialog.png", dialog);
-  }
-  {
-    zrn::AboutDialog dialog(s);
-    shoot("about-dialog.png", dialog);
-  }
+  ShootNew<zrn::ChannelPairDialog>(shoot, "channel-pair-dialog.png", s);
+  ShootNew<zrn::IgnoreWindowDialog>(shoot, "ignore-window-dialog.png", s);
+  ShootNew<zrn::ShowSilenceStatusDialog>(shoot, "show-silence-status-dialog.png", s, 0);
+  ShootNew<zrn::AboutDialog>(shoot, "about-dialog.png", s);
   {
     // Never started: the defaults an absent ZRNAlerts.ini means, and no port taken.
     zrn::Alerts alerts(monitor);
