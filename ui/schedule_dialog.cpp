@@ -182,12 +182,6 @@ QLayout* ScheduleDialog::BuildFields() {
   return fields;
 }
 
-QPushButton* ScheduleDialog::AutoButton(int index) const {
-  return index >= 0 && index < static_cast<int>(cmdAuto_.size())
-             ? cmdAuto_[static_cast<size_t>(index)]
-             : nullptr;
-}
-
 void ScheduleDialog::SetEditMode(bool on) {
   editing_ = on;
   for (QRadioButton* option : optDisplay_) {

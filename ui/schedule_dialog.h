@@ -31,9 +31,6 @@ class ScheduleDialog final : public QDialog {
  public:
   explicit ScheduleDialog(State& s, QWidget* parent = nullptr);
 
-  // The buttons by their index in the button row: 0 "New Event", 1 "Edit", 2 "Delete",
-  // 3 "Cancel", 4 "Save", 5 "Save as New", 7 "Every Day".
-  QPushButton* AutoButton(int index) const;
   bool ChangesPending() const { return changesPending_; }
   int CurrentIndex() const { return draft_.current; }
 

@@ -103,6 +103,39 @@ TEST(ScheduleRules, RowTexts) {
   EXPECT_EQ(EventRowTexts(s, Event(2))[2], QStringLiteral("[0002] Uknown"));
 }
 
+// The first fault the schedule editor reports, in the order the operator reads the fields.
+TEST(ScheduleRules, FieldsAreRefusedForTheirFirstFault) {
+  const struct {
+    const char* time;
+    int days;
+    const char* label;
+    bool connect;
+    int source;
+    const char* title;  // "" when the fields make an event
+  } cases[] = {
+      {"6:30", 1, "News", true, 3, ""},
+      {"6:3", 1, "", false, 0, "Time Error"},
+      {"06:30:00", 0, "", false, 0, "Day Error"},
+      {"06:30:00", 1, "A,B", false, 0, "Label Error"},
+      {"06:30:00", 1, "ThirteenChars", false, 0, "Label Error"},
+      {"06:30:00", 1, "", true, 0, "Source Error"},
+  };
+  for (const auto& c : cases) {
+    const EventFields fields{.time = QLatin1String(c.time),
+                             .days = c.days,
+                             .label = QString::fromUtf8(c.label),
+                             .connect = c.connect,
+                             .sourcePosition = c.source};
+    EXPECT_EQ(CheckEventFields(fields).value_or(FieldError{}).title, QLatin1String(c.title))
+        << c.time << " " << c.label;
+  }
+  // The events file pads labels to 12 characters; the editor shows them without the blanks.
+  ScheduledEvent padded = Event(1);
+  padded.Label = QStringLiteral("News        ");
+  EXPECT_EQ(FieldsOfEvent(padded).label, QStringLiteral("News"));
+  EXPECT_EQ(EventFromFields(FieldsOfEvent(padded)).Time, QStringLiteral("01:00:00"));
+}
+
 TEST(SilenceDetectRules, ListPositionsAndDevices) {
   const struct {
     int code;
