@@ -31,9 +31,6 @@ class ScheduleDialog final : public QDialog {
  public:
   explicit ScheduleDialog(State& s, QWidget* parent = nullptr);
 
-  bool ChangesPending() const { return changesPending_; }
-  int CurrentIndex() const { return draft_.current; }
-
   // Closing by the close button, Escape or the title bar asks about unsaved changes first.
   void reject() override;
 

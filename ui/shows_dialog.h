@@ -35,9 +35,6 @@ class ShowsDialog final : public CopyEditorDialog {
  public:
   explicit ShowsDialog(State& s, QWidget* parent = nullptr);
 
-  // Index into EditShows of the show on display; 0 while the copy is empty.
-  int CurrentIndex() const { return current_; }
-
   // Refuses a show that ends before it starts.
   void accept() override;
 
