@@ -30,11 +30,6 @@ class ChannelPairDialog final : public CopyEditorDialog {
  public:
   explicit ChannelPairDialog(State& s, QWidget* parent = nullptr);
 
-  const std::vector<ChannelGroup>& Groups() const { return groups_; }
-  // Index of the current group; kNone when there is none.
-  int Current() const { return current_; }
-  bool Editing() const { return editing_; }
-
   // Opens only in mode 1 or 2, for a show of the working copy.
   int exec() override;
   void accept() override;

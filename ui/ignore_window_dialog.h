@@ -26,8 +26,6 @@ class IgnoreWindowDialog final : public CopyEditorDialog {
  public:
   explicit IgnoreWindowDialog(State& s, QWidget* parent = nullptr);
 
-  const std::vector<IgnoreWindow>& Windows() const { return windows_; }
-
   // Opens only for a show of the working copy.
   int exec() override;
   void accept() override;
