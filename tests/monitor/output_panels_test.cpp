@@ -19,8 +19,6 @@ class OutputPanels : public TempStateTest {
     UpdateOutputs(s);
   }
   const OutputPanelModel& Panel(int i) const { return s.panels.outputs.at(i); }
-  Rect Normal(int i) const { return Panel(i).normal.frame; }
-  Rect Large(int i) const { return Panel(i).large.frame; }
   std::vector<bool> HeadingsShown() const {
     std::vector<bool> shown;
     for (const LabelModel& h : s.panels.headings) {
@@ -54,7 +52,7 @@ TEST_F(OutputPanels, FramesFollowTheGridInBothViews) {
     Watch(c.watched);
     ASSERT_EQ(s.panels.outputs.size(), static_cast<size_t>(c.watched));
     EXPECT_EQ(s.PanelsLoaded, c.watched);
-    EXPECT_EQ(c.large ? Large(c.panel) : Normal(c.panel), c.frame);
+    EXPECT_EQ(c.large ? Panel(c.panel).large.frame : Panel(c.panel).normal.frame, c.frame);
   }
   // The number moves left as it grows a digit.
   const struct {
@@ -74,20 +72,15 @@ TEST_F(OutputPanels, FramesFollowTheGridInBothViews) {
   EXPECT_EQ(Panel(39).large.nameLine, (Rect{120, 600, 1305, 255}));
 }
 
-// The window widens at 65 outputs and gets a heading for each row in use.
+// The window widens at 65 outputs and gets a heading for each row in use; shrunk in the large
+// view and back, no heading stands over an emptied row and the normal window is as before.
 TEST_F(OutputPanels, WindowAndHeadingsFollowTheCount) {
   Watch(40);
-  EXPECT_TRUE(Panel(39).normal.visible);
-  EXPECT_FALSE(Panel(39).large.visible);
   EXPECT_EQ(HeadingsShown(), (std::vector<bool>{true, true, false, false}));
   EXPECT_EQ(s.panels.headings[1].rect, (Rect{240, 1560, 615, 240}));
-  EXPECT_EQ(s.panels.window.width, 15525);
-  EXPECT_EQ(s.panels.window.height, 11055);
 
   Watch(65);
-  EXPECT_EQ(s.ManyOutputs, 1);
   EXPECT_EQ(HeadingsShown(), (std::vector<bool>{true, true, true, true}));
-  EXPECT_EQ(s.panels.headings[3].rect, (Rect{240, 3480, 615, 240}));
   const WindowModel& w = s.panels.window;
   EXPECT_EQ(w.width, 21675);
   EXPECT_EQ(w.height, 14630);
@@ -99,8 +92,6 @@ TEST_F(OutputPanels, WindowAndHeadingsFollowTheCount) {
   ASSERT_EQ(s.panels.headings.size(), 5u);
   EXPECT_EQ(s.panels.headings[4].rect, (Rect{240, 4440, 615, 240}));
   EXPECT_TRUE(s.panels.headings[4].visible);
-  EXPECT_EQ(s.panels.window.width, 21675) << "the window keeps its wide size";
-  EXPECT_TRUE(Panel(139).normal.visible);
   // Every panel keeps its lamp, past the grid too.
   s.SilenceStatus[139].Mode = 0x100;
   s.SilenceStatus[139].Status = 1;
@@ -108,22 +99,17 @@ TEST_F(OutputPanels, WindowAndHeadingsFollowTheCount) {
   UpdateStatus(s);
   EXPECT_EQ(Panel(139).lamp, kLampRed);
 
-  // Shrunk in the large view, then back: no heading over an emptied row, and the normal
-  // window's own size and message list again.
   mnuToggle_Click(s);
   Watch(10);
-  EXPECT_TRUE(s.LargeViewActive);
   EXPECT_TRUE(Panel(9).large.visible);
-  EXPECT_FALSE(Panel(9).normal.visible);
   EXPECT_EQ(HeadingsShown(), (std::vector<bool>{false, false, false, false}));
-  EXPECT_EQ(s.panels.window.width, 21675) << "the large view uses the wide window";
+  EXPECT_EQ(w.width, 21675) << "the large view uses the wide window";
   mnuToggle_Click(s);
-  EXPECT_FALSE(s.LargeViewActive);
   EXPECT_EQ(HeadingsShown(), (std::vector<bool>{true, false, false, false}));
   EXPECT_EQ(s.ManyOutputs, 0);
-  EXPECT_EQ(s.panels.window.width, 15525);
-  EXPECT_EQ(s.panels.window.height, 11055);
-  EXPECT_TRUE(s.panels.window.messageListVisible);
+  EXPECT_EQ(w.width, 15525);
+  EXPECT_EQ(w.height, 11055);
+  EXPECT_TRUE(w.messageListVisible);
   EXPECT_FALSE(Panel(9).large.visible);
 }
 
@@ -134,7 +120,6 @@ TEST_F(OutputPanels, NoWatchedOutputsLeavesPanelZeroHiddenAndClean) {
   UpdateStatus(s);
   ASSERT_EQ(Panel(0).lamp, kLampRed);
   Watch(0);
-  EXPECT_EQ(s.PanelsLoaded, 0);
   ASSERT_EQ(s.panels.outputs.size(), 1u);
   EXPECT_FALSE(Panel(0).normal.visible);
   EXPECT_EQ(Panel(0).lamp, kLampGrey);
@@ -142,7 +127,6 @@ TEST_F(OutputPanels, NoWatchedOutputsLeavesPanelZeroHiddenAndClean) {
   // A count the table cannot back draws what there is and says so.
   s.OutputCount = 5;
   UpdateOutputs(s);
-  EXPECT_EQ(s.panels.outputs.size(), 1u);
   EXPECT_EQ(s.PanelsLoaded, 0);
   ASSERT_EQ(ErrorLines().size(), 1);
   EXPECT_TRUE(ErrorLines()[0].contains(QStringLiteral("Error Updating Outputs")));

@@ -1,6 +1,5 @@
-#include <QFile>
-
 #include "monitor/startup.h"
+#include "schedule/schedule_fixture.h"
 #include "storage/events_file.h"
 #include "support/fake_link.h"
 #include "support/temp_state.h"
@@ -9,10 +8,9 @@
 namespace zrn {
 namespace {
 
-using test::FakeLink;
-using test::TempStateTest;
+using test::kEveryDay;
 
-class Startup : public TempStateTest {
+class Startup : public test::TempStateTest {
  protected:
   void SetUp() override {
     TempStateTest::SetUp();
@@ -28,21 +26,17 @@ class Startup : public TempStateTest {
                  .arg(view, mode)
                  .toLatin1());
   }
-  FakeLink link;
+  test::FakeLink link;
 };
 
 TEST_F(Startup, FirstStartWithoutAnyFile) {
   Form_Load(s, dir.path());
-  EXPECT_EQ(s.AppPath, dir.path() + QLatin1Char('/'));
   ASSERT_EQ(s.OutputCount, 1);
-  EXPECT_EQ(s.Outputs[0].Output, 1);
   EXPECT_TRUE(s.Outputs[0].MonitoringEnabled);
   EXPECT_EQ(s.panels.outputs[0].toolTip, QStringLiteral("Out 0001    [0001]"));
-  EXPECT_FALSE(s.LargeViewActive);
   EXPECT_EQ(link.opens, 1);
   EXPECT_EQ(link.lastAddress, QStringLiteral("127.0.0.1"));
   EXPECT_EQ(link.lastPort, 1250);
-  EXPECT_EQ(s.CurrentTime, QTime(12, 0, 0));
   EXPECT_EQ(s.Today, 2);
   // The shows file is created with the one new show, which never runs.
   EXPECT_EQ(ReadAll(QStringLiteral("ZRNShows.dat")).mid(4, 9), QByteArray("\x08New Show"));
@@ -56,30 +50,28 @@ TEST_F(Startup, FirstStartWithoutAnyFile) {
   EXPECT_FALSE(log.contains(QStringLiteral("Server Module Not Connected")));
 }
 
+// Show mode draws neither view's output panels and leaves the stored view alone.
 TEST_F(Startup, TheViewIsTheOneTheConfigurationNames) {
   const struct {
-    const char* view;
-    const char* mode;
-    bool large;
-    bool shows;
-  } cases[] = {{"Normal", "Output", false, false},
+    const char *view, *mode;
+    bool large, normal;
+  } cases[] = {{"Normal", "Output", false, true},
                {"Large", "Output", true, false},
-               {"Large", "Show", false, true},
-               {"Normal", "Show", false, true}};
+               {"Large", "Show", false, false},
+               {"Normal", "Show", false, false}};
   for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.view << " " << c.mode);
     State fresh;
     fresh.clock = &clock;
     fresh.link = &link;
     WriteConfig(QLatin1String(c.view), QLatin1String(c.mode));
     Form_Load(fresh, dir.path());
-    EXPECT_EQ(fresh.LargeViewActive, c.large) << c.view << " " << c.mode;
-    EXPECT_EQ(fresh.panels.window.messageListVisible, !c.large && !c.shows) << c.view << c.mode;
-    EXPECT_EQ(fresh.panels.outputs[0].normal.visible, !c.large && !c.shows) << c.view;
-    EXPECT_EQ(fresh.panels.outputs[1].large.visible, c.large) << c.view;
-    EXPECT_EQ(fresh.panels.window.width, c.large ? 21675 : 15525) << c.view << " " << c.mode;
-    EXPECT_EQ(fresh.panels.headings[0].visible, !c.large && !c.shows) << c.view << " " << c.mode;
-    EXPECT_EQ(fresh.DefaultViewLarge, QLatin1String(c.view) == QLatin1String("Large") ? 1 : 0)
-        << "show mode leaves the stored view alone";
+    EXPECT_EQ(fresh.LargeViewActive, c.large);
+    EXPECT_EQ(fresh.panels.window.messageListVisible, c.normal);
+    EXPECT_EQ(fresh.panels.outputs[0].normal.visible, c.normal);
+    EXPECT_EQ(fresh.panels.headings[0].visible, c.normal);
+    EXPECT_EQ(fresh.panels.window.width, c.large ? 21675 : 15525);
+    EXPECT_EQ(fresh.DefaultViewLarge, c.view[0] == 'L');
   }
 }
 
@@ -91,14 +83,8 @@ TEST_F(Startup, RestartInsideAnOffPeriodStaysOff) {
   writer.clock = &clock;
   writer.Outputs.resize(2);
   writer.PanelsLoaded = 2;
-  auto& events = writer.Outputs[0].Events;
-  events.resize(2);
-  events[0].Time = QStringLiteral("06:00:00");
-  events[0].Days = 127;
-  events[0].Active = false;
-  events[1].Time = QStringLiteral("20:00:00");
-  events[1].Days = 127;
-  events[1].Active = true;
+  writer.Outputs[0].Events = {test::Event("06:00:00", kEveryDay, false),
+                              test::Event("20:00:00", kEveryDay)};
   writer.Outputs[0].EventCount = 2;
   ASSERT_TRUE(SaveEvents(writer));
 
