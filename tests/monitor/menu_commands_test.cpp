@@ -40,7 +40,8 @@ TEST_F(MenuCommands, EnableTogglesMonitoringWithAUserLine) {
   EXPECT_EQ(EnableMenuCaption(s), QStringLiteral("Enable"));
   mnuEnable_Click(s);
   ASSERT_EQ(s.MessageRows.size(), 1);
-  EXPECT_TRUE(s.MessageRows[0].endsWith(QStringLiteral(" - Studio [0006] Monitoring enabled - User")));
+  EXPECT_TRUE(
+      s.MessageRows[0].endsWith(QStringLiteral(" - Studio [0006] Monitoring enabled - User")));
   EXPECT_EQ(EnableMenuCaption(s), QStringLiteral("Disable"));
   mnuEnable_Click(s);
   EXPECT_FALSE(s.Outputs[0].MonitoringEnabled);
