@@ -62,7 +62,6 @@ class MainWindowTest : public ::testing::Test {
     monitor = std::make_unique<Monitor>(dir.path() + QLatin1Char('/'), &clock);
     window = std::make_unique<MainWindow>(*monitor);
     monitor->Start();
-    window->show();
     ASSERT_TRUE(server.waitForNewConnection(5000));
     peer = server.nextPendingConnection();
     ASSERT_TRUE(QTest::qWaitFor([&] { return monitor->state().Connected; }, 5000));
@@ -78,12 +77,13 @@ class MainWindowTest : public ::testing::Test {
     s.linkState.ExchangeComplete = true;
     // As a completed exchange does: the window draws fresh lamps from here on.
     emit monitor->changed();
+    person.Open(*window);
   }
 
-  void SetSilent(std::initializer_list<int> channels, quint8 status) {
+  void SetSilent(std::initializer_list<int> channels) {
     State& s = monitor->state();
     for (int channel : channels) {
-      s.SilenceStatus[channel - 1].Status = status;
+      s.SilenceStatus[channel - 1].Status = 1;
     }
     UpdateStatus(s);
     emit monitor->changed();
@@ -131,34 +131,30 @@ class MainWindowTest : public ::testing::Test {
     return QRect(widget->mapTo(window.get(), QPoint(0, 0)), widget->size());
   }
   QRect VisiblePanelArea() const { return InWindow(window->PanelArea()->viewport()); }
+  QRect PanelInWindow(int index) const {
+    return FramePixels(index).translated(window->Canvas()->mapTo(window.get(), QPoint()));
+  }
   // Scrolls the panel area as the operator would until the panel is in sight; returns where
   // the panel then stands in the window.
   QRect ScrollTo(int index) {
     const QRect frame = FramePixels(index);
     window->PanelArea()->ensureVisible(frame.center().x(), frame.center().y(),
                                        frame.width() / 2 + 2, frame.height() / 2 + 2);
-    return QRect(window->Canvas()->mapTo(window.get(), frame.topLeft()), frame.size());
+    return PanelInWindow(index);
   }
-  // A click at a place in the window reaches whatever the operator sees there.
-  void ClickAt(const QPoint& inWindow) {
-    QWidget* target = window->childAt(inWindow);
+  // A click on a panel reaches whatever the operator sees there.
+  void ClickPanel(int index) {
+    const QPoint at = ScrollTo(index).center();
+    QWidget* target = window->childAt(at);
     ASSERT_NE(target, nullptr);
-    QTest::mouseClick(target, Qt::LeftButton, {}, target->mapFrom(window.get(), inWindow));
+    QTest::mouseClick(target, Qt::LeftButton, {}, target->mapFrom(window.get(), at));
   }
-  void ClickPanel(int index) { ClickAt(ScrollTo(index).center()); }
   // The colour on screen at the middle of a panel's lamp, as "#rrggbb".
   QString LampOnScreen(int index) {
     const OutputPanelModel& panel = monitor->state().panels.outputs[index];
-    const bool large = panel.large.visible;
-    const Rect& frame = large ? panel.large.frame : panel.normal.frame;
-    const Rect& lamp = large ? panel.large.lamp : panel.normal.lamp;
-    const QPoint centre =
-        PanelCanvasWidget::ToPixels(
-            Rect{frame.left + lamp.left, frame.top + lamp.top, lamp.width, lamp.height})
-            .center();
-    ScrollTo(index);
-    const QImage shot = window->grab().toImage();
-    return shot.pixelColor(window->Canvas()->mapTo(window.get(), centre)).name();
+    const Rect& lamp = panel.large.visible ? panel.large.lamp : panel.normal.lamp;
+    const QPoint centre = ScrollTo(index).topLeft() + PanelCanvasWidget::ToPixels(lamp).center();
+    return window->grab().toImage().pixelColor(centre).name();
   }
 
   // A menu's item by its text, as the menu bar shows it.
@@ -181,21 +177,20 @@ class MainWindowTest : public ::testing::Test {
   QByteArray received;
   std::unique_ptr<Monitor> monitor;
   std::unique_ptr<MainWindow> window;
+  test::Person person;
 };
 
-TEST_F(MainWindowTest, NormalViewShowsEveryPanelAndAcknowledgesByClick) {
+TEST_F(MainWindowTest, PanelClicksAcknowledgeAndCancelReleasesTheRelayInBothViews) {
   StartWith(QStringLiteral("Normal"), 40);
-  const State& s = monitor->state();
+  State& s = monitor->state();
   EXPECT_TRUE(window->History()->isVisible());
   EXPECT_EQ(window->StatusText()->text(), QStringLiteral("Server Module Connected"));
 
-  SetSilent({4, 9, 17}, 1);
+  SetSilent({4, 9, 17});
   // One latch of relay 3 for the three alarms.
   EXPECT_TRUE(ServerReceives(Bytes({0xFE, 0x44, 0x00, 0x00, 0x00, 0x02, 0x00, 0x46, 0xFF})));
-
   EXPECT_EQ(LampOnScreen(8), QStringLiteral("#ff0000"));
   ClickPanel(8);
-  EXPECT_EQ(s.panels.outputs[8].lamp, kLampYellow);
   EXPECT_EQ(LampOnScreen(8), QStringLiteral("#ffff00"));
   EXPECT_TRUE(window->History()
                   ->item(window->History()->count() - 1)
@@ -215,20 +210,14 @@ TEST_F(MainWindowTest, NormalViewShowsEveryPanelAndAcknowledgesByClick) {
   // A click on a green panel acknowledges nothing.
   ClickPanel(0);
   EXPECT_EQ(s.panels.outputs[0].lamp, kLampGreen);
-}
 
-TEST_F(MainWindowTest, LargeViewAndCancelReleasesTheRelay) {
-  StartWith(QStringLiteral("Large"), 40);
-  State& s = monitor->state();
+  MenuItem(QStringLiteral("Toggle &View"))->trigger();
   EXPECT_FALSE(window->History()->isVisible());
-  SetSilent({2, 13}, 1);
-  EXPECT_TRUE(ServerReceives(Bytes({0xFE, 0x44, 0x00, 0x00, 0x00, 0x02, 0x00, 0x46, 0xFF})));
   s.RelayStates[2] = 1;  // the switcher reports the relay latched
   RelayStatesReported(s);
   emit monitor->changed();
-  EXPECT_EQ(LampOnScreen(12), QStringLiteral("#ff0000"));
-
-  ClickAt(InWindow(window->CancelButton()).center());
+  EXPECT_EQ(LampOnScreen(16), QStringLiteral("#ff0000"));
+  person.Click(QStringLiteral("Cancel"));
   EXPECT_TRUE(ServerReceives(Bytes({0xFE, 0x40, 0x00, 0x00, 0x00, 0x02, 0x00, 0x42, 0xFF})));
   EXPECT_TRUE(s.MessageRows.last().endsWith(QStringLiteral("Loss Alarm Report Canceled")));
   // A peak on another output afterwards raises nothing: the cancelled alarms stay off the relay.
@@ -236,84 +225,7 @@ TEST_F(MainWindowTest, LargeViewAndCancelReleasesTheRelay) {
   ASSERT_TRUE(QTest::qWaitFor([&] { return s.SilenceStatus[6].Status == 2; }, 5000));
   EXPECT_EQ(s.lossAlarm.wantedRelay, kNone);
   EXPECT_TRUE(s.MessageRows.last().endsWith(QStringLiteral("Loss Alarm Report Canceled")));
-
-  // File > Toggle View brings the normal view and its history list back.
-  monitor->ToggleView();
-  EXPECT_TRUE(window->History()->isVisible());
 }
-
-struct ManyPanels {
-  int outputs;
-  const char* view;
-};
-
-class ManyPanelsTest : public MainWindowTest, public ::testing::WithParamInterface<ManyPanels> {};
-
-// Every panel can be brought into sight and clicked on a 1280x720 screen; the alarm controls
-// and the message list stay where they are, beside and below the scrolling panels.
-TEST_P(ManyPanelsTest, EveryPanelScrollsIntoSightAndAnswersItsClick) {
-  const ManyPanels& param = GetParam();
-  StartWith(QString::fromLatin1(param.view), 16);
-  Watch(param.outputs);
-  State& s = monitor->state();
-
-  const QRect screen = window->screen()->availableGeometry();
-  ASSERT_EQ(screen.size(), QSize(1280, 720));
-  EXPECT_TRUE(screen.contains(window->frameGeometry()))
-      << "the window fits the screen instead of opening at the view's full size";
-  const QRect area = VisiblePanelArea();
-  const QRect alarm = InWindow(window->AlarmControls());
-  EXPECT_TRUE(window->rect().contains(alarm));
-  EXPECT_FALSE(area.intersects(alarm));
-  if (window->History()->isVisible()) {
-    EXPECT_FALSE(area.intersects(InWindow(window->History())));
-  }
-
-  for (int i = 0; i < param.outputs; ++i) {
-    const QRect panel = ScrollTo(i);
-    ASSERT_TRUE(area.contains(panel)) << "panel " << i + 1;
-    ASSERT_EQ(window->childAt(panel.center()), window->Canvas()) << "panel " << i + 1;
-  }
-
-  // Output 150 and the last panel go silent; a click on each acknowledges that panel's
-  // output, not another one on the same channel.
-  const int last = param.outputs - 1;
-  s.SilenceStatus[149].Status = 1;
-  s.SilenceStatus[last % 256].Status = 1;
-  UpdateStatus(s);
-  emit monitor->changed();
-  for (const int index : {149, last}) {
-    EXPECT_EQ(LampOnScreen(index), QStringLiteral("#ff0000")) << "panel " << index + 1;
-    ClickPanel(index);
-    EXPECT_EQ(LampOnScreen(index), QStringLiteral("#ffff00")) << "panel " << index + 1;
-    EXPECT_TRUE(s.MessageRows.join(QLatin1Char('\n'))
-                    .contains(QStringLiteral("[%1] Loss Alarm Canceled - User")
-                                  .arg(index % 256 + 1, 4, 10, QLatin1Char('0'))))
-        << "panel " << index + 1;
-  }
-  if (param.outputs > 256 + 149) {
-    EXPECT_EQ(s.panels.outputs[149 + 256].lamp, kLampRed) << "same channel, not clicked";
-  }
-
-  QScrollBar* bar = window->PanelArea()->verticalScrollBar();
-  bar->setValue(bar->maximum());
-  EXPECT_EQ(InWindow(window->AlarmControls()), alarm) << "the alarm controls do not scroll";
-  EXPECT_EQ(window->childAt(InWindow(window->CancelButton()).center()), window->CancelButton());
-
-  // The operator makes the window smaller: the controls come along, the panels still scroll.
-  window->resize(800, 450);
-  QCoreApplication::processEvents();
-  EXPECT_TRUE(window->rect().contains(InWindow(window->AlarmControls())));
-  EXPECT_TRUE(window->rect().contains(VisiblePanelArea()));
-  EXPECT_TRUE(VisiblePanelArea().contains(ScrollTo(last)));
-}
-
-INSTANTIATE_TEST_SUITE_P(Screen1280x720, ManyPanelsTest,
-                         ::testing::Values(ManyPanels{200, "Large"}, ManyPanels{200, "Normal"},
-                                           ManyPanels{1000, "Large"}, ManyPanels{1000, "Normal"}),
-                         [](const auto& info) {
-                           return std::to_string(info.param.outputs) + info.param.view;
-                         });
 
 // The digits of a position number as drawn: runs of bright columns at least half as tall as
 // the tallest, so an ellipsis' dots do not count as digits.
@@ -347,6 +259,74 @@ Ink InkOf(const QImage& image) {
   return ink;
 }
 
+class ManyPanelsTest : public MainWindowTest, public ::testing::WithParamInterface<const char*> {};
+
+// Every one of 1000 panels can be brought into sight and clicked on a 1280x720 screen; the
+// alarm controls and the message list stay where they are, beside and below the panels.
+TEST_P(ManyPanelsTest, EveryPanelScrollsIntoSightAndAnswersItsClick) {
+  StartWith(QString::fromLatin1(GetParam()), 16);
+  Watch(1000);
+  State& s = monitor->state();
+
+  const QRect screen = window->screen()->availableGeometry();
+  ASSERT_EQ(screen.size(), QSize(1280, 720));
+  EXPECT_TRUE(screen.contains(window->frameGeometry()))
+      << "the window fits the screen instead of opening at the view's full size";
+  const QRect area = VisiblePanelArea();
+  const QRect alarm = InWindow(window->AlarmControls());
+  EXPECT_TRUE(window->rect().contains(alarm));
+  EXPECT_FALSE(area.intersects(alarm));
+  if (window->History()->isVisible()) {
+    EXPECT_FALSE(area.intersects(InWindow(window->History())));
+  }
+
+  for (int i = 0; i < 1000; ++i) {
+    const QRect panel = ScrollTo(i);
+    ASSERT_TRUE(area.contains(panel)) << "panel " << i + 1;
+    ASSERT_EQ(window->childAt(panel.center()), window->Canvas()) << "panel " << i + 1;
+  }
+  // Position numbers of three and four digits are drawn whole and legible.
+  for (const int index : {8, 98, 99, 100, 149, 998, 999}) {
+    const OutputPanelModel& panel = s.panels.outputs[index];
+    ScrollTo(index);
+    const QRect box = PanelCanvasWidget::NumberPixels(panel, panel.large.visible);
+    const Ink ink = InkOf(window->Canvas()->grab(box).toImage());
+    EXPECT_EQ(ink.glyphs, panel.position.size()) << panel.position.toStdString();
+    EXPECT_LE(ink.bounds.width(), box.width()) << panel.position.toStdString();
+    EXPECT_GE(ink.bounds.height(), box.height() / 3) << panel.position.toStdString();
+  }
+
+  // Output 150 and the last panel go silent; a click on each acknowledges that panel's
+  // output, not another one on the same channel.
+  const int last = 999;
+  SetSilent({150, last % 256 + 1});
+  for (const int index : {149, last}) {
+    EXPECT_EQ(LampOnScreen(index), QStringLiteral("#ff0000")) << "panel " << index + 1;
+    ClickPanel(index);
+    EXPECT_EQ(LampOnScreen(index), QStringLiteral("#ffff00")) << "panel " << index + 1;
+    EXPECT_TRUE(s.MessageRows.join(QLatin1Char('\n'))
+                    .contains(QStringLiteral("[%1] Loss Alarm Canceled - User")
+                                  .arg(index % 256 + 1, 4, 10, QLatin1Char('0'))))
+        << "panel " << index + 1;
+  }
+  EXPECT_EQ(s.panels.outputs[149 + 256].lamp, kLampRed) << "same channel, not clicked";
+
+  QScrollBar* bar = window->PanelArea()->verticalScrollBar();
+  bar->setValue(bar->maximum());
+  EXPECT_EQ(InWindow(window->AlarmControls()), alarm) << "the alarm controls do not scroll";
+  EXPECT_EQ(window->childAt(InWindow(window->CancelButton()).center()), window->CancelButton());
+
+  // The operator makes the window smaller: the controls come along, the panels still scroll.
+  window->resize(800, 450);
+  QCoreApplication::processEvents();
+  EXPECT_TRUE(window->rect().contains(InWindow(window->AlarmControls())));
+  EXPECT_TRUE(window->rect().contains(VisiblePanelArea()));
+  EXPECT_TRUE(VisiblePanelArea().contains(ScrollTo(last)));
+}
+
+INSTANTIATE_TEST_SUITE_P(Screen1280x720, ManyPanelsTest, ::testing::Values("Large", "Normal"),
+                         [](const auto& info) { return std::string(info.param); });
+
 TEST_F(MainWindowTest, FindNarrowsFourThousandPanelsAndClearingPutsThemBack) {
   StartWith(QStringLiteral("Normal"), 1);
   State& s = monitor->state();
@@ -355,8 +335,6 @@ TEST_F(MainWindowTest, FindNarrowsFourThousandPanelsAndClearingPutsThemBack) {
   s.Outputs[2999].CustomLabel = QStringLiteral("Newsroom B");
   UpdateOutputs(s);
   emit monitor->changed();
-  test::Person person;
-  person.Open(*window);
 
   const auto shownPanels = [&] {
     std::vector<int> shown;
@@ -369,9 +347,7 @@ TEST_F(MainWindowTest, FindNarrowsFourThousandPanelsAndClearingPutsThemBack) {
   };
   const auto inSight = [&](int index) {
     QCoreApplication::processEvents();
-    const QRect frame = FramePixels(index);
-    const QRect seen(window->Canvas()->mapTo(window.get(), frame.topLeft()), frame.size());
-    return VisiblePanelArea().contains(seen);
+    return VisiblePanelArea().contains(PanelInWindow(index));
   };
   const auto clearTyped = [&] {
     person.Press(Qt::Key_A, Qt::ControlModifier);
@@ -408,12 +384,12 @@ TEST_F(MainWindowTest, FindNarrowsFourThousandPanelsAndClearingPutsThemBack) {
   EXPECT_TRUE(inSight(onOutput163.back()));
 
   // Only alarms, of those.
-  SetSilent({163}, 1);
+  SetSilent({163});
   person.Click(QStringLiteral("Only alarms"));
   EXPECT_EQ(shownPanels(), onOutput163);
   person.Click(window->FindBar()->Text());
   clearTyped();
-  SetSilent({7}, 1);
+  SetSilent({7});
   monitor->Poll();  // the filter follows the alarms at the next poll tick
   EXPECT_EQ(shownPanels().size(), 32u) << "only the alarms, whatever their name";
   person.Click(QStringLiteral("Only alarms"));
@@ -424,26 +400,6 @@ TEST_F(MainWindowTest, FindNarrowsFourThousandPanelsAndClearingPutsThemBack) {
   for (int i = 0; i < 4096; ++i) {
     ASSERT_EQ(s.panels.outputs[i].normal.frame, DesignedOutputPanel(i).normal.frame) << i;
     ASSERT_EQ(s.panels.outputs[i].large.frame, DesignedOutputPanel(i).large.frame) << i;
-  }
-}
-
-TEST_F(MainWindowTest, PositionNumbersOfThreeAndFourDigitsAreDrawnWhole) {
-  StartWith(QStringLiteral("Normal"), 16);
-  Watch(1000);
-  for (const bool large : {false, true}) {
-    if (large) {
-      monitor->ToggleView();
-    }
-    for (const int index : {8, 98, 99, 100, 149, 998, 999}) {
-      const OutputPanelModel& panel = monitor->state().panels.outputs[index];
-      ScrollTo(index);
-      const QRect box = PanelCanvasWidget::NumberPixels(panel, large);
-      const Ink ink = InkOf(window->Canvas()->grab(box).toImage());
-      EXPECT_EQ(ink.glyphs, panel.position.size())
-          << panel.position.toStdString() << (large ? " large" : " normal");
-      EXPECT_LE(ink.bounds.width(), box.width()) << panel.position.toStdString();
-      EXPECT_GE(ink.bounds.height(), box.height() / 3) << "still legible";
-    }
   }
 }
 
@@ -468,7 +424,6 @@ TEST_F(MainWindowTest, SetupCancelKeepsEachPanelOnItsOutput) {
   State& s = monitor->state();
   bool driven = false;
   test::WhenModal([&](QDialog& setup) {
-    test::Person person;
     person.Open(setup);
     for (const char* caption : {"Remove", "Insert", "Cancel"}) {
       person.Click(QLatin1String(caption));
@@ -479,10 +434,8 @@ TEST_F(MainWindowTest, SetupCancelKeepsEachPanelOnItsOutput) {
   ASSERT_TRUE(driven);
 
   ASSERT_EQ(s.OutputCount, 3);
-  for (int i = 0; i < 3; ++i) {
-    EXPECT_EQ(s.Outputs[i].Output, i + 1);
-  }
-  SetSilent({1}, 1);
+  EXPECT_EQ(s.Outputs[2].Output, 3);
+  SetSilent({1});
   ClickPanel(0);
   EXPECT_EQ(s.panels.outputs[0].lamp, kLampYellow);
 }
@@ -506,7 +459,6 @@ TEST_F(MainWindowTest, AlertsReachTheDesktopUntilAcknowledged) {
 
   bool driven = false;
   test::WhenModal([&](QDialog& dialog) {
-    test::Person person;
     person.Open(dialog);
     person.Click(QStringLiteral("Sound until acknowledged"));
     // Another address without a token is refused and the dialog stays.
@@ -531,14 +483,14 @@ TEST_F(MainWindowTest, AlertsReachTheDesktopUntilAcknowledged) {
     return desktop->Tray()->icon().pixmap(32, 32).toImage().pixelColor(16, 16).name();
   };
   EXPECT_EQ(trayPixel(), QStringLiteral("#00ff00"));
-  SetSilent({3}, 1);
+  SetSilent({3});
   EXPECT_EQ(window->windowTitle(), QStringLiteral("ALARM - ZRN Pennaro"));
   EXPECT_EQ(trayPixel(), QStringLiteral("#ff0000"));
   EXPECT_EQ(desktop->Notifications().value(0),
             QStringLiteral("Loss alarm: Studio 3 (output 3) is silent"));
   EXPECT_TRUE(desktop->TonePlaying());
 
-  SetSilent({1}, 1);
+  SetSilent({1});
   EXPECT_EQ(desktop->Tray()->toolTip(),
             QStringLiteral("ZRN Pennaro\n2 outputs silent: Out 0001, Studio 3"));
   ClickPanel(0);
