@@ -61,6 +61,10 @@ const Scenario kScenarios[] = {
      "s0 k0 d0 s0 #0- m0 s0 #0r w1",
      {kOn, kUserAck, kOff, kOn}},
     {"monitoring off forgets the cancel", "s0 c d0 s0 #0- m0 s0 #0r w1", {kOn, kCanceled, kOn}},
+    // The new source's silence is a new silence, looked at once the detector could tell.
+    {"a route change holds the lamp grey, then alarms anew",
+     "s0 k0 g0 s0 #0- w0 +13 s0 #0r w1",
+     {kOn, kUserAck, kOff, kOn}},
 };
 
 // Three watched outputs with audio, relay 3 of four as the alarm relay, on a live link.
@@ -122,6 +126,41 @@ TEST_F(LossAlarmCases, InShowModeOnlyShowsAlarm) {
   s.ActiveShowCount = 3;
   Tick();
   EXPECT_EQ(Wire(), kRelease3);
+}
+
+// A silence report after a pass with audio, under conditions that decide whether it counts.
+TEST_F(LossAlarmCases, SilenceCountsOnlyWhenDetectedInOutputModeWithNothingOutstanding) {
+  const struct {
+    const char* why;
+    qint16 mode;
+    quint8 req4;
+    qint16 programMode;
+    const char* silence;
+  } cases[] = {
+      {"detecting", 0x109, 0, 0, "s0 #0r w1"},
+      {"a device configured, detection switched off", 0x009, 0, 0, "s0 #0- w0"},
+      {"the enable bit alone", 0x100, 0, 0, "s0 #0r w1"},
+      {"detector requests outstanding: nothing changes", 0x109, 0x40, 0, "s0 #0g w0"},
+      {"show mode raises no output alarm", 0x109, 0, 1, "s0 #0- w0"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.why);
+    s.ProgramMode = 0;
+    s.requests.Req4 = 0;
+    s.SilenceStatus[0].Mode = 0x109;
+    Steps("a0 #0g");
+    s.SilenceStatus[0].Mode = c.mode;
+    s.requests.Req4 = c.req4;
+    s.ProgramMode = c.programMode;
+    Steps(c.silence);
+  }
+}
+
+// A route to the source already routed is no change: no grace, the alarm stays.
+TEST_F(LossAlarmCases, ARouteToTheSourceAlreadyThereIsNoChange) {
+  s.CrosspointMap[0].SourceCount = 1;
+  s.CrosspointMap[0].Sources[0] = 7;
+  Steps("s0 g0 s0 #0r w1");
 }
 
 TEST_F(LossAlarmCases, ARelayBeyondTheTableCountsAsNone) {

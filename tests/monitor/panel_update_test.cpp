@@ -1,4 +1,5 @@
-#include "monitor_fixture.h"
+#include "monitor/panel_update.h"
+#include "support/temp_state.h"
 
 namespace zrn {
 namespace {
@@ -57,76 +58,6 @@ TEST_F(PanelTexts, FollowTheDisplayOptionAndReadUknownOutsideTheTables) {
   s.SwitcherOutputCount = 256;
   EXPECT_EQ(PanelName(s, s.Outputs[0]), QStringLiteral("Out 0012"));
   EXPECT_TRUE(ErrorLines().isEmpty());
-}
-
-// Two watched outputs with audio on a live link.
-class Lamps : public test::LinkedStateTest {
- protected:
-  void SetUp() override {
-    LinkedStateTest::SetUp();
-    Watch(2, kDetecting);
-  }
-  Rgb Pass(quint8 silence) {
-    s.SilenceStatus[0].Status = silence;
-    UpdateStatus(s);
-    return s.panels.outputs[0].lamp;
-  }
-  // What the lamp pass decides for the relay.
-  bool Alarms() const { return AlarmRelayWanted(s); }
-};
-
-// A silence report after a pass with audio, under conditions that decide whether it counts.
-TEST_F(Lamps, SilenceCountsOnlyWhenDetectedInOutputModeWithNothingOutstanding) {
-  const struct {
-    const char* why;
-    qint16 mode;
-    quint8 req4;
-    qint16 programMode;
-    Rgb lamp;
-    bool alarms;
-  } cases[] = {
-      {"detecting", kDetecting, 0, 0, kLampRed, true},
-      {"a device configured, detection switched off", 0x009, 0, 0, kLampGrey, false},
-      {"the enable bit alone", 0x100, 0, 0, kLampRed, true},
-      {"detector requests outstanding: nothing changes", kDetecting, 0x40, 0, kLampGreen, false},
-      {"show mode raises no output alarm", kDetecting, 0, 1, kLampGrey, false},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.why);
-    s.ProgramMode = 0;
-    s.requests.Req4 = 0;
-    s.SilenceStatus[0].Mode = kDetecting;
-    ASSERT_EQ(Pass(0), kLampGreen);
-    s.SilenceStatus[0].Mode = c.mode;
-    s.requests.Req4 = c.req4;
-    s.ProgramMode = c.programMode;
-    EXPECT_EQ(Pass(1), c.lamp);
-    EXPECT_EQ(Alarms(), c.alarms);
-  }
-}
-
-TEST_F(Lamps, OwnRouteChangeHoldsTheLampGreyUntilTheGraceEnds) {
-  Pass(1);
-  s.Outputs[0].AlarmState = 1;
-  Pass(1);
-  s.SilenceStatus[0].DetectTime = 4;
-  s.SilenceStatus[0].ReturnTime = 2;
-  StartSilenceGrace(s, 0, 7);
-  EXPECT_EQ(Pass(1), kLampGrey);
-  EXPECT_FALSE(Alarms());
-  EXPECT_TRUE(s.panels.outputs[0].lampInGrace);
-  EXPECT_EQ(s.Outputs[0].AlarmState, 0) << "the new source's silence is a new silence";
-  clock.AdvanceSeconds(6);
-  EXPECT_EQ(Pass(1), kLampRed);
-  EXPECT_TRUE(Alarms());
-  EXPECT_FALSE(s.panels.outputs[0].lampInGrace);
-
-  // A route to the source that is already routed is no change: no grace, the alarm stays.
-  s.CrosspointMap[0].SourceCount = 1;
-  s.CrosspointMap[0].Sources[0] = 6;
-  StartSilenceGrace(s, 0, 6);
-  EXPECT_EQ(Pass(1), kLampRed);
-  EXPECT_TRUE(Alarms());
 }
 
 }  // namespace
