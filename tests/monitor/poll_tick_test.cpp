@@ -190,29 +190,6 @@ TEST_F(PollTimer, TheStatusBarSaysSinceWhenNothingIsKnown) {
   EXPECT_EQ(StatusLine(s), QStringLiteral("Server Module Connected"));
 }
 
-TEST_F(PollTimer, SilentOutputsCountHowLongThroughAcknowledgement) {
-  s.linkState.ExchangeComplete = true;
-  s.Outputs[0].MonitoringEnabled = true;
-  s.SilenceStatus[6].Mode = 0x109;
-  UpdateOutputs(s);
-  TickAt(At(0, "07:59:59"));
-  s.SilenceStatus[6].Status = 1;
-  UpdateStatus(s);
-  TickAt(At(0, "08:00:00"));  // the silence starts
-  TickAt(At(0, "08:03:05"));
-  EXPECT_EQ(s.panels.outputs[0].silentSeconds, 185);
-  s.Outputs[0].AlarmState = 1;
-  UpdateStatus(s);
-  ASSERT_EQ(s.panels.outputs[0].lamp, kLampYellow);
-  TickAt(At(0, "09:10:00"));
-  EXPECT_EQ(s.panels.outputs[0].silentSeconds, 4200) << "acknowledged, still the same silence";
-
-  s.SilenceStatus[6].Status = 0;
-  UpdateStatus(s);
-  Tick();
-  EXPECT_EQ(s.panels.outputs[0].silentSeconds, -1);
-}
-
 TEST(DurationTexts, ToolTipAndPanelForms) {
   const struct {
     qint64 seconds;
