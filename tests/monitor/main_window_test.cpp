@@ -228,19 +228,15 @@ struct Ink {
 };
 
 Ink InkOf(const QImage& image) {
-  std::vector<int> heights(static_cast<std::size_t>(image.width()), 0);
   Ink ink;
+  std::vector<int> heights;
   for (int x = 0; x < image.width(); ++x) {
-    int top = -1;
-    int bottom = -1;
+    QRect column;
     for (int y = 0; y < image.height(); ++y) {
-      if (qGray(image.pixel(x, y)) > 150) {
-        top = top < 0 ? y : top;
-        bottom = y;
-        ink.bounds |= QRect(x, y, 1, 1);
-      }
+      column |= qGray(image.pixel(x, y)) > 150 ? QRect(x, y, 1, 1) : QRect();
     }
-    heights[x] = top < 0 ? 0 : bottom - top + 1;
+    ink.bounds |= column;
+    heights.push_back(column.height());
   }
   const int tallest = *std::max_element(heights.begin(), heights.end());
   bool inGlyph = false;
