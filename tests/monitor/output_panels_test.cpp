@@ -151,6 +151,8 @@ TEST_F(OutputPanels, TextsFollowTheDisplayOptionAndReadUknownOutsideTheTables) {
       {"custom label on the second line", 2, 12, 4, 256, 256, "Studio A    ", "", "Studio A    "},
       {"no channel", 0, kNone, 4, 256, 256, "Uknown", "Uknown", ""},
       {"channel beyond the table", 0, 300, 4, 256, 256, "Uknown", "Uknown", ""},
+      {"channel beyond the table, routed", 1, 300, 4, 256, 256, "Uknown", "Uknown", ""},
+      {"channel zero", 0, 0, 4, 256, 256, "Uknown", "Uknown", ""},
       {"negative channel, routed", 1, -4, 4, 256, 256, "Uknown", "Uknown", ""},
       {"the switcher's count bounds the table", 0, 9, 4, 256, 8, "Uknown", "Uknown", ""},
   };
