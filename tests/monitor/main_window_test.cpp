@@ -202,6 +202,7 @@ TEST_F(MainWindowTest, PanelClicksAcknowledgeAndCancelReleasesTheRelayInBothView
   ClickPanel(0);
   EXPECT_EQ(s.panels.outputs[0].lamp, kLampGreen);
 
+  // File > Toggle View: the large view has no history list, and Cancel releases the relay.
   MenuItem(QStringLiteral("Toggle &View"))->trigger();
   EXPECT_FALSE(window->History()->isVisible());
   s.RelayStates[2] = 1;  // the switcher reports the relay latched
