@@ -23,9 +23,6 @@ struct Read {
         << r.eventCount << ", " << r.eventSlots << (r.monitored ? ", monitored" : "");
   }
 };
-Read Fields(const Read& r) {
-  return r;
-}
 Read Fields(const OutputEntry& e) {
   return {e.Output,
           e.DisplayOption,
@@ -82,24 +79,21 @@ TEST_F(ConfigFileTest, ScalarValuesFollowTheirRules) {
     if (c.lines.isEmpty()) {
       ASSERT_EQ(t.Outputs.size(), 1u);
       EXPECT_EQ(t.OutputCount, 1);
-      EXPECT_EQ(Fields(t.Outputs[0]), Fields({1, 0, "None", 0, 1, true}));
+      EXPECT_EQ(Fields(t.Outputs[0]), (Read{1, 0, "None", 0, 1, true}));
       EXPECT_TRUE(Files().isEmpty());  // nothing created, nothing logged
     }
   }
 }
 
 TEST_F(ConfigFileTest, SectionsFillTheOutputsTable) {
+  // No count gives the full table of unwatched outputs.
   State zero = Fresh();
   ASSERT_TRUE(Load(zero, {"Output Count=0"}));
   ASSERT_EQ(zero.OutputCount, 64);
   ASSERT_EQ(zero.Outputs.size(), 64u);
   for (const OutputEntry& entry : zero.Outputs) {
-    EXPECT_EQ(entry.Output, kNone);
-    EXPECT_FALSE(entry.MonitoringEnabled);
-    EXPECT_EQ(entry.Events.size(), 1u);
-    EXPECT_EQ(entry.EventCount, 0);
-    EXPECT_EQ(entry.NextEvent, kNone);
-    EXPECT_EQ(entry.HoldOffTicks, 0);
+    EXPECT_EQ(Fields(entry), (Read{kNone, 0, "None", 0, 1, false}));
+    EXPECT_EQ(std::tuple(entry.NextEvent, entry.HoldOffTicks), std::tuple(kNone, 0));
   }
 
   State t = Fresh();
@@ -115,17 +109,20 @@ TEST_F(ConfigFileTest, SectionsFillTheOutputsTable) {
           "[OUTPUT4]", "Output=7", "Custom Label=Lost", "Event Count=2", "[OUTPUT5]", "Output=9",
           "Display Options=1", "Custom Label=Z", "Event Count=1"}));
   ASSERT_EQ(t.Outputs.size(), 5u);
-  EXPECT_EQ(Fields(t.Outputs[0]), Fields({12, 2, "  Studio", 4, 4, true}));
-  EXPECT_EQ(Fields(t.Outputs[1]), Fields({5, 0, "None", 1, 1, true}));
-  EXPECT_EQ(Fields(t.Outputs[2]), Fields({kNone, 1, "A", 0, 1, false}));
-  EXPECT_EQ(Fields(t.Outputs[3]), Fields({7, 0, "None", 0, 1, true}));
-  EXPECT_EQ(Fields(t.Outputs[4]), Fields({kNone, 0, "None", 0, 1, false}));
+  const Read read[] = {{12, 2, "  Studio", 4, 4, true},
+                       {5, 0, "None", 1, 1, true},
+                       {kNone, 1, "A", 0, 1, false},
+                       {7, 0, "None", 0, 1, true},
+                       {kNone, 0, "None", 0, 1, false}};
+  for (int i = 0; i < 5; ++i) {
+    EXPECT_EQ(Fields(t.Outputs[i]), read[i]) << i;
+  }
 
   State later = Fresh();
   ASSERT_TRUE(Load(later, {"Output Count=1", "[OUTPUT1]", "Output=3", "Display Options=1",
                            "Custom Label=Gone", "Event Count=2", "Output Count=2"}));
   ASSERT_EQ(later.Outputs.size(), 2u);
-  EXPECT_EQ(Fields(later.Outputs[0]), Fields({kNone, 0, "None", 0, 1, false}));
+  EXPECT_EQ(Fields(later.Outputs[0]), (Read{kNone, 0, "None", 0, 1, false}));
 }
 
 // The exact layout, characters beyond ASCII as single bytes, and every field read back as written:
@@ -200,26 +197,18 @@ TEST_F(ConfigFileTest, ReadErrorsAreLoggedAndTheFileSetAside) {
   EXPECT_EQ(problem,
             "Configuration not read: zrnconfig.ini is damaged at \"Alarm Relay=99999\" "
             "(Overflow); set aside as zrnconfig.ini.bad-20261116-154252");
-  EXPECT_EQ(s.ServerPort, 2001);                // read before the error
-  EXPECT_EQ(s.MaxDisplay, 100);                 // after it: never reached
-  EXPECT_TRUE(s.Outputs[0].MonitoringEnabled);  // the table stays consistent all the same
+  // Read up to the error, never after it; the table stays consistent all the same.
+  EXPECT_EQ(std::tuple(s.ServerPort, s.MaxDisplay, s.Outputs[0].MonitoringEnabled),
+            std::tuple(2001, 100, true));
   const QStringList lines = ErrorLines();
   ASSERT_EQ(lines.size(), 2);
   EXPECT_EQ(lines[0].mid(24), "Error Reading ini file              Error #  6 - Overflow");
-  EXPECT_TRUE(lines[1].contains("zrnconfig.ini.bad-20261116-154252")) << lines[1].toStdString();
   EXPECT_EQ(Files(), QStringList({"Errorlog.txt", "zrnconfig.ini.bad-20261116-154252"}));
   EXPECT_EQ(ReadAll("zrnconfig.ini.bad-20261116-154252"), overflow);
 
-  State next = Fresh();
-  EXPECT_TRUE(ReadConfiguration(next));
-  EXPECT_EQ(next.ServerPort, 1250);
-  EXPECT_EQ(next.AlarmRelay, kNone);
-
   const struct {
     QByteArrayList lines;
-    QString error;
-    // Where the operator is told the reading stopped.
-    QString at;
+    QString error, at;  // at: where the operator is told the reading stopped
   } cases[] = {
       {{"Output Count=2", "[OUTPUT3]", "Output=1", "Display Options=0", "Custom Label=X",
         "Event Count=0"},
@@ -264,31 +253,30 @@ TEST_F(ConfigFileTest, UnopenableFileIsReportedAsUnreadable) {
   }
   QString problem;
   EXPECT_FALSE(ReadConfiguration(s, &problem));
-  EXPECT_TRUE(problem.startsWith("Configuration not read: zrnconfig.ini is unreadable ("))
-      << problem.toStdString();
-  EXPECT_TRUE(problem.endsWith("); set aside as zrnconfig.ini.bad-20261116-154252"))
+  EXPECT_TRUE(problem.startsWith("Configuration not read: zrnconfig.ini is unreadable (") &&
+              problem.endsWith("); set aside as zrnconfig.ini.bad-20261116-154252"))
       << problem.toStdString();
   EXPECT_TRUE(ErrorLines().join('\n').contains("Unreadable file kept as zrnconfig.ini.bad-"));
-  EXPECT_FALSE(ErrorLines().join('\n').contains("Damaged"));
   EXPECT_EQ(s.ServerPort, 1250) << "nothing of it was read";
 }
 
 TEST(NormalizeServerAddress, ClampsAndDropsLeadingZeros) {
   const struct {
-    const char* in;
-    const char* out;
-  } good[] = {{"192.168.001.010", "192.168.1.10"},  {"300.-5.1.2", "255.0.1.2"},
-              {"192.168.001.300", "192.168.1.255"}, {"1.2.3.4.5", "1.2.3.4"},
-              {" 10 .x.2.5.", "10.0.2.5"},          {"1.2.3.99999999999999999999999", "1.2.3.255"}};
-  for (const auto& g : good) {
+    const char *in, *out;  // "unchanged": refused
+  } cases[] = {{"192.168.001.010", "192.168.1.10"},
+               {"300.-5.1.2", "255.0.1.2"},
+               {"192.168.001.300", "192.168.1.255"},
+               {"1.2.3.4.5", "1.2.3.4"},
+               {" 10 .x.2.5.", "10.0.2.5"},
+               {"1.2.3.99999999999999999999999", "1.2.3.255"},
+               {"1.2.3", "unchanged"},
+               {"1.2.3.", "unchanged"},
+               {"localhost", "unchanged"}};
+  for (const auto& c : cases) {
     QString normalized = "unchanged";
-    EXPECT_TRUE(NormalizeServerAddress(g.in, &normalized)) << g.in;
-    EXPECT_EQ(normalized, g.out) << g.in;
-  }
-  for (const char* bad : {"1.2.3", "1.2.3.", "", "localhost"}) {
-    QString normalized = "unchanged";
-    EXPECT_FALSE(NormalizeServerAddress(bad, &normalized)) << bad;
-    EXPECT_EQ(normalized, "unchanged") << bad;
+    EXPECT_EQ(NormalizeServerAddress(c.in, &normalized), QLatin1String(c.out) != "unchanged")
+        << c.in;
+    EXPECT_EQ(normalized, c.out) << c.in;
   }
 }
 
