@@ -1,11 +1,8 @@
 #include "switcher/status_reports.h"
 
-#include <QTemporaryDir>
-#include <random>
 #include <tuple>
 
 #include "monitor/panel_update.h"
-#include "switcher/frame.h"
 #include "switcher/startup_exchange.h"
 #include "switcher_fixture.h"
 
@@ -13,7 +10,6 @@ namespace zrn {
 namespace {
 
 using test::Bytes;
-using test::FakeLink;
 
 constexpr qint16 kDetecting = 0x109;  // message only, device on, silence detection enabled
 
@@ -179,132 +175,6 @@ TEST_F(StatusReports, RelayStatesAreStoredWithinTheRelayTable) {
   EXPECT_EQ(Errors(), QStringList{"Error Receiving Relay/Opto State Relay States Length Error"});
   EXPECT_EQ(s.RelayStates[1], 1);
   EXPECT_EQ(s.requests.Req1, 1 << kRequestRelayStates);
-}
-
-// One random stream of reports about a 16-output switcher: silence and peak changes, detector
-// status, crosspoint maps (one in four a byte short, so stored but not taken) and relay states.
-QByteArray RandomReports(std::mt19937& random, int count) {
-  auto pick = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
-  QByteArray stream;
-  for (int m = 0; m < count; ++m) {
-    QByteArray p;
-    const int kind = 1 + pick(9);
-    if (kind == 1) {  // status of a few outputs from some output on
-      const int n = 1 + pick(4);
-      p.append(static_cast<char>(kSilenceStatusReport));
-      AppendInt14(p, n);
-      AppendInt14(p, pick(16));
-      for (int k = 0; k < n; ++k) {
-        p.append(static_cast<char>(pick(4)));
-      }
-    } else if (kind <= 3) {  // a route of one output, or none
-      const bool routed = pick(5) != 0;
-      p.append('\x01');
-      AppendInt14(p, 1);
-      AppendInt14(p, pick(16));
-      AppendInt14(p, routed ? 1 : 0);
-      p.append('\0');
-      if (routed) {
-        AppendInt14(p, pick(20));
-        AppendInt14(p, 0);
-      }
-      p.append(pick(4) == 0 ? QByteArray(1, '\0') : QByteArray());
-    } else if (kind == 4) {  // relay 1 reported on or off
-      p.append('\x28');
-      AppendInt14(p, 1);
-      AppendInt14(p, 0);
-      p.append(static_cast<char>(pick(2)));
-    } else {  // changes of state, silence or peak, of one to three outputs
-      const int n = 1 + pick(3);
-      p.append(static_cast<char>(kSilenceChangeOfState));
-      AppendInt14(p, n);
-      for (int k = 0; k < n; ++k) {
-        AppendInt14(p, pick(17));  // one beyond the switcher now and then
-        p.append(static_cast<char>(pick(2) | (pick(3) == 0 ? 64 : 0)));
-      }
-    }
-    stream += BuildFrame(kind == 1 || kind > 4 ? 0xCB : kind == 4 ? 0xF7 : 0xF6, p);
-  }
-  return stream;
-}
-
-struct BatchCase {
-  const char* name;
-  bool showMode = false, graceOnChannel3 = false, statusRequestOpen = false;
-};
-
-// A 16-output switcher watched by 24 entries on 12 channels: some channels twice, one entry
-// beyond the switcher.
-void Prepare(State& s, const BatchCase& c) {
-  OnConnected(s);
-  s.linkState.ExchangeComplete = true;
-  s.SwitcherOutputCount = s.SwitcherInputCount = 16;
-  s.SwitcherRelayCount = 2;
-  s.RelayStates.assign(2, 0);
-  s.AlarmRelay = 1;
-  s.ProgramMode = c.showMode ? 1 : 0;
-  s.Outputs.assign(24, OutputEntry{});
-  s.OutputCount = 24;
-  for (int i = 0; i < 24; ++i) {
-    OutputEntry& e = s.Outputs[i];
-    e.Output = static_cast<qint16>(i < 23 ? 1 + (i * 5) % 12 : 17);
-    e.DisplayOption = static_cast<qint16>(i % 3);
-    e.MonitoringEnabled = i % 7 != 6;
-    e.AlarmState = static_cast<qint16>(i % 5 == 0 ? 1 : 0);
-  }
-  for (int o = 0; o < 16; ++o) {
-    s.SilenceStatus[o].Mode = o == 4 ? 0 : kDetecting;
-    s.InputNames[o] = QStringLiteral("In %1").arg(o);
-  }
-  if (c.graceOnChannel3) {
-    StartSilenceGrace(s, 2, 9);
-  }
-  UpdateOutputs(s);
-  if (c.statusRequestOpen) {
-    SetRequest(s, kRequestSilenceStatus);
-  }
-}
-
-// The panel update keeps what its last full pass found while a batch of reports is decoded, and
-// then touches only the outputs a report names. A batch must end exactly where one report at a
-// time, each with its full pass, ends: lamps, texts, alarm states, activity lines, relay commands.
-TEST(StatusReportBatches, EndWhereOneReportAtATimeEnds) {
-  const BatchCase cases[] = {{"outputs"},
-                             {"show mode", true},
-                             {"a grace running", false, true},
-                             {"detector status still awaited", false, false, true}};
-  for (const BatchCase& c : cases) {
-    SCOPED_TRACE(c.name);
-    std::mt19937 random(20261123);
-    for (int round = 0; round < 40; ++round) {
-      const QByteArray stream = RandomReports(random, 150);
-      struct Side {
-        QTemporaryDir dir;
-        ManualClock clock;
-        FakeLink link;
-        State s;
-      } batch, single;
-      for (Side* side : {&batch, &single}) {
-        side->s.AppPath = side->dir.path() + QLatin1Char('/');
-        side->s.clock = &side->clock;
-        side->s.link = &side->link;
-        Prepare(side->s, c);
-      }
-      OnDataAvailable(batch.s, stream);
-      ASSERT_TRUE(batch.s.ReceiveBuffer.isEmpty());
-      single.s.ReceiveBuffer = stream;
-      while (ProcessMessages(single.s)) {
-      }
-      for (size_t i = 0; i < 24; ++i) {
-        ASSERT_EQ(batch.s.panels.outputs[i], single.s.panels.outputs[i]) << "panel " << i;
-        ASSERT_EQ(batch.s.Outputs[i].AlarmState, single.s.Outputs[i].AlarmState);
-        ASSERT_EQ(batch.s.Outputs[i].AlarmCanceled, single.s.Outputs[i].AlarmCanceled);
-      }
-      ASSERT_EQ(batch.s.MessageRows.join(u'\n'), single.s.MessageRows.join(u'\n'));
-      ASSERT_EQ(batch.link.wire, single.link.wire);
-      ASSERT_EQ(batch.s.lossAlarm.wantedRelay, single.s.lossAlarm.wantedRelay);
-    }
-  }
 }
 
 }  // namespace
