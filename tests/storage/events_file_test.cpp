@@ -35,7 +35,7 @@ class EventsFile : public test::StorageTest {
   }
 };
 
-TEST_F(EventsFile, WorkedExampleIsByteExact) {
+TEST_F(EventsFile, WorkedExampleIsByteExactAndFlagsAreNormalised) {
   SetEvents(0, {Event("06:30:00")});
   ASSERT_TRUE(SaveEvents(s));
   const QByteArray expected = QByteArray::fromHex("01000100") + QByteArray(1, '\0') + "06:30:00" +
@@ -45,10 +45,9 @@ TEST_F(EventsFile, WorkedExampleIsByteExact) {
   SetEvents(0, {});
   ASSERT_TRUE(SaveEvents(s));
   EXPECT_EQ(ReadAll(kFile), QByteArray::fromHex("01000000"));
-}
 
-TEST_F(EventsFile, AnyNonZeroFlagReadsTrueAndIsWrittenBackAs255) {
-  // Days 1, active 1, display 2, connect 7, source 5.
+  // Any flag not zero reads true and is written back as 255: days 1, active 1, display 2,
+  // connect 7, source 5.
   WriteAll(kFile, QByteArray::fromHex("01000100") + QByteArray(1, '\0') + "07:00:00" +
                       QByteArray::fromHex("010102070500") + "Breakfast   ");
   ASSERT_TRUE(ReadEvents(s));

@@ -1,7 +1,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QTemporaryDir>
 
 #include "storage/logs.h"
 #include "support/temp_state.h"
@@ -99,36 +98,6 @@ TEST_F(Logs, RotationAtTheLimitKeepsEveryRotatedFile) {
   Fill(kActivity);
   Fill(kActivity);
   EXPECT_EQ(Files().size(), 5);
-}
-
-TEST_F(Logs, BatchedLinesLandAsLineByLineWritingWouldRotationsIncluded) {
-  // The same 45 lines over several rotations, one by one into a second folder and in one batch
-  // here: the folders must end up byte for byte alike.
-  QTemporaryDir oneByOne;
-  State single;
-  single.AppPath = oneByOne.path() + QLatin1Char('/');
-  single.clock = &clock;
-  single.MaxLogFileSize = s.MaxLogFileSize = 1;
-  const auto write = [&](State& state) {
-    for (int i = 0; i < 45; ++i) {
-      WriteActivityLog(state, QStringLiteral("line %1 ").arg(i) + QString(60, 'z'), QString());
-    }
-  };
-  write(single);
-  {
-    const ActivityBatch batch(s);
-    const ActivityBatch nested(s);
-    write(s);
-    EXPECT_FALSE(QFileInfo::exists(PathOf(kActivity))) << "nothing is written while batching";
-  }
-  const QStringList names = QDir(oneByOne.path()).entryList(QDir::Files, QDir::Name);
-  ASSERT_GE(names.size(), 4) << names.join(QLatin1Char(',')).toStdString();
-  EXPECT_EQ(Files(), names);
-  for (const QString& name : names) {
-    QFile expected(oneByOne.path() + QLatin1Char('/') + name);
-    ASSERT_TRUE(expected.open(QIODevice::ReadOnly));
-    EXPECT_EQ(ReadAll(name), expected.readAll()) << name.toStdString();
-  }
 }
 
 TEST_F(Logs, ErrorLineColumnsAndHeader) {
