@@ -29,12 +29,15 @@ TEST_F(NameTables, OutputTableReplacesTheNamesAndResizesTheSwitcherTables) {
   s.SilenceOuts[1].Output = 200;  // beyond the new size
   s.SilenceOutCount = 2;
 
-  // One byte off, or a wrong checksum: nothing changes and the names stay outstanding.
+  // One byte off, a wrong checksum, or 16383 names of 127 characters announced in nine bytes:
+  // nothing changes, nothing is allocated, and the names stay outstanding.
   QByteArray longer = kTwoOutputs;
   longer.insert(27, '\0');
   QByteArray badSum = kTwoOutputs;
   badSum[27] = 0x71;
-  for (const QByteArray& bad : {longer, badSum, kTwoOutputs.left(26) + Bytes({0x72, 0xFF})}) {
+  for (const QByteArray& bad : {longer, badSum, kTwoOutputs.left(26) + Bytes({0x72, 0xFF}),
+                                Bytes({0xFC, 0x14, 0x7F, 0x7F, 0x7F, 0x00, 0x00, 0x11, 0xFF}),
+                                Bytes({0xFC, 0x14, 0x14, 0xFF})}) {
     Receive(bad);
   }
   EXPECT_EQ(s.OutputNames.size(), 256);
@@ -57,6 +60,15 @@ TEST_F(NameTables, OutputTableReplacesTheNamesAndResizesTheSwitcherTables) {
   Receive(Bytes({0xFC, 0x0A, 0x04, 0x00, 0x00, 0x00, 0x00, 0x0E, 0xFF}));
   EXPECT_EQ(std::tuple(s.InputNames.size(), s.SwitcherInputCount), std::tuple(0, 0));
   EXPECT_FALSE(RequestOutstanding(s, kRequestInputNames));
+
+  // An entry numbered beyond its table ranks nothing.
+  Receive(Bytes({0xFC, 0x14, 0x01, 0x01, 0x00, 0x00, 0x00, 'Z', 0x05, 0x00, 0x75, 0xFF}));
+  EXPECT_EQ(s.OutputNames, QStringList{"Z"});
+  EXPECT_EQ(s.SortedOutputIndex, std::vector<qint16>{5});
+  EXPECT_EQ(s.OutputSortRank, std::vector<qint16>{kNone});
+  // Only the silence output beyond the new size is an error.
+  EXPECT_EQ(Errors(), QStringList{"Error Updating Silence Out Table Error # 9 - Subscript out of "
+                                  "range"});
 }
 
 TEST_F(NameTables, TablesStartingFurtherOnUpdateTheirEntriesInPlace) {
@@ -104,21 +116,6 @@ TEST_F(NameTables, RelayNamesAskForTheRelayStatesAgain) {
   EXPECT_EQ(s.requests.Req1, (1 << kRequestRelayStates) | (1 << kRequestInputNames));
   EXPECT_EQ(Errors(), QStringList{"Error Checking Alarm Relay Alarm Relay 0003 beyond the "
                                   "switcher's 2 relays"});
-}
-
-TEST_F(NameTables, HostileCountsAndNumbersAreBounded) {
-  // 16383 names of 127 characters announced in nine bytes: dropped before any allocation.
-  Receive(Bytes({0xFC, 0x14, 0x7F, 0x7F, 0x7F, 0x00, 0x00, 0x11, 0xFF}));
-  Receive(Bytes({0xFC, 0x14, 0x14, 0xFF}));
-  EXPECT_EQ(s.OutputNames.size(), 256);
-  EXPECT_TRUE(RequestOutstanding(s, kRequestOutputNames));
-
-  // An entry numbered beyond its table ranks nothing.
-  Receive(Bytes({0xFC, 0x14, 0x01, 0x01, 0x00, 0x00, 0x00, 'Z', 0x05, 0x00, 0x75, 0xFF}));
-  EXPECT_EQ(s.OutputNames, QStringList{"Z"});
-  EXPECT_EQ(s.SortedOutputIndex, std::vector<qint16>{5});
-  EXPECT_EQ(s.OutputSortRank, std::vector<qint16>{kNone});
-  EXPECT_TRUE(ErrorLines().isEmpty());
 }
 
 }  // namespace
