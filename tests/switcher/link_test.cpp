@@ -40,6 +40,7 @@ TEST_F(Framing, EachKindOfInputAndWhatItLeaves) {
       {Bytes({0x81, 0x64, 0x99, 0x05, 0xFF}), 1, "", false},
       // Unknown types leave without a word.
       {Bytes({0x90, 0x01, 0x01, 0xFF, 0xFE, 0x00, 0x00, 0xFF}), 0, "", false},
+      {Bytes({0xFF, 0xFF}), 0, "", false},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.buffer.toHex().constData());
