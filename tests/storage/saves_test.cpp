@@ -39,7 +39,6 @@ const DataFile kFiles[] = {
     {"zrnconfig.ini",
      [](State& s, int n) {
        Outputs(s, 1 + n % 5);
-       s.ServerAddress = QStringLiteral("10.%1.%2.%3").arg(n % 7).arg(n / 256 % 256).arg(n % 256);
        for (int k = 0; k < s.OutputCount; ++k) {
          s.Outputs[k].CustomLabel = QStringLiteral("Run %1.%2").arg(n).arg(k);
        }
@@ -67,8 +66,6 @@ const DataFile kFiles[] = {
        s.Shows.assign(static_cast<size_t>(1 + n % 3), MakeNewShow());
        s.ShowCount = static_cast<qint16>(s.Shows.size());
        s.Shows[0].Name = QStringLiteral("Show %1 ").arg(n) + QString(n % 40, u'x');
-       s.SilenceOuts.assign(static_cast<size_t>(n % 4), SilenceOut{});
-       s.SilenceOutCount = static_cast<qint16>(s.SilenceOuts.size());
      },
      SaveShows, ReadShows},
 };
@@ -117,9 +114,9 @@ TEST_F(Saves, AFailedSaveLeavesTheFileByteIdentical) {
       }
       EXPECT_EQ(ReadAll(QLatin1String(file.name)), Content(file, 1));
       EXPECT_TRUE(failure.startsWith(QDir::toNativeSeparators(PathOf(QLatin1String(file.name))) +
-                                     QStringLiteral(" could not be saved: ")))
+                                     QStringLiteral(" could not be saved: ")) &&
+                  !failure.contains(QStringLiteral("unknown error")))
           << failure.toStdString();
-      EXPECT_FALSE(failure.contains(QStringLiteral("unknown error"))) << failure.toStdString();
     }
   }
   // No temporary file is left behind.
@@ -140,7 +137,6 @@ TEST_F(Saves, AKilledSaveLeavesTheWholeOldOrTheWholeNewContent) {
   ASSERT_NE(shared, MAP_FAILED);
   auto* started = new (shared) std::atomic<int>(0);
 
-  int killedMidSave = 0;
   for (const DataFile& file : kFiles) {
     SCOPED_TRACE(file.name);
     // Kills are spread over about three saves' time, so many land inside one.
@@ -180,13 +176,11 @@ TEST_F(Saves, AKilledSaveLeavesTheWholeOldOrTheWholeNewContent) {
       const QByteArray now = ReadAll(QLatin1String(file.name));
       onDisk = now == Content(file, last) ? last : last - 1;
       ASSERT_EQ(now, Content(file, onDisk)) << "kill " << kill << " during round " << last;
-      killedMidSave += onDisk < last ? 1 : 0;
       State fresh = Fresh();
       ASSERT_TRUE(file.read(fresh)) << "kill " << kill;
     }
   }
   munmap(shared, sizeof(std::atomic<int>));
-  std::printf("%d of 180 kills left a save unfinished\n", killedMidSave);
 
   // A kill between linking the finished temporary file and renaming it leaves the temporary
   // file behind. Nothing reads it: the next start reads every file without a word and its next

@@ -1,6 +1,7 @@
 #include "storage/shows_file.h"
 
 #include <QDir>
+#include <functional>
 #include <tuple>
 
 #include "storage_fixture.h"
@@ -30,35 +31,16 @@ QByteArray TwoShowFile() {
          Hex("00000000FFFF") + Hex("380308000500") + Hex("020028002900");
 }
 
-class ShowsFile : public test::StorageTest {
- protected:
-  // A table that a failed read must leave alone.
-  void MarkTables() {
-    s.Shows = {MakeNewShow(), MakeNewShow()};
-    s.Shows[1].Name = QStringLiteral("Kept");
-    s.ShowCount = 2;
-    s.SilenceOuts.assign(1, SilenceOut{});
-    s.SilenceOuts[0].Output = 77;
-    s.SilenceOutCount = 1;
-  }
-  void ExpectTablesKept() {
-    ASSERT_EQ(s.ShowCount, 2);
-    ASSERT_EQ(s.Shows.size(), 2u);
-    EXPECT_EQ(s.Shows[1].Name, QStringLiteral("Kept"));
-    ASSERT_EQ(s.SilenceOuts.size(), 1u);
-    EXPECT_EQ(s.SilenceOuts[0].Output, 77);
-  }
-};
+class ShowsFile : public test::StorageTest {};
 
 TEST_F(ShowsFile, FirstStartWritesOneNewShow) {
   ASSERT_TRUE(ReadShows(s));
-  ASSERT_EQ(s.ShowCount, 1);
-  EXPECT_EQ(s.Shows[0].Name, QStringLiteral("New Show"));
+  EXPECT_EQ(s.ShowCount, 1);
   EXPECT_EQ(ReadAll(kFile), NewShowFile());
 
   // What the file does not hold: a new show watches no monitor.
-  EXPECT_EQ(MakeNewShow().StudioLeft[0].Monitor, kNone);
-  EXPECT_EQ(MakeNewShow().DownlinkMonitor, kNone);
+  EXPECT_EQ(std::tuple(MakeNewShow().StudioLeft[0].Monitor, MakeNewShow().DownlinkMonitor),
+            std::tuple(kNone, kNone));
   s.EditShows.resize(2);
   NewShow(s, 1);
   EXPECT_EQ(s.EditShows[1].DetectLevel, 824);
@@ -76,16 +58,15 @@ TEST_F(ShowsFile, HandBuiltFileReadsEveryFieldAndSavesBackTheSame) {
                        a.ActivityState, a.DownlinkSource, a.DownlinkMonitor),
             std::tuple(QStringLiteral("Morning Drive"), QStringLiteral("06:00:0010:00:00"),
                        QStringLiteral("03/01/202611/30/2026"), 31, 0, 5, kNone));
-  ASSERT_EQ(a.OutputCount, 2);
-  EXPECT_EQ(a.OutputLeft, (std::vector<qint16>{1, 4}));
-  EXPECT_EQ(a.OutputRight, (std::vector<qint16>{2, 5}));
-  EXPECT_EQ(a.OutputCue, (std::vector<qint16>{3, kNone}));
-  ASSERT_EQ(a.StudioCount, 1);
+  EXPECT_EQ(std::tuple(a.OutputLeft, a.OutputRight, a.OutputCue),
+            std::tuple(std::vector<qint16>{1, 4}, std::vector<qint16>{2, 5},
+                       std::vector<qint16>{3, kNone}));
   EXPECT_EQ(std::tuple(a.StudioLeft[0], a.StudioRight[0].Channel, a.StudioCue[0].Channel),
             std::tuple(ShowChannel{10, kNone}, 11, kNone));
-  ASSERT_EQ(a.IgnoreCount, 1);
   EXPECT_EQ(a.IgnoreWindows[0], (IgnoreWindow{"07:00:00", "07:05:00"}));
-  EXPECT_EQ(std::tuple(a.DetectLevel, a.DetectTime1, a.DetectTime2), std::tuple(722, 10, 3));
+  EXPECT_EQ(std::tuple(a.OutputCount, a.StudioCount, a.IgnoreCount, a.DetectLevel, a.DetectTime1,
+                       a.DetectTime2),
+            std::tuple(2, 1, 1, 722, 10, 3));
 
   // An empty group holds one element of 0; a negative count reads nothing.
   const ShowRecord& b = s.Shows[1];
@@ -106,7 +87,6 @@ TEST_F(ShowsFile, HandBuiltFileReadsEveryFieldAndSavesBackTheSame) {
   ASSERT_TRUE(ReadShows(back));
   s.Shows[0].ActivityState = 0;
   EXPECT_EQ(back.Shows, s.Shows);
-  ASSERT_EQ(back.SilenceOutCount, 2);
   EXPECT_EQ(back.SilenceOuts[1].Output, 41);
 }
 
@@ -116,13 +96,20 @@ TEST_F(ShowsFile, EveryCutOfAGoodFileIsAnErrorThatLeavesTheTables) {
   const QByteArray whole = TwoShowFile();
   for (int length = 0; length < whole.size(); ++length) {
     ForgetErrors(kFile);
-    MarkTables();
+    s.Shows.assign(2, MakeNewShow());
+    s.Shows[1].Name = QStringLiteral("Kept");
+    s.ShowCount = 2;
+    s.SilenceOuts.assign(1, SilenceOut{});
+    s.SilenceOuts[0].Output = 77;
+    s.SilenceOutCount = 1;
     WriteAll(kFile, whole.left(length));
     EXPECT_FALSE(ReadShows(s)) << length;
     EXPECT_TRUE(HasErrorLine(QStringLiteral("Error Reading shows"),
                              QStringLiteral("Error #  62 - Input past end of file")))
         << length;
-    ExpectTablesKept();
+    ASSERT_EQ(std::tuple(s.ShowCount, s.Shows.size(), s.SilenceOuts.size()), std::tuple(2, 2u, 1u));
+    EXPECT_EQ(std::tuple(s.Shows[1].Name, s.SilenceOuts[0].Output),
+              std::tuple(QStringLiteral("Kept"), 77));
     EXPECT_EQ(ReadAll(kFile), whole.left(length));
     const QStringList copies = Files().filter(QStringLiteral("ZRNShows.dat.bad-"));
     ASSERT_EQ(copies.size(), 1);
@@ -146,8 +133,7 @@ TEST_F(ShowsFile, CountsAreNeverTrusted) {
   ForgetErrors(kFile);
   WriteAll(kFile, Hex("010000000000"));
   ASSERT_TRUE(ReadShows(s));
-  EXPECT_EQ(s.ShowCount, 0);
-  EXPECT_EQ(s.Shows.size(), 1u);
+  EXPECT_EQ(std::tuple(s.ShowCount, s.Shows.size()), std::tuple(0, 1u));
 }
 
 TEST_F(ShowsFile, UnreadableShowsAreNotSaved) {
@@ -155,40 +141,38 @@ TEST_F(ShowsFile, UnreadableShowsAreNotSaved) {
   s.ShowCount = 1;
   ASSERT_TRUE(SaveShows(s));
   const QByteArray original = ReadAll(kFile);
-
-  const auto refused = [&](auto edit, const QString& text) {
-    ShowRecord show = MakeNewShow();
-    edit(show);
-    s.Shows = {show};
-    EXPECT_FALSE(SaveShows(s)) << qPrintable(text);
-    EXPECT_TRUE(HasErrorLine(QStringLiteral("Error Saving Shows"), text)) << qPrintable(text);
-    EXPECT_EQ(ReadAll(kFile), original);
+  const struct {
+    std::function<void(ShowRecord&)> edit;
+    const char* error;
+  } cases[] = {
+      {[](ShowRecord& r) { r.StartTime = "6:00"; },
+       "Show 0 start time \"6:00\" is not 8 characters"},
+      {[](ShowRecord& r) { r.EndDate = "1/1/2026"; }, "end date \"1/1/2026\""},
+      {[](ShowRecord& r) { r.Name = QString(256, 'x'); }, "longer than 255 characters"},
+      {[](ShowRecord& r) { r.OutputCount = 3; }, "#  9"},
+      {[](ShowRecord& r) {
+         r.IgnoreCount = 1;
+         r.IgnoreWindows[0] = {"01:00:00", ""};
+       },
+       "ignore end time"},
   };
-  refused([](ShowRecord& r) { r.StartTime = "6:00"; },
-          QStringLiteral("Show 0 start time \"6:00\" is not 8 characters"));
-  refused([](ShowRecord& r) { r.EndDate = "1/1/2026"; }, QStringLiteral("end date \"1/1/2026\""));
-  refused([](ShowRecord& r) { r.Name = QString(256, 'x'); },
-          QStringLiteral("longer than 255 characters"));
-  refused([](ShowRecord& r) { r.OutputCount = 3; }, QStringLiteral("#  9"));
-  refused(
-      [](ShowRecord& r) {
-        r.IgnoreCount = 1;
-        r.IgnoreWindows[0] = {"01:00:00", ""};
-      },
-      QStringLiteral("ignore end time"));
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.error);
+    s.Shows = {MakeNewShow()};
+    c.edit(s.Shows[0]);
+    EXPECT_FALSE(SaveShows(s));
+    EXPECT_TRUE(HasErrorLine(QStringLiteral("Error Saving Shows"), QString::fromUtf8(c.error)));
+    EXPECT_EQ(ReadAll(kFile), original);
+  }
 }
 
 TEST_F(ShowsFile, ExportListsNamesAndTimes) {
-  const QString exact = QStringLiteral("Exactly twenty-five chars");
-  const QString longer = QStringLiteral("A show name of thirty letters!");
-  ASSERT_EQ(exact.size(), 25);
-  ASSERT_EQ(longer.size(), 30);
-  s.Shows = {MakeNewShow(), MakeNewShow(), MakeNewShow()};
-  s.Shows[0].Name = QStringLiteral("Café");
+  s.Shows.assign(3, MakeNewShow());
+  s.Shows[0].Name = QStringLiteral("Caf\u00e9");
   s.Shows[0].StartTime = QStringLiteral("06:00:00");
   s.Shows[0].EndTime = QStringLiteral("09:00:00");
-  s.Shows[1].Name = exact;
-  s.Shows[2].Name = longer;
+  s.Shows[1].Name = QStringLiteral("Exactly twenty-five chars");
+  s.Shows[2].Name = QStringLiteral("A show name of thirty letters!");
   s.ShowCount = 3;
   ASSERT_TRUE(PrintShows(s));
 

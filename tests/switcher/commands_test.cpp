@@ -12,12 +12,8 @@ using test::Bytes;
 class Commands : public test::SwitcherTest {};
 
 TEST_F(Commands, FramesMatchTheWorkedExamples) {
-  SilenceOut entry;
-  entry.Output = 20;
-  entry.DetectLevel = 824;
-  entry.DetectTime1 = 8;
-  entry.DetectTime2 = 5;
-  s.SilenceOuts = {SilenceOut{}, entry};
+  s.SilenceOuts = {SilenceOut{},
+                   {.Output = 20, .DetectTime1 = 8, .DetectTime2 = 5, .DetectLevel = 824}};
   s.SilenceOutCount = 2;
   s.SilenceStatus[4] = {0, 0x109, 700, 10, 3, 2, 1100, 2};
   s.SilenceStatus[5] = {1, 0x10A, 16383, 500, 0, 16383, 1024, 0};

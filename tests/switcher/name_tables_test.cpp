@@ -22,7 +22,6 @@ class NameTables : public test::SwitcherTest {
 };
 
 TEST_F(NameTables, OutputTableReplacesTheNamesAndResizesTheSwitcherTables) {
-  ASSERT_EQ(kTwoOutputs.size(), 29);
   s.SilenceStatus[1].Mode = 0x109;
   s.CrosspointMap[0].Sources[0] = 4;
   s.SilenceOuts = {SilenceOut{}, SilenceOut{}};
@@ -30,48 +29,55 @@ TEST_F(NameTables, OutputTableReplacesTheNamesAndResizesTheSwitcherTables) {
   s.SilenceOuts[1].Output = 200;  // beyond the new size
   s.SilenceOutCount = 2;
 
-  // One byte off, or a wrong checksum: nothing changes and the names stay outstanding.
+  // One byte off, a wrong checksum, or 16383 names of 127 characters announced in nine bytes:
+  // nothing changes, nothing is allocated, and the names stay outstanding.
   QByteArray longer = kTwoOutputs;
   longer.insert(27, '\0');
   QByteArray badSum = kTwoOutputs;
   badSum[27] = 0x71;
-  for (const QByteArray& bad : {longer, badSum, kTwoOutputs.left(26) + Bytes({0x72, 0xFF})}) {
+  for (const QByteArray& bad : {longer, badSum, kTwoOutputs.left(26) + Bytes({0x72, 0xFF}),
+                                Bytes({0xFC, 0x14, 0x7F, 0x7F, 0x7F, 0x00, 0x00, 0x11, 0xFF}),
+                                Bytes({0xFC, 0x14, 0x14, 0xFF})}) {
     Receive(bad);
-    EXPECT_EQ(s.OutputNames.size(), 256);
-    EXPECT_TRUE(RequestOutstanding(s, kRequestOutputNames));
   }
+  EXPECT_EQ(s.OutputNames.size(), 256);
+  EXPECT_TRUE(RequestOutstanding(s, kRequestOutputNames));
 
   Receive(kTwoOutputs);
   EXPECT_EQ(s.OutputNames, (QStringList{"OUT 2   ", "OUT 1   "}));
   EXPECT_EQ(s.SortedOutputNames, (QStringList{"OUT 1   ", "OUT 2   "}));
   EXPECT_EQ(s.SortedOutputIndex, (std::vector<qint16>{1, 0}));
   EXPECT_EQ(s.OutputSortRank, (std::vector<qint16>{1, 0}));
-  EXPECT_EQ(s.SwitcherOutputCount, 2);
   EXPECT_FALSE(RequestOutstanding(s, kRequestOutputNames));
-  EXPECT_EQ(s.SilenceStatus.size(), 2u);
-  EXPECT_EQ(s.CrosspointMap.size(), 2u);
-  EXPECT_EQ(s.SilenceStatus[1].Mode, 0x109) << "the first entries are kept";
-  EXPECT_EQ(s.CrosspointMap[0].Sources[0], 4);
+  // The switcher's tables take the new size and keep their first entries.
+  EXPECT_EQ(std::tuple(s.SwitcherOutputCount, s.SilenceStatus.size(), s.CrosspointMap.size(),
+                       s.SilenceStatus[1].Mode, s.CrosspointMap[0].Sources[0]),
+            std::tuple(2, 2u, 2u, 0x109, 4));
   EXPECT_EQ(s.SilenceOutIndex, (std::vector<qint16>{kNone, 0})) << "rebuilt for the new size";
   EXPECT_EQ(s.panels.outputs[0].nameLine, QStringLiteral("OUT 2   ")) << "panels refreshed";
 
   // A table of no entries is a table too.
   Receive(Bytes({0xFC, 0x0A, 0x04, 0x00, 0x00, 0x00, 0x00, 0x0E, 0xFF}));
-  EXPECT_TRUE(s.InputNames.isEmpty());
-  EXPECT_EQ(s.SwitcherInputCount, 0);
+  EXPECT_EQ(std::tuple(s.InputNames.size(), s.SwitcherInputCount), std::tuple(0, 0));
   EXPECT_FALSE(RequestOutstanding(s, kRequestInputNames));
+
+  // An entry numbered beyond its table ranks nothing.
+  Receive(Bytes({0xFC, 0x14, 0x01, 0x01, 0x00, 0x00, 0x00, 'Z', 0x05, 0x00, 0x75, 0xFF}));
+  EXPECT_EQ(s.OutputNames, QStringList{"Z"});
+  EXPECT_EQ(s.SortedOutputIndex, std::vector<qint16>{5});
+  EXPECT_EQ(s.OutputSortRank, std::vector<qint16>{kNone});
+  // Only the silence output beyond the new size is an error.
+  EXPECT_EQ(Errors(), QStringList{"Error Updating Silence Out Table Error # 9 - Subscript out of "
+                                  "range"});
 }
 
 TEST_F(NameTables, TablesStartingFurtherOnUpdateTheirEntriesInPlace) {
   Receive(test::StartupAnswers()[2]);  // output entry 6 only
-  EXPECT_EQ(s.OutputNames.size(), 256);
-  EXPECT_EQ(s.SwitcherOutputCount, 256);
-  EXPECT_EQ(s.OutputNames[5], QStringLiteral("Out 0006"));
-  EXPECT_EQ(s.OutputNames[6], QStringLiteral("Studio 7"));
-  EXPECT_EQ(s.SortedOutputNames.last(), QStringLiteral("Studio 7"));
-  EXPECT_EQ(s.SortedOutputIndex.back(), 6);
-  EXPECT_EQ(s.OutputSortRank[6], 255);
-  EXPECT_EQ(s.OutputSortRank[7], 6);
+  EXPECT_EQ(std::tuple(s.OutputNames.size(), s.SwitcherOutputCount, s.OutputNames[5],
+                       s.OutputNames[6], s.SortedOutputNames.last(), s.SortedOutputIndex.back(),
+                       s.OutputSortRank[6], s.OutputSortRank[7]),
+            std::tuple(256, 256, QStringLiteral("Out 0006"), QStringLiteral("Studio 7"),
+                       QStringLiteral("Studio 7"), 6, 255, 6));
 
   // Entries beyond the table are not added.
   Receive(Bytes({0xFC, 0x14, 0x01, 0x01, 0x00, 0x2C, 0x02, 'X', 0x2C, 0x02, 0x4A, 0xFF}));
@@ -87,7 +93,6 @@ TEST_F(NameTables, TablesStartingFurtherOnUpdateTheirEntriesInPlace) {
   UpdateOutputs(s);
   Receive(Bytes(
       {0xFC, 0x0A, 0x05, 0x01, 0x00, 0x04, 0x00, 'M', 'i', 'c', ' ', '5', 0x04, 0x00, 0x06, 0xFF}));
-  EXPECT_EQ(s.InputNames.size(), 256);
   EXPECT_EQ(s.panels.outputs[0].nameLine, QStringLiteral("Mic 5"));
 
   // Opto names stay in the switcher's order, each with its own number; the sorted copy is apart.
@@ -96,7 +101,6 @@ TEST_F(NameTables, TablesStartingFurtherOnUpdateTheirEntriesInPlace) {
   EXPECT_EQ(s.OptoNames, (QStringList{"B", "A"}));
   EXPECT_EQ(s.SortedOptoNames, (QStringList{"A", "B"}));
   EXPECT_EQ(s.SortedOptoIndex, (std::vector<qint16>{1, 0}));
-  EXPECT_EQ(s.SwitcherOptoCount, 2);
   EXPECT_FALSE(RequestOutstanding(s, kRequestOptoNames));
 }
 
@@ -107,27 +111,11 @@ TEST_F(NameTables, RelayNamesAskForTheRelayStatesAgain) {
   Receive(Bytes(
       {0xFC, 0x28, 0x01, 0x02, 0x00, 0x00, 0x00, 'K', 0x00, 0x00, 'L', 0x01, 0x00, 0x43, 0xFF}));
   EXPECT_EQ(s.RelayNames, (QStringList{"K", "L"}));
-  EXPECT_EQ(s.SwitcherRelayCount, 2);
   EXPECT_EQ(s.RelayStates.size(), 2u);
   EXPECT_EQ(link.wire, test::kRelayStatesRequest);
   EXPECT_EQ(s.requests.Req1, (1 << kRequestRelayStates) | (1 << kRequestInputNames));
   EXPECT_EQ(Errors(), QStringList{"Error Checking Alarm Relay Alarm Relay 0003 beyond the "
                                   "switcher's 2 relays"});
-}
-
-TEST_F(NameTables, HostileCountsAndNumbersAreBounded) {
-  // 16383 names of 127 characters announced in nine bytes: dropped before any allocation.
-  Receive(Bytes({0xFC, 0x14, 0x7F, 0x7F, 0x7F, 0x00, 0x00, 0x11, 0xFF}));
-  Receive(Bytes({0xFC, 0x14, 0x14, 0xFF}));
-  EXPECT_EQ(s.OutputNames.size(), 256);
-  EXPECT_TRUE(RequestOutstanding(s, kRequestOutputNames));
-
-  // An entry numbered beyond its table ranks nothing.
-  Receive(Bytes({0xFC, 0x14, 0x01, 0x01, 0x00, 0x00, 0x00, 'Z', 0x05, 0x00, 0x75, 0xFF}));
-  EXPECT_EQ(s.OutputNames, QStringList{"Z"});
-  EXPECT_EQ(s.SortedOutputIndex, std::vector<qint16>{5});
-  EXPECT_EQ(s.OutputSortRank, std::vector<qint16>{kNone});
-  EXPECT_TRUE(ErrorLines().isEmpty());
 }
 
 }  // namespace
