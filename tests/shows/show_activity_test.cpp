@@ -6,7 +6,7 @@ namespace {
 
 using test::Bytes;
 
-class ShowActivity : public test::ShowsTest {};
+using ShowActivity = test::ShowsTest;
 
 TEST_F(ShowActivity, AShowIsOnAirWhenEveryTestPasses) {
   const QDate monday(2025, 11, 17);
@@ -51,11 +51,6 @@ TEST_F(ShowActivity, AShowIsOnAirWhenEveryTestPasses) {
         << qPrintable(QDateTime(c.day, c.at).toString());
     EXPECT_EQ(s.Shows[0].ActivityState, c.onAir ? 1 : 0);
   }
-  for (int d = 0; d < 7; ++d) {
-    At(QTime(12, 0, 0), monday.addDays(d));
-    GetActiveShows(s);
-    EXPECT_EQ(s.ActiveShowCount, 1) << "every day with 127, day " << d;
-  }
   EXPECT_TRUE(ErrorLines().isEmpty());
 }
 
@@ -69,21 +64,6 @@ TEST_F(ShowActivity, UnreadableTimesAndDatesAreReported) {
   ASSERT_EQ(ErrorLines().size(), 2);
   EXPECT_TRUE(ErrorLines()[0].contains(QStringLiteral("Error determining active shows")));
   EXPECT_TRUE(ErrorLines()[1].contains(QStringLiteral("Error checking show date")));
-}
-
-TEST_F(ShowActivity, RequiredOutputsKeepTheirHighestNeed) {
-  AddShow(QStringLiteral("Morning"), 5, {7, 8});
-  AddShow(QStringLiteral("Relay"), 5);
-  s.Shows[1].OutputCount = 0;
-  s.Shows[1].OutputLeft.clear();
-  GetActiveShows(s);
-  EXPECT_EQ(s.ActiveShows, (std::vector<qint16>{0, 1}));
-  EXPECT_EQ(s.RequiredSilenceOutputs, 4);
-  EXPECT_EQ(s.panels.shows.at(1).outputsText, QStringLiteral("Not Defined")) << "no outputs";
-  At(QTime(15, 0, 0));
-  GetActiveShows(s);
-  EXPECT_EQ(s.ActiveShowCount, 0);
-  EXPECT_EQ(s.RequiredSilenceOutputs, 4);
 }
 
 TEST_F(ShowActivity, ATickWithoutChangeTouchesNothing) {

@@ -1,5 +1,4 @@
 #include "shows/show_panels.h"
-#include "monitor/output_panels.h"
 #include "support/temp_state.h"
 
 namespace zrn {
@@ -107,20 +106,6 @@ TEST_F(ShowPanels, ABadListEntryCostsOnlyItsPanel) {
   s.ActiveShowCount = 9;
   UpdateShows(s);
   EXPECT_EQ(s.ShowPanelsLoaded, 3);
-}
-
-TEST_F(ShowPanels, ShownOnlyInTheShowView) {
-  Activate(2);
-  EXPECT_FALSE(s.panels.outputs[0].normal.visible);
-  EXPECT_FALSE(s.panels.window.messageListVisible);
-  s.ProgramMode = 0;
-  DisplayShows(s);
-  EXPECT_FALSE(Panel(0).visible);
-  EXPECT_TRUE(s.panels.outputs[0].normal.visible);
-  s.ProgramMode = 1;
-  mnuToggle_Click(s);
-  EXPECT_TRUE(Panel(1).visible) << "the view toggle keeps the show panels";
-  EXPECT_FALSE(s.panels.outputs[0].large.visible);
 }
 
 }  // namespace
