@@ -35,13 +35,6 @@ TEST_F(SilenceMonitors, AShowBorrowsTheFirstFreeOutputsAndGivesThemBack) {
   }
 }
 
-// The second show joins the monitor the first set up, its detector not restarted; the output
-// is not parked while another show watches it, and the alarm then is that show's.
-TEST_F(SilenceMonitors, ShowsSharingADownlinkKeepItWatchedUntilTheLastEnds) {
-  Steps("HShort/5/12:30:00 HLong/5/13:00:00 G =C10 @12:30:01 G =- D1 Q #ir =L @13:00:01 G =P10");
-  EXPECT_EQ(s.SilenceOuts[0].Show, kNone);
-}
-
 TEST_F(SilenceMonitors, MissingAndUndefinedMonitorsAreSkipped) {
   SetSilenceOuts({10, 11});
   EXPECT_EQ(FindSilenceDetectMonitorOutput(s, kNone), kNone);
