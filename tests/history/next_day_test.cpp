@@ -25,11 +25,16 @@ class NextDay : public test::ScheduleTest {
     s.Outputs[1].Output = 13;
     s.Outputs[2].Output = 14;
   }
+  // When, and which output's which event.
+  static QString Ran(const QDateTime& when, int output, int event) {
+    return when.toLocalTime().toString(Qt::ISODate) +
+           QStringLiteral(" %1/%2").arg(output).arg(event);
+  }
 };
 
-// Worked out at noon on Sunday: on across midnight into the next week until noon on Monday, in
-// time order and ties in output order; fields with a comma are quoted.
-TEST_F(NextDay, ListsTheNext24HoursAcrossMidnightAndTheWeek) {
+// The list worked out at noon on Sunday is what the scheduler then runs, tick by tick, until
+// noon on Monday: across midnight and into the next week.
+TEST_F(NextDay, EqualsWhatTheSchedulerRunsOverTheDay) {
   ScheduledEvent night = Event("00:00:30", kMonday);
   night.Connect = true;
   night.Source = 5;
@@ -42,15 +47,37 @@ TEST_F(NextDay, ListsTheNext24HoursAcrossMidnightAndTheWeek) {
             2);
   StartAt(6, "12:00:00");
 
-  EXPECT_EQ(UpcomingCsv(NextDayEvents(s, clock.Now())),
-            QStringLiteral("Time,Output,Monitoring,Label,Source\r\n"
-                           "2026-11-22 18:00:00,0012,off,Studio A,\r\n"
-                           "2026-11-22 18:00:00,0014,off,Out 0014,\r\n"
-                           "2026-11-22 23:59:50,0013,off,Out 0013,\r\n"
-                           "2026-11-23 00:00:30,0013,on,\"Night, late \","
-                           "Sat 1 [0005]\r\n"
-                           "2026-11-23 06:00:00,0012,on,Studio A,\r\n"
-                           "2026-11-23 12:00:00,0014,on,Out 0014,\r\n"));
+  const std::vector<UpcomingEvent> listed = NextDayEvents(s, clock.Now());
+  QStringList expected;
+  for (const UpcomingEvent& e : listed) {
+    expected << Ran(e.when, e.output, e.event);
+  }
+  // Fields with a comma are quoted.
+  EXPECT_EQ(UpcomingCsv(listed), QStringLiteral("Time,Output,Monitoring,Label,Source\r\n"
+                                                "2026-11-22 18:00:00,0012,off,Studio A,\r\n"
+                                                "2026-11-22 18:00:00,0014,off,Out 0014,\r\n"
+                                                "2026-11-22 23:59:50,0013,off,Out 0013,\r\n"
+                                                "2026-11-23 00:00:30,0013,on,\"Night, late \","
+                                                "Sat 1 [0005]\r\n"
+                                                "2026-11-23 06:00:00,0012,on,Studio A,\r\n"
+                                                "2026-11-23 12:00:00,0014,on,Out 0014,\r\n"));
+
+  QStringList ran;
+  std::vector<std::vector<QDateTime>> lastRun(3);
+  while (clock.Now() < At(7, "12:00:00")) {
+    Ticks(1);
+    for (int i = 0; i < 3; ++i) {
+      const std::vector<QDateTime>& now = s.Outputs[static_cast<size_t>(i)].LastRun;
+      for (std::size_t j = 0; j < now.size(); ++j) {
+        if (now[j].isValid() && (j >= lastRun[i].size() || lastRun[i][j] != now[j])) {
+          ran << Ran(now[j], i, static_cast<int>(j));
+        }
+      }
+      lastRun[i] = now;
+    }
+  }
+  ran.sort();  // by time, then output
+  EXPECT_EQ(ran, expected);
 }
 
 // The open window follows a schedule edited meanwhile.
