@@ -61,38 +61,5 @@ TEST_F(NextEvent, OnlyLoadedPanelsAndUnreadableEntriesAreSafe) {
   EXPECT_TRUE(errors.contains(QStringLiteral("Subscript out of range")));
 }
 
-// At start-up an output takes over the most recent past event of its week: monitoring, label,
-// display; nothing is routed or reported.
-TEST_F(NextEvent, StartUpTakesTheMostRecentPastEventOfTheWeek) {
-  ScheduledEvent night = Event("22:00:00", kWeekdays, false);
-  night.DisplayOption = 2;
-  night.Label = QStringLiteral("Off Air     ");
-  night.Connect = true;
-  night.Source = 5;
-  const struct {
-    int day;
-    const char* time;
-    bool monitoring;
-    qint16 display;
-  } cases[] = {{1, "23:30:00", false, 2}, {2, "06:00:00", true, 0}, {6, "12:00:00", false, 2}};
-  SetEvents({Event("06:00:00", kWeekdays, true), night});
-  for (const auto& c : cases) {
-    s.Outputs[0].MonitoringEnabled = !c.monitoring;
-    StartAt(c.day, c.time);
-    ApplyMostRecentPastEvents(s);
-    EXPECT_EQ(s.Outputs[0].MonitoringEnabled, c.monitoring) << c.day << ' ' << c.time;
-    EXPECT_EQ(s.Outputs[0].DisplayOption, c.display) << c.day << ' ' << c.time;
-  }
-  EXPECT_EQ(s.Outputs[0].CustomLabel, QStringLiteral("Off Air     "));
-  EXPECT_TRUE(s.OutputsDirty);
-  EXPECT_TRUE(link.wire.isEmpty());
-  EXPECT_TRUE(s.MessageRows.isEmpty());
-
-  SetEvents({});
-  s.Outputs[0].MonitoringEnabled = false;
-  ApplyMostRecentPastEvents(s);
-  EXPECT_FALSE(s.Outputs[0].MonitoringEnabled) << "nothing to take";
-}
-
 }  // namespace
 }  // namespace zrn::test

@@ -18,7 +18,7 @@ inline void PrintTo(const QString& text, std::ostream* os) {
 namespace zrn::test {
 
 inline constexpr qint16 kTuesday = 2, kWednesday = 4, kFriday = 16;
-inline constexpr qint16 kWeekdays = 0x1F, kWeekend = 0x60, kEveryDay = 0x7F;
+inline constexpr qint16 kEveryDay = 0x7F;
 
 inline ScheduledEvent Event(const char* time, qint16 days, bool active = true) {
   ScheduledEvent e;
