@@ -14,16 +14,17 @@ using test::kEveryDay;
 
 constexpr qint16 kMonday = 1, kSaturday = 32, kSunday = 64;
 
-// Three watched outputs, 12 "Studio A", 13 and 14, on a live link.
+// Watched outputs 12 "Studio A", 13 and 14 on a live link, and a fourth without events.
 class NextDay : public test::ScheduleTest {
  protected:
   void SetUp() override {
     ScheduleTest::SetUp();
-    s.Outputs.resize(3);
-    s.OutputCount = 3;
-    s.PanelsLoaded = 3;
+    s.Outputs.resize(4);
+    s.OutputCount = 4;
+    s.PanelsLoaded = 4;
     s.Outputs[1].Output = 13;
     s.Outputs[2].Output = 14;
+    s.Outputs[3].Output = 15;
   }
   // When, and which output's which event.
   static QString Ran(const QDateTime& when, int output, int event) {
