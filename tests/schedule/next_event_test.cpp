@@ -11,7 +11,6 @@ TEST_F(NextEvent, IsTheNearestFollowingOccurrenceRoundTheWeek) {
   const std::vector<ScheduledEvent> eveningFirst = {twice[1], twice[0]};
   const std::vector<ScheduledEvent> tueFri = {Event("09:00:00", kTuesday),
                                               Event("08:00:00", kFriday)};
-  const std::vector<ScheduledEvent> wednesday = {Event("06:00:00", kWednesday)};
   const std::vector<ScheduledEvent> noDay = {Event("06:00:00", 0), Event("07:00:00", 0x80)};
   const struct {
     const char* why;
@@ -20,12 +19,9 @@ TEST_F(NextEvent, IsTheNearestFollowingOccurrenceRoundTheWeek) {
     const char* time;
     int next;
   } cases[] = {
-      {"a second before", twice, 2, "17:59:59", 1},
       {"an event at the current second is not next", twice, 2, "18:00:00", 0},
       {"Sunday evening continues into Monday", twice, 6, "18:00:00", 0},
-      {"Friday a second before", tueFri, 4, "07:59:59", 1},
       {"Friday at its second: next Tuesday's", tueFri, 4, "08:00:00", 0},
-      {"a weekly event past today is next week's", wednesday, 2, "12:00:00", 0},
       {"no day bit among the seven", noDay, 2, "12:00:00", kNone},
       {"earliest wins whatever the order", eveningFirst, 2, "19:00:00", 1},
   };

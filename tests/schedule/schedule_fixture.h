@@ -17,7 +17,7 @@ inline void PrintTo(const QString& text, std::ostream* os) {
 
 namespace zrn::test {
 
-inline constexpr qint16 kTuesday = 2, kWednesday = 4, kFriday = 16;
+inline constexpr qint16 kTuesday = 2, kFriday = 16;
 inline constexpr qint16 kEveryDay = 0x7F;
 
 inline ScheduledEvent Event(const char* time, qint16 days, bool active = true) {

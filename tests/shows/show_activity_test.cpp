@@ -61,15 +61,6 @@ TEST_F(ShowActivity, UnreadableTimesAndDatesAreReported) {
   EXPECT_TRUE(ErrorLines()[1].contains(QStringLiteral("Error checking show date")));
 }
 
-TEST_F(ShowActivity, ATickWithoutChangeTouchesNothing) {
-  Steps("HMorning/5/14:00:00 G =C10");
-  s.panels.shows.at(0).nameText = QStringLiteral("untouched");
-  Steps("@12:15:01 G =-");
-  EXPECT_EQ(s.panels.shows[0].nameText, QStringLiteral("untouched"));
-  Steps("@14:00:01 G =P10");
-  EXPECT_EQ(s.ShowPanelsLoaded, 0);
-}
-
 TEST_F(ShowActivity, EndsComeBeforeStartsAndClearTheCancel) {
   SetSilenceOuts({10});
   AddShow(QStringLiteral("Early"), 5, {}, QStringLiteral("12:00:00"), QStringLiteral("12:15:00"));
