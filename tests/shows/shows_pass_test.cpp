@@ -12,7 +12,6 @@ using test::kLatch3;
 using test::kOff;
 using test::kOn;
 using test::kPark10;
-using test::kRelease3;
 using test::kRoute5To10;
 using test::kRoute7To11;
 using test::Scenario;

@@ -8,7 +8,6 @@ namespace {
 using test::Bytes;
 using test::kConfig10;
 using test::kConfig11;
-using test::kLatch3;
 using test::kPark10;
 using test::kRoute5To10;
 using test::kRoute7To11;
