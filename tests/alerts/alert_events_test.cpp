@@ -35,22 +35,18 @@ class AlertTrackerTest : public test::TempStateTest {
     s.ShowCount = 1;
   }
 
-  QStringList Step() {
+  void Link(bool up) {
+    s.Connected = up;
+    s.linkState.ExchangeComplete = up;
+  }
+  // The events of one update, in order, "; " between them.
+  QString Step() {
     QStringList seen;
     for (const AlertEvent& e : tracker.Update(s)) {
-      QString text = AlertKindName(e.kind);
-      if (!e.panel.isEmpty()) {
-        text += QLatin1Char(' ') + e.panel;
-      }
-      if (!e.name.isEmpty()) {
-        text += QLatin1Char(' ') + e.name;
-      }
-      if (e.kind == AlertKind::RelayChanged) {
-        text += e.on ? QStringLiteral(" on") : QStringLiteral(" off");
-      }
-      seen << text;
+      const QString on = e.kind != AlertKind::RelayChanged ? "" : e.on ? "on" : "off";
+      seen << QStringList{AlertKindName(e.kind), e.panel, e.name, on}.join(' ').simplified();
     }
-    return seen;
+    return seen.join(QStringLiteral("; "));
   }
 
   AlertTracker tracker;
@@ -64,12 +60,8 @@ TEST_F(AlertTrackerTest, EachChangeGivesItsEventsOnce) {
     const char* lamp;
   } steps[] = {
       {"not yet connected", [] {}, "", "grey"},
-      {"connected, exchange complete",
-       [&] {
-         s.Connected = true;
-         s.linkState.ExchangeComplete = true;
-       },
-       "link_returned 127.0.0.1:1250", "green"},
+      {"connected, exchange complete", [&] { Link(true); }, "link_returned 127.0.0.1:1250",
+       "green"},
       {"output 2 silent", [&] { s.panels.outputs[1].lamp = kLampRed; },
        "output_alarm_raised 02 Studio 2", "red"},
       {"nothing new", [] {}, "", "red"},
@@ -104,29 +96,23 @@ TEST_F(AlertTrackerTest, EachChangeGivesItsEventsOnce) {
        "show_alarm_ended Morning", "green"},
       {"link lost: relay unknown, lamp grey",
        [&] {
-         s.Connected = false;
-         s.linkState.ExchangeComplete = false;
+         Link(false);
          s.RelayStates[0] = 0;
        },
        "link_lost 127.0.0.1:1250", "grey"},
-      {"link back: the released relay is told",
-       [&] {
-         s.Connected = true;
-         s.linkState.ExchangeComplete = true;
-       },
+      {"link back: the released relay is told", [&] { Link(true); },
        "link_returned 127.0.0.1:1250; relay_changed ALARM off", "green"},
   };
   for (const auto& step : steps) {
     step.change();
-    EXPECT_EQ(Step().join(QStringLiteral("; ")).toStdString(), step.events) << step.what;
+    EXPECT_EQ(Step().toStdString(), step.events) << step.what;
     EXPECT_EQ(tracker.Summary().lamp.toStdString(), step.lamp) << step.what;
   }
   EXPECT_EQ(tracker.AlarmsRaised(), 4u);
 }
 
 TEST_F(AlertTrackerTest, SummaryNamesTheSilentOutputsAndTheFirstConnectionIsNotNotified) {
-  s.Connected = true;
-  s.linkState.ExchangeComplete = true;
+  Link(true);
   std::vector<AlertEvent> events = tracker.Update(s);
   ASSERT_EQ(events.size(), 1u);
   EXPECT_FALSE(Notifies(events[0])) << "the first connection is no news";

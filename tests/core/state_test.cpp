@@ -9,65 +9,38 @@
 namespace zrn {
 namespace {
 
-using test::TempStateTest;
+using CoreTest = test::TempStateTest;
 
-class SilenceOutTable : public TempStateTest {};
-
-TEST_F(SilenceOutTable, IndexPointsAtTheLastEntryOfEachOutput) {
+TEST_F(CoreTest, SilenceOutIndexPointsAtTheLastEntryOfEachOutput) {
   s.SwitcherOutputCount = 8;
-  for (qint16 output : {3, 5, 3, 40, 7}) {
-    SilenceOut entry;
-    entry.Output = output;
-    s.SilenceOuts.push_back(entry);
-  }
+  s.SilenceOuts = {{.Output = 3}, {.Output = 5}, {.Output = 3}, {.Output = 40}, {.Output = 7}};
   s.SilenceOutCount = 5;
   UpdateSilenceOutTable(s);
-
-  ASSERT_EQ(s.SilenceOutIndex.size(), 8u);
-  EXPECT_EQ(s.SilenceOutIndex[3], 2) << "a later entry with the same output wins";
-  EXPECT_EQ(s.SilenceOutIndex[5], 1);
-  EXPECT_EQ(s.SilenceOutIndex[7], 4) << "an entry after a bad one is still indexed";
-  EXPECT_EQ(s.SilenceOutIndex[0], kNone);
+  EXPECT_EQ(s.SilenceOutIndex, (std::vector<qint16>{kNone, kNone, kNone, 2, kNone, 1, kNone, 4}))
+      << "a later entry with the same output wins; one after a bad entry is still indexed";
   ASSERT_EQ(ErrorLines().size(), 1);
   EXPECT_TRUE(ErrorLines()[0].contains(QStringLiteral("Error Updating Silence Out Table")));
 }
 
 TEST(Numbers, LeadingNumberReadsLikeTheConfigurationFile) {
-  EXPECT_EQ(LeadingNumber(QStringLiteral("1250")), 1250);
-  EXPECT_EQ(LeadingNumber(QStringLiteral(" 12 34 ")), 1234);
-  EXPECT_EQ(LeadingNumber(QStringLiteral("-5x")), -5);
-  EXPECT_EQ(LeadingNumber(QStringLiteral("2.5")), 2.5);
-  EXPECT_EQ(LeadingNumber(QStringLiteral("1e3")), 1000);
-  EXPECT_EQ(LeadingNumber(QStringLiteral("7e")), 7);
-  EXPECT_EQ(LeadingNumber(QStringLiteral("abc")), 0);
-  EXPECT_EQ(LeadingNumber(QString()), 0);
-  EXPECT_EQ(LeadingNumber(QStringLiteral("-")), 0);
-  EXPECT_EQ(LeadingNumber(QStringLiteral("0x10")), 0);
-  EXPECT_EQ(RoundHalfEven(2.5), 2);
-  EXPECT_EQ(RoundHalfEven(3.5), 4);
-  EXPECT_EQ(RoundHalfEven(-2.5), -2);
-  EXPECT_EQ(RoundHalfEven(2.6), 3);
+  const std::pair<const char*, double> cases[] = {
+      {"1250", 1250}, {" 12 34 ", 1234}, {"-5x", -5}, {"2.5", 2.5}, {"1e3", 1000},
+      {"7e", 7},      {"abc", 0},        {"", 0},     {"-", 0},     {"0x10", 0}};
+  for (const auto& [text, value] : cases) {
+    EXPECT_EQ(LeadingNumber(QString::fromLatin1(text)), value) << '"' << text << '"';
+  }
+  EXPECT_EQ((std::vector{RoundHalfEven(2.5), RoundHalfEven(3.5), RoundHalfEven(-2.5),
+                         RoundHalfEven(2.6)}),
+            (std::vector<double>{2, 4, -2, 3}));
   EXPECT_THROW(ToInteger(32768), Failure);
-  EXPECT_EQ(ToInteger(-32768), -32768);
 }
 
-class FileIo : public TempStateTest {};
-
-TEST_F(FileIo, ReaderNeverReadsPastTheEnd) {
-  const QByteArray bytes(
-      "\x01\x00\xFF\x3F"
-      "AB",
-      6);
+TEST_F(CoreTest, ByteReaderNeverReadsPastTheEnd) {
+  const QByteArray bytes = QByteArray::fromHex("0100FF3F4142");
   ByteReader reader(bytes);
   EXPECT_EQ(reader.I16(), 1);
   EXPECT_EQ(reader.I16(), 16383);
-  EXPECT_EQ(reader.Remaining(), 2);
-  try {
-    reader.Text(3);
-    FAIL() << "read past the end";
-  } catch (const Failure& failure) {
-    EXPECT_EQ(failure.number, 62);
-  }
+  EXPECT_THROW(reader.Text(3), Failure);
   EXPECT_EQ(reader.Text(2), QStringLiteral("AB"));
   EXPECT_THROW(reader.U8(), Failure);
 
@@ -81,19 +54,16 @@ TEST_F(FileIo, ReaderNeverReadsPastTheEnd) {
   EXPECT_THROW(writer.Text(QStringLiteral("toolong"), 3), Failure);
 }
 
-TEST_F(FileIo, DamagedFilesAreSetAsideUnderUniqueNames) {
-  WriteAll(QStringLiteral("ZRNEvents.dat"), "damaged");
-  const QString first = SetAsideDamagedFile(s, QStringLiteral("ZRNEvents.dat"), false);
-  const QString second = SetAsideDamagedFile(s, QStringLiteral("ZRNEvents.dat"), false);
+TEST_F(CoreTest, DamagedFilesAreSetAsideUnderUniqueNames) {
+  const QString name = QStringLiteral("ZRNEvents.dat");
+  WriteAll(name, "damaged");
+  const QString first = SetAsideDamagedFile(s, name, false);
   EXPECT_EQ(QFileInfo(first).fileName(), QStringLiteral("ZRNEvents.dat.bad-20261116-154252"));
-  EXPECT_NE(first, second);
-  EXPECT_TRUE(QFileInfo::exists(PathOf(QStringLiteral("ZRNEvents.dat"))));
-
-  const QString moved = SetAsideDamagedFile(s, QStringLiteral("ZRNEvents.dat"), true);
-  EXPECT_FALSE(moved.isEmpty());
-  EXPECT_FALSE(QFileInfo::exists(PathOf(QStringLiteral("ZRNEvents.dat"))));
-  EXPECT_EQ(ErrorLines().size(), 3);
-  EXPECT_TRUE(ErrorLines()[0].contains(QStringLiteral("ZRNEvents.dat.bad-20261116-154252")));
+  EXPECT_NE(SetAsideDamagedFile(s, name, false), first);
+  EXPECT_TRUE(QFileInfo::exists(PathOf(name)));
+  EXPECT_FALSE(SetAsideDamagedFile(s, name, true).isEmpty());
+  EXPECT_FALSE(QFileInfo::exists(PathOf(name)));
+  EXPECT_EQ(ErrorLines().size(), 3) << "one line per file set aside";
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <ostream>
 
 #include "core/state.h"
+#include "monitor/poll_tick.h"
 #include "schedule/due_events.h"
 #include "schedule/event_scheduler.h"
 #include "support/connected_state.h"
@@ -16,8 +17,8 @@ inline void PrintTo(const QString& text, std::ostream* os) {
 
 namespace zrn::test {
 
-inline constexpr qint16 kTuesday = 2, kWednesday = 4, kFriday = 16;
-inline constexpr qint16 kWeekdays = 0x1F, kWeekend = 0x60, kEveryDay = 0x7F;
+inline constexpr qint16 kTuesday = 2, kFriday = 16;
+inline constexpr qint16 kEveryDay = 0x7F;
 
 inline ScheduledEvent Event(const char* time, qint16 days, bool active = true) {
   ScheduledEvent e;
@@ -49,29 +50,22 @@ class ScheduleTest : public ConnectedStateTest {
   static QDateTime At(int day, const char* time) {
     return QDateTime(QDate(2026, 11, 16).addDays(day), QTime::fromString(time, "HH:mm:ss"));
   }
-  int MinuteOfWeek() const {
-    return s.Today * 1440 + s.CurrentTime.hour() * 60 + s.CurrentTime.minute();
-  }
-  void ReadClock() {
-    const QDateTime now = clock.Now();
-    s.CurrentTime = QTime(now.time().hour(), now.time().minute(), now.time().second());
-    s.Today = static_cast<qint16>(now.date().dayOfWeek() - 1);
-  }
   // Start-up at a time: the clock is read and every next event computed.
   void StartAt(int day, const char* time) {
     clock.Set(At(day, time));
-    ReadClock();
+    RefreshClock(s);
     GetNextEvent(s, kNone);
   }
   // One poll tick at the given moment: clock, clock jump, scheduled events.
   void TickAt(const QDateTime& when) {
-    const int before = MinuteOfWeek();
+    const int before = MinuteOfWeek(s.CurrentTime, s.Today);
     clock.Set(when);
-    ReadClock();
-    if (MinuteOfWeek() != before) {
-      FollowClockJump(s, before, MinuteOfWeek());
+    RefreshClock(s);
+    const int now = MinuteOfWeek(s.CurrentTime, s.Today);
+    if (now != before) {
+      FollowClockJump(s, before, now);
     }
-    RunDueEvents(s, MinuteOfWeek());
+    RunDueEvents(s, now);
   }
   void Ticks(int n) {
     for (int k = 0; k < n; ++k) {

@@ -24,7 +24,6 @@ namespace zrn::test {
 inline const QByteArray kRoute5To10 = Bytes({0xFE, 0x04, 0x00, 0x05, 0x00, 0x0A, 0x00, 0x13, 0xFF});
 inline const QByteArray kRoute7To11 = Bytes({0xFE, 0x04, 0x00, 0x07, 0x00, 0x0B, 0x00, 0x16, 0xFF});
 inline const QByteArray kPark10 = Bytes({0xFE, 0x00, 0x00, 0x7F, 0x7F, 0x0A, 0x00, 0x08, 0xFF});
-inline const QByteArray kPark11 = Bytes({0xFE, 0x00, 0x00, 0x7F, 0x7F, 0x0B, 0x00, 0x09, 0xFF});
 // Show detector settings (mode 265, level 824, 8 s, 5 s) on outputs 10 and 11.
 inline const QByteArray kConfig10 =
     Bytes({0xCB, 0x00, 0x01, 0x00, 0x0A, 0x00, 0x09, 0x02, 0x7F, 0x7F, 0x38,
@@ -42,10 +41,7 @@ class ShowsTest : public LinkedStateTest {
     LinkedStateTest::SetUp();
     s.ProgramMode = 1;
     SetSilenceOuts({10, 11, 12});
-    s.Shows.clear();
-    s.ShowCount = 0;
     At(QTime(12, 15, 0));
-    link.wire.clear();
     frames[QStringLiteral("C10")] = kRoute5To10 + kConfig10;
     frames[QStringLiteral("C10L")] = kRoute5To10 + kConfig10 + kLatch3;
     frames[QStringLiteral("P10")] = kPark10;
@@ -54,9 +50,7 @@ class ShowsTest : public LinkedStateTest {
   void SetSilenceOuts(std::initializer_list<int> outputs) {
     s.SilenceOuts.clear();
     for (int o : outputs) {
-      SilenceOut entry;
-      entry.Output = static_cast<qint16>(o);
-      s.SilenceOuts.push_back(entry);
+      s.SilenceOuts.push_back({.Output = static_cast<qint16>(o)});
     }
     s.SilenceOutCount = static_cast<qint16>(s.SilenceOuts.size());
     UpdateSilenceOutTable(s);
@@ -94,8 +88,7 @@ class ShowsTest : public LinkedStateTest {
   }
   // The alarm side of a poll tick, then the show pass.
   void Tick() override {
-    BeginRelayTick(s);
-    LossAlarmTick(s);
+    LinkedStateTest::Tick();
     ShowsPass(s);
   }
   // The switcher reports a new status for output, which ends the output's grace.
@@ -106,68 +99,61 @@ class ShowsTest : public LinkedStateTest {
   Rgb Indicator(int panel) const { return s.panels.shows.at(panel).indicatorColour; }
 
   // Show steps besides the alarm steps:
-  //   H<name>/<downlink>/<end>  a show on air from 12:00:00      N  "Morning" on air, past its
-  //   grace D<status> E<status>  output 10 / 11 reports        @<time>  the clock is set, read >n
-  //   n times a second passes and a tick runs       G Q  the shows looked up / shows pass W
-  //   switcher output 1 watched for the output alarm        M<mode>  the program mode X    the link
-  //   drops      Y  it is back, its exchange complete, the monitors sent again Z    Show Setup
-  //   confirmed with no shows            =C10 =P10  output 10 routed / parked
+  //   H<name>/<downlink>/<end>[/<start>]  a show on air, from 12:00:00 unless given
+  //   N                    "Morning" on air, its monitor past its grace
+  //   D<status> E<status>  output 10 / 11 reports       @<time>  the clock is set and read
+  //   ><n>                 n times a second passes and a tick runs
+  //   G  Q                 the shows looked up / the shows pass
+  //   W  M<mode>           switcher output 1 watched / the program mode
+  //   K                    the new exchange finds input 5 on output 10
+  //   X  Y                 the link drops / is back, exchange complete, the monitors sent again
+  //   U  Z                 Show Setup confirmed unchanged / with no shows
+  //   =C10 =C10L =P10      output 10 routed and set (and relay 3 latched) / parked
   bool MoreSteps(char step, const QString& rest) override {
     const QStringList show = rest.split(QLatin1Char('/'));
-    switch (step) {
-      case 'H':
-        AddShow(show[0], static_cast<qint16>(show[1].toInt()), {},
-                show.value(3, QStringLiteral("12:00:00")), show[2]);
-        return true;
-      case 'K':
-        s.CrosspointMap[10].SourceCount = 1;
-        s.CrosspointMap[10].Sources[0] = 5;
-        return true;
-      case 'U':
-        ReplaceShows(s, s.Shows);
-        return true;
-      case 'N':
-        Steps("HMorning/5/14:00:00 t D0 t _");
-        return true;
-      case 'D':
-      case 'E':
-        Report(step == 'D' ? 10 : 11, static_cast<quint8>(rest.toInt()));
-        return true;
-      case '@':
-        At(QTime::fromString(rest, QStringLiteral("HH:mm:ss")));
-        return true;
-      case '>':
-        for (int i = 0; i < rest.toInt(); ++i) {
-          clock.AdvanceSeconds(1);
-          RefreshClock(s);
-          Tick();
-        }
-        return true;
-      case 'G':
-        GetActiveShows(s);
-        return true;
-      case 'Q':
-        ShowsPass(s);
-        return true;
-      case 'W':
-        Watch(1, 0x109);
-        return true;
-      case 'M':
-        s.ProgramMode = static_cast<qint16>(rest.toInt());
-        return true;
-      case 'X':
-        CloseSwitcherLink(s);
-        return true;
-      case 'Y':
-        OnConnected(s);
-        s.linkState.ExchangeComplete = true;
-        ResendShowMonitors(s);
-        return true;
-      case 'Z':
-        ReplaceShows(s, {});
-        return true;
+    const std::map<char, std::function<void()>> steps = {
+        {'H',
+         [&] {
+           AddShow(show[0], static_cast<qint16>(show[1].toInt()), {},
+                   show.value(3, QStringLiteral("12:00:00")), show[2]);
+         }},
+        {'N', [&] { Steps("HMorning/5/14:00:00 t D0 t _"); }},
+        {'D', [&] { Report(10, static_cast<quint8>(rest.toInt())); }},
+        {'E', [&] { Report(11, static_cast<quint8>(rest.toInt())); }},
+        {'@', [&] { At(QTime::fromString(rest, QStringLiteral("HH:mm:ss"))); }},
+        {'>',
+         [&] {
+           for (int i = 0; i < rest.toInt(); ++i) {
+             clock.AdvanceSeconds(1);
+             RefreshClock(s);
+             Tick();
+           }
+         }},
+        {'G', [&] { GetActiveShows(s); }},
+        {'Q', [&] { ShowsPass(s); }},
+        {'W', [&] { Watch(1, 0x109); }},
+        {'M', [&] { s.ProgramMode = static_cast<qint16>(rest.toInt()); }},
+        {'K',
+         [&] {
+           s.CrosspointMap[10].SourceCount = 1;
+           s.CrosspointMap[10].Sources[0] = 5;
+         }},
+        {'X', [&] { CloseSwitcherLink(s); }},
+        {'Y',
+         [&] {
+           OnConnected(s);
+           s.linkState.ExchangeComplete = true;
+           ResendShowMonitors(s);
+         }},
+        {'U', [&] { ReplaceShows(s, s.Shows); }},
+        {'Z', [&] { ReplaceShows(s, {}); }},
+    };
+    const auto action = steps.find(step);
+    if (action == steps.end()) {
+      return false;
     }
-    return false;
+    action->second();
+    return true;
   }
 };
 

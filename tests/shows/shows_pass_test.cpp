@@ -12,7 +12,6 @@ using test::kLatch3;
 using test::kOff;
 using test::kOn;
 using test::kPark10;
-using test::kRelease3;
 using test::kRoute5To10;
 using test::kRoute7To11;
 using test::Scenario;
@@ -34,6 +33,22 @@ const Scenario kScenarios[] = {
     {"each mode keeps its own alarm on the relay",
      "W N D1 t =L r1 s0 t a0 t s0 t =- D0 t =R r0 a0 M0 u t =P10 s0 =L r1 D1 t t t =- a0 =R",
      {kMorningOn, kOn, kMorningOff, kOff, kOn, kOff}},
+    // Re-sent after a drop, Show Setup OK, the next show on the same downlink: no grace, no
+    // park, and the live alarm holds the relay throughout.
+    {"a monitor routed again to the source it carries is no change",
+     "HMorning/5/14:00:00 HEvening/5/16:00:00/14:00:01 t D0 K D1 t =C10L r1 t t t =- #ir X t Y "
+     "=C10 t t t =- #ir U =C10 t t t =- #ir @14:00:01 t =C10 t t =- #ir",
+     {kMorningOn, kOn, "Evening Silence Alarm Status ON!"}},
+    // A show that ended meanwhile is parked, not routed again; a park refused on the dead link
+    // goes out once the link is back, once.
+    {"parks owed during an outage go out on the next exchange",
+     "HMorning/5/14:00:00 t _ X @14:00:30 Y =P10 @12:15:00 t _ X Z =- Y =P10 Y =-",
+     {}},
+    // The second show joins the monitor the first set up, its detector not restarted; the
+    // output is not parked while another show watches it, and the alarm then is that show's.
+    {"shows sharing a downlink keep it watched until the last ends",
+     "HShort/5/12:30:00 HLong/5/13:00:00 G =C10 @12:30:01 G =- D1 Q #ir =L @13:00:01 G =P10",
+     {"Long Silence Alarm Status ON!", kOn}},
 };
 
 class ShowsPassTest : public test::ShowsTest, public testing::WithParamInterface<Scenario> {};
@@ -104,23 +119,6 @@ TEST_F(ShowsPassTest, MonitorsAreSentAgainAfterEachCompletedExchange) {
   s.ProgramMode = 0;
   ResendShowMonitors(s);
   EXPECT_TRUE(Wire().isEmpty());
-}
-
-// A show monitor routed again to the source it already carries (a re-send after a drop, Show
-// Setup OK, the next show on the same downlink) is no change: no grace, no park, and the live
-// alarm holds the relay throughout.
-TEST_F(ShowsPassTest, ALiveShowAlarmStandsWhenItsMonitorIsRoutedAgainToTheSameSource) {
-  Steps(
-      "HMorning/5/14:00:00 HEvening/5/16:00:00/14:00:01 t D0 K D1 t =C10L r1 t t t =- #ir "
-      "X t Y =C10 t t t =- #ir U =C10 t t t =- #ir @14:00:01 t =C10 t t =- #ir");
-  EXPECT_EQ(s.ActiveShows, std::vector<qint16>{1});
-  EXPECT_EQ(Activity(), (QStringList{kMorningOn, kOn, "Evening Silence Alarm Status ON!"}));
-}
-
-// What the switcher must still be told after an outage: a show that ended meanwhile is parked,
-// not routed again; a park refused on the dead link goes out once the link is back, once.
-TEST_F(ShowsPassTest, ParksOwedDuringAnOutageGoOutOnTheNextExchange) {
-  Steps("HMorning/5/14:00:00 t _ X @14:00:30 Y =P10 @12:15:00 t _ X Z =- Y =P10 Y =-");
 }
 
 // Two shows share a monitor; when the one that set it up ends, the other's own detector
