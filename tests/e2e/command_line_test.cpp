@@ -24,8 +24,8 @@ QProcessEnvironment NoDisplay() {
   return env;
 }
 
-// Asking for help or the version, or mistyping an option, is answered on the terminal without a
-// display, without a connection and without a file written beside the program.
+// Asking for help or the version, or a mistyped or bad option, is answered on the terminal
+// without a display, without a connection and without a file written beside the program.
 TEST(ProgramCommandLine, HelpAndVersionAnswerAndLeaveTheFolderAlone) {
   struct Case {
     const char* program;
@@ -33,14 +33,21 @@ TEST(ProgramCommandLine, HelpAndVersionAnswerAndLeaveTheFolderAlone) {
     int exitCode;
     const char* says;
   };
+  const char* const sim = "zrn-switcher-sim";
   const Case cases[] = {
       {"zrn-pennaro", {"--help"}, 0, "--headless"},
       {"zrn-pennaro", {"-h"}, 0, "--folder <dir>"},
       {"zrn-pennaro", {"--version"}, 0, "zrn-pennaro " ZRN_TEST_VERSION},
       {"zrn-pennaro", {"--bogus"}, 1, "Unknown option 'bogus'"},
       {"zrn-pennaro", {"--headless", "extra"}, 2, "unexpected argument: extra"},
-      {"zrn-switcher-sim", {"--help"}, 0, "input N silent|audio|toggle"},
-      {"zrn-switcher-sim", {"--version"}, 0, "zrn-switcher-sim " ZRN_TEST_VERSION},
+      {sim, {"--help"}, 0, "input N silent|audio|toggle"},
+      {sim, {"--version"}, 0, "zrn-switcher-sim " ZRN_TEST_VERSION},
+      // Every refusal names the option at fault.
+      {sim, {"--inputs", "0"}, 1, "--inputs: '0' is not a whole number from 1 to 16382"},
+      {sim, {"--port", "http"}, 1, "--port: 'http' is not a whole number from 0 to 65535"},
+      {sim, {"--control", "70000"}, 1, "--control: '70000' is not a whole number from 1 to 65535"},
+      {sim, {"--listen", "nowhere"}, 1, "--listen: not an address: nowhere"},
+      {sim, {"--scenario", "/nonexistent"}, 1, "--scenario: cannot read /nonexistent"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(
