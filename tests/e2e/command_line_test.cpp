@@ -24,6 +24,16 @@ QProcessEnvironment NoDisplay() {
   return env;
 }
 
+// CPU seconds a process has used, from /proc.
+double CpuSeconds(qint64 pid) {
+  const QString line = test::ReadText(QStringLiteral("/proc/%1/stat").arg(pid));
+  // Fields after the command name, which is in parentheses: utime and stime are 14 and 15.
+  const QStringList fields = line.mid(line.lastIndexOf(QLatin1Char(')')) + 2).split(' ');
+  return (fields.value(11).toDouble() + fields.value(12).toDouble()) / sysconf(_SC_CLK_TCK);
+}
+
+using ProgramsWithSim = test::SimFixture;
+
 // Asking for help or the version, or a mistyped or bad option, is answered on the terminal
 // without a display, without a connection and without a file written beside the program.
 TEST(ProgramCommandLine, HelpAndVersionAnswerAndLeaveTheFolderAlone) {
@@ -71,46 +81,73 @@ TEST(ProgramCommandLine, HelpAndVersionAnswerAndLeaveTheFolderAlone) {
   }
 }
 
-// The monitor in a server rack: no window, no display; a silence latches the alarm relay, and
-// SIGTERM ends it through its normal shut-down. With a window SIGTERM closes the window the same
-// way.
-TEST(ProgramCommandLine, SilenceLatchesTheRelayAndSigtermClosesCleanly) {
-  const struct {
-    QStringList args;
-    const char* platform;
-  } cases[] = {{{"--headless"}, nullptr}, {{}, "offscreen"}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.args.isEmpty() ? "with a window" : "headless");
-    QTemporaryDir dir;
-    ASSERT_TRUE(dir.isValid());
-    const quint16 port = test::FreePort();
-    test::SimProcess sim(port, {"--detect", "0", "--return", "0"});
-    ASSERT_TRUE(sim.Start());
-    const QString folder = dir.filePath(QStringLiteral("data"));
-    ASSERT_TRUE(QDir().mkpath(folder));
-    ASSERT_TRUE(test::WriteMonitorConfig(folder, {.port = port, .watched = 4}));
-
-    QProcess monitor;
+// Two monitors configured with the same alarm relay, each watching its own output, one in a
+// server rack (no window, no display) and one with a window: the relay stays latched while
+// either wants it, without a command storm or a busy processor, and SIGTERM ends each through
+// its normal shut-down.
+TEST_F(ProgramsWithSim, TwoMonitorsShareOneRelayCalmlyAndEndOnSigterm) {
+  // Silence and audio are reported at once: what is measured is the monitors' own pace.
+  ASSERT_NO_FATAL_FAILURE(StartSim({"--detect", "0", "--return", "0"}));
+  const QString folders[2] = {dir.filePath(QStringLiteral("headless")),
+                              dir.filePath(QStringLiteral("window"))};
+  QProcess monitors[2];
+  for (int m = 0; m < 2; ++m) {
+    ASSERT_TRUE(QDir().mkpath(folders[m]));
+    ASSERT_TRUE(test::WriteMonitorConfig(folders[m], {.port = port, .watched = 1, .first = 2 + m}));
     QProcessEnvironment env = NoDisplay();
-    if (c.platform != nullptr) {
-      env.insert(QStringLiteral("QT_QPA_PLATFORM"), QLatin1String(c.platform));
+    QStringList args{QStringLiteral("--folder"), folders[m]};
+    if (m == 0) {
+      args << QStringLiteral("--headless");
+    } else {
+      env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     }
-    monitor.setProcessEnvironment(env);
-    monitor.start(Built("zrn-pennaro"), c.args + QStringList{QStringLiteral("--folder"), folder});
-    ASSERT_TRUE(monitor.waitForStarted(5000));
-    ASSERT_TRUE(QTest::qWaitFor(
-        [&] { return sim.Status(QStringLiteral("connections")) == QStringLiteral("1"); }, 10000));
-    QTest::qWait(1500);  // the start-up exchange
-    sim.Command(QStringLiteral("input 2 silent"));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return sim.RelayOn(); }, 15000));
+    monitors[m].setProcessEnvironment(env);
+    monitors[m].start(Built("zrn-pennaro"), args);
+    ASSERT_TRUE(monitors[m].waitForStarted(5000));
+  }
+  auto log = [&](int m) { return test::ReadText(folders[m] + QStringLiteral("/EventLog.txt")); };
+  ASSERT_TRUE(QTest::qWaitFor(
+      [&] { return sim->Status(QStringLiteral("connections")) == QStringLiteral("2"); }, 10000));
+  QTest::qWait(2000);  // both exchanges complete
+  auto relayOn = [&] { return sim->RelayOn(); };
 
-    monitor.terminate();  // SIGTERM
-    ASSERT_TRUE(monitor.waitForFinished(10000));
-    EXPECT_EQ(monitor.exitStatus(), QProcess::NormalExit);
-    EXPECT_EQ(monitor.exitCode(), 0);
-    const QString log = test::ReadText(folder + QStringLiteral("/EventLog.txt"));
-    EXPECT_TRUE(log.contains(QStringLiteral("Loss Alarm Report On"))) << log.toStdString();
-    EXPECT_TRUE(log.trimmed().endsWith(QStringLiteral("Monitor Closed"))) << log.toStdString();
+  // The first monitor wants the relay, the second does not: neither fights the other.
+  sim->Command(QStringLiteral("input 2 silent"));
+  ASSERT_TRUE(QTest::qWaitFor(relayOn, 10000));
+  const qint64 before = sim->Status(QStringLiteral("relay_commands")).toLongLong();
+  const double cpuBefore[2] = {CpuSeconds(monitors[0].processId()),
+                               CpuSeconds(monitors[1].processId())};
+  QElapsedTimer window;
+  window.start();
+  while (window.elapsed() < 5000) {
+    ASSERT_TRUE(relayOn()) << "released after " << window.elapsed() << " ms";
+    QTest::qWait(500);
+  }
+  const double seconds = window.elapsed() / 1000.0;
+  EXPECT_LT(sim->Status(QStringLiteral("relay_commands")).toLongLong() - before, 10);
+  for (int m = 0; m < 2; ++m) {
+    const double used = CpuSeconds(monitors[m].processId()) - cpuBefore[m];
+    EXPECT_LT(used / seconds, 0.02) << "monitor " << m << " used " << used << " s";
+  }
+
+  // Both want it, then the one that latched it no longer does: it stays latched for the other.
+  sim->Command(QStringLiteral("input 3 silent"));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return log(1).contains("Loss Alarm Report On"); }, 10000));
+  sim->Command(QStringLiteral("input 2 audio"));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return log(0).contains("Loss Alarm Report Off"); }, 10000));
+  QTest::qWait(2000);
+  EXPECT_TRUE(relayOn());
+  sim->Command(QStringLiteral("input 3 audio"));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !relayOn(); }, 10000));
+  EXPECT_LT(sim->Status(QStringLiteral("relay_commands")).toLongLong(), 12);
+
+  for (int m = 0; m < 2; ++m) {
+    monitors[m].terminate();
+    ASSERT_TRUE(monitors[m].waitForFinished(10000));
+    EXPECT_EQ(monitors[m].exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(monitors[m].exitCode(), 0);
+    EXPECT_TRUE(log(m).trimmed().endsWith(QStringLiteral("Monitor Closed")))
+        << log(m).toStdString();
   }
 }
 

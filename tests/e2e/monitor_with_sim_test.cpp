@@ -1,4 +1,3 @@
-#include <unistd.h>
 #include <QLabel>
 
 #include "core/panel_models.h"
@@ -15,14 +14,6 @@ namespace {
 
 using test::SimProcess;
 using MonitorWithSim = test::SimFixture;
-
-// CPU seconds a process has used, from /proc.
-double CpuSeconds(qint64 pid) {
-  const QString line = test::ReadText(QStringLiteral("/proc/%1/stat").arg(pid));
-  // Fields after the command name, which is in parentheses: utime and stime are 14 and 15.
-  const QStringList fields = line.mid(line.lastIndexOf(QLatin1Char(')')) + 2).split(' ');
-  return (fields.value(11).toDouble() + fields.value(12).toDouble()) / sysconf(_SC_CLK_TCK);
-}
 
 // The colour the canvas draws at the middle of an output panel's lamp.
 QColor LampPixel(PanelCanvasWidget& canvas, const OutputPanelModel& panel) {
@@ -207,68 +198,6 @@ TEST_F(MonitorWithSim, AShowOnAirWatchesItsDownlinkAndTakesAStudio) {
       },
       5000))
       << sim->Status(QStringLiteral("routes")).toStdString();
-}
-
-// Two monitor programs configured with the same alarm relay, each watching its own output: the
-// relay stays latched while either wants it, without a command storm or a busy processor.
-TEST_F(MonitorWithSim, TwoMonitorsShareOneRelayCalmly) {
-  // Silence and audio are reported at once: what is measured is the monitors' own pace.
-  ASSERT_NO_FATAL_FAILURE(StartSim({"--detect", "0", "--return", "0"}));
-  QTemporaryDir folders[2];
-  QProcess monitors[2];
-  for (int m = 0; m < 2; ++m) {
-    // The program keeps its files beside itself, so each runs from its own folder.
-    const QString program = folders[m].path() + QStringLiteral("/zrn-pennaro");
-    ASSERT_TRUE(QFile::copy(QCoreApplication::applicationDirPath() + QStringLiteral("/zrn-pennaro"),
-                            program));
-    ASSERT_TRUE(
-        test::WriteMonitorConfig(folders[m].path(), {.port = port, .watched = 1, .first = 2 + m}));
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-    monitors[m].setProcessEnvironment(env);
-    monitors[m].start(program, {});
-    ASSERT_TRUE(monitors[m].waitForStarted(5000));
-  }
-  auto log = [&](int m) { return test::ReadText(folders[m].path() + "/EventLog.txt"); };
-  ASSERT_TRUE(QTest::qWaitFor(
-      [&] { return sim->Status(QStringLiteral("connections")) == QStringLiteral("2"); }, 10000));
-  QTest::qWait(2000);  // both exchanges complete
-  auto relayOn = [&] { return sim->RelayOn(); };
-
-  // The first monitor wants the relay, the second does not: neither fights the other.
-  sim->Command(QStringLiteral("input 2 silent"));
-  ASSERT_TRUE(QTest::qWaitFor(relayOn, 10000));
-  const qint64 before = sim->Status(QStringLiteral("relay_commands")).toLongLong();
-  const double cpuBefore[2] = {CpuSeconds(monitors[0].processId()),
-                               CpuSeconds(monitors[1].processId())};
-  QElapsedTimer window;
-  window.start();
-  while (window.elapsed() < 5000) {
-    ASSERT_TRUE(relayOn()) << "released after " << window.elapsed() << " ms";
-    QTest::qWait(500);
-  }
-  const double seconds = window.elapsed() / 1000.0;
-  EXPECT_LT(sim->Status(QStringLiteral("relay_commands")).toLongLong() - before, 10);
-  for (int m = 0; m < 2; ++m) {
-    const double used = CpuSeconds(monitors[m].processId()) - cpuBefore[m];
-    EXPECT_LT(used / seconds, 0.02) << "monitor " << m << " used " << used << " s";
-  }
-
-  // Both want it, then the one that latched it no longer does: it stays latched for the other.
-  sim->Command(QStringLiteral("input 3 silent"));
-  ASSERT_TRUE(QTest::qWaitFor([&] { return log(1).contains("Loss Alarm Report On"); }, 10000));
-  sim->Command(QStringLiteral("input 2 audio"));
-  ASSERT_TRUE(QTest::qWaitFor([&] { return log(0).contains("Loss Alarm Report Off"); }, 10000));
-  QTest::qWait(2000);
-  EXPECT_TRUE(relayOn());
-  sim->Command(QStringLiteral("input 3 audio"));
-  EXPECT_TRUE(QTest::qWaitFor([&] { return !relayOn(); }, 10000));
-  EXPECT_LT(sim->Status(QStringLiteral("relay_commands")).toLongLong(), 12);
-
-  for (QProcess& monitor : monitors) {
-    monitor.terminate();
-    monitor.waitForFinished(3000);
-  }
 }
 
 }  // namespace
