@@ -9,8 +9,6 @@
 namespace zrn {
 namespace {
 
-using test::Bytes;
-
 // Outputs 1..4 are watched; inputs and outputs 1..8 are changed at random.
 constexpr int kWatched = 4;
 constexpr int kStirred = 8;
@@ -18,16 +16,11 @@ constexpr int kStirred = 8;
 // What each cycle does besides the kill; in turn, so a short run still meets every kind.
 enum class Fault { kKillOnly, kDrop, kMute, kGarbage, kCount };
 
-int Cycles() {
+// ZRN_FAULT_CYCLES and ZRN_FAULT_SEED lengthen or repeat a run.
+unsigned Setting(const char* name, unsigned fallback) {
   bool ok = false;
-  const int cycles = qEnvironmentVariable("ZRN_FAULT_CYCLES").toInt(&ok);
-  return ok && cycles > 0 ? cycles : 120;
-}
-
-unsigned Seed() {
-  bool ok = false;
-  const unsigned fixed = qEnvironmentVariable("ZRN_FAULT_SEED").toUInt(&ok);
-  return ok ? fixed : std::random_device{}();
+  const unsigned value = qEnvironmentVariable(name).toUInt(&ok);
+  return ok && value > 0 ? value : fallback;
 }
 
 // "1,5" of the 1-based numbers for which pick is true, "-" for none, as the status line has it.
@@ -51,7 +44,7 @@ class FaultInjection : public test::SimFixture {
     ASSERT_NO_FATAL_FAILURE(Launch(QStringLiteral("Output"), kWatched, &clock));
     const State& s = monitor->state();
     ASSERT_EQ(s.OutputNames.value(255), QStringLiteral("OUT 256 "));
-    names = {s.InputNames, s.OutputNames, s.OptoNames, s.RelayNames};
+    names = s.InputNames + s.OutputNames + s.OptoNames + s.RelayNames;
   }
 
   // Silence and its end are reported at once, so every alarm can be waited for.
@@ -64,10 +57,9 @@ class FaultInjection : public test::SimFixture {
   }
 
   std::array<int, kWatched> AlarmLines() const {
-    const QString log = Log();
     std::array<int, kWatched> lines{};
     for (int o = 0; o < kWatched; ++o) {
-      lines[o] = static_cast<int>(log.count(
+      lines[o] = static_cast<int>(Log().count(
           QStringLiteral("[%1] Silence Alarm Status ON!").arg(o + 1, 4, 10, QChar(u'0'))));
     }
     return lines;
@@ -114,8 +106,7 @@ class FaultInjection : public test::SimFixture {
     ASSERT_TRUE(same) << "simulator: " << simView.toStdString()
                       << "\nmonitor:   " << MonitorView().toStdString();
     const State& s = monitor->state();
-    ASSERT_EQ(names,
-              (std::array<QStringList, 4>{s.InputNames, s.OutputNames, s.OptoNames, s.RelayNames}));
+    ASSERT_EQ(names, s.InputNames + s.OutputNames + s.OptoNames + s.RelayNames);
   }
 
   int Pick(int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); }
@@ -148,30 +139,16 @@ class FaultInjection : public test::SimFixture {
     }
   }
 
-  // Stray bytes, unknown messages and reports cut short; too short to change any table.
+  // Stray bytes, messages of a type nobody handles and reports cut short, strung together at
+  // random: too short to change any table.
   QString Garbage() {
-    QByteArray bytes;
-    const auto stray = [&](int most) {
-      for (int i = Pick(most + 1); i > 0; --i) {
-        bytes.append(static_cast<char>(Pick(128)));
-      }
-    };
-    stray(5);
-    for (int part = 1 + Pick(4); part > 0; --part) {
-      const int kind = Pick(3);
-      if (kind == 0) {  // a message of a type nobody handles
-        bytes.append(static_cast<char>(0x82 + Pick(0x3E)));
-        stray(7);
-        bytes.append(static_cast<char>(0xFF));
-      } else if (kind == 1) {  // a report cut short
-        bytes.append(static_cast<char>(std::array{0xCB, 0xF6, 0xF7, 0xFC}[Pick(4)]));
-        bytes.append(static_cast<char>(Pick(128)));
-        stray(4);
-      } else {
-        bytes.append(static_cast<char>(Pick(2) ? 0xFF : 0xF1));
-      }
+    static const char* const kPieces[] = {"12",    "34 05", "9A 01 7F FF", "C3 FF", "CB 0A",
+                                          "F6 01", "F7 28", "FC 14 03",    "FF",    "F1"};
+    QStringList pieces;
+    for (int n = 1 + Pick(6); n > 0; --n) {
+      pieces << QLatin1String(kPieces[Pick(static_cast<int>(std::size(kPieces)))]);
     }
-    return QString::fromLatin1(bytes.toHex(' '));
+    return pieces.join(u' ');
   }
 
   void Cycle(Fault fault) {
@@ -185,9 +162,9 @@ class FaultInjection : public test::SimFixture {
       ASSERT_NO_FATAL_FAILURE(Reconnect());
       ASSERT_TRUE(WaitForExchange());
     } else if (fault == Fault::kMute) {
-      // 201 unanswered polls at the timer's pace would take nearly three minutes; polled
-      // here as fast as the loop goes, with any answer still read between polls. Answers to
-      // polls sent before the mute may still be on their way and start the count afresh.
+      // 201 unanswered polls at the timer's pace would take nearly three minutes; polled here as
+      // fast as the loop goes. Answers to polls sent before the mute may still start the count
+      // afresh.
       const QString dropped = QStringLiteral("Disconnecting - No Response from Server");
       const int before = ErrorLines(dropped);
       ASSERT_EQ(sim->Command(QStringLiteral("mute on")), QStringLiteral("ok mute on"));
@@ -233,20 +210,20 @@ class FaultInjection : public test::SimFixture {
     ASSERT_NO_FATAL_FAILURE(ExpectInStep());
   }
 
-  std::array<QStringList, 4> names;
+  QStringList names;
   std::mt19937 random;
 };
 
 TEST_F(FaultInjection, MonitorFollowsTheSwitcherThroughKillsAndBrokenStreams) {
-  const unsigned seed = Seed();
-  const int cycles = Cycles();
+  const unsigned seed = Setting("ZRN_FAULT_SEED", std::random_device{}());
+  const unsigned cycles = Setting("ZRN_FAULT_CYCLES", 120);
   std::printf(
-      "fault injection: %d cycles, seed %u (ZRN_FAULT_SEED and ZRN_FAULT_CYCLES repeat it)\n",
+      "fault injection: %u cycles, seed %u (ZRN_FAULT_SEED and ZRN_FAULT_CYCLES repeat it)\n",
       cycles, seed);
   std::fflush(stdout);
   random.seed(seed);
-  for (int n = 0; n < cycles; ++n) {
-    const auto fault = static_cast<Fault>(n % static_cast<int>(Fault::kCount));
+  for (unsigned n = 0; n < cycles; ++n) {
+    const auto fault = static_cast<Fault>(n % static_cast<unsigned>(Fault::kCount));
     SCOPED_TRACE(QStringLiteral("cycle %1 (fault %2: kill only, drop, mute, garbage), seed %3")
                      .arg(n)
                      .arg(static_cast<int>(fault))
@@ -270,7 +247,7 @@ TEST_F(FaultInjection, AReportCutShortHoldsUpNoKeepAliveAnswer) {
   // Held until a byte after it shows it cut short, such as the answer to a poll in flight.
   ASSERT_TRUE(QTest::qWaitFor(
       [&] {
-        return s.ReceiveBuffer.startsWith(Bytes({0xF6, 0x01})) || ErrorLines(cut) > 0;
+        return s.ReceiveBuffer.startsWith(test::Bytes({0xF6, 0x01})) || ErrorLines(cut) > 0;
       },
       5000));
   // Five ticks send three polls.

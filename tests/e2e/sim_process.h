@@ -14,6 +14,7 @@
 
 #include "monitor/monitor.h"
 #include "support/monitor_config.h"
+#include "switcher/startup_exchange.h"
 
 namespace zrn::test {
 
@@ -32,35 +33,31 @@ inline QString ReadText(const QString& path) {
 // The switcher simulator as a separate program, driven through its standard input.
 class SimProcess {
  public:
-  explicit SimProcess(quint16 port, QStringList options = {})
-      : port_(port), options_(std::move(options)) {}
+  explicit SimProcess(quint16 port, const QStringList& options = {}) {
+    process_.setProgram(QCoreApplication::applicationDirPath() + "/zrn-switcher-sim");
+    process_.setArguments(QStringList{QStringLiteral("--port"), QString::number(port)} + options);
+  }
   ~SimProcess() { Kill(); }
 
+  // Ready once it answers a command.
   bool Start() {
-    process_.setProgram(QCoreApplication::applicationDirPath() +
-                        QStringLiteral("/zrn-switcher-sim"));
-    process_.setArguments(QStringList{QStringLiteral("--port"), QString::number(port_)} + options_);
-    process_.setProcessChannelMode(QProcess::SeparateChannels);
     process_.start();
-    // Ready once it answers a command.
-    return process_.waitForStarted(5000) &&
-           Command(QStringLiteral("status")).startsWith(QStringLiteral("ok"));
+    return process_.waitForStarted(5000) && Command("status").startsWith(QStringLiteral("ok"));
   }
 
-  // Sends one control line and returns the reply line.
+  // Sends one control line and returns the reply line; other lines (the banner, notes) are not
+  // replies. The monitor in this thread goes on meanwhile.
   QString Command(const QString& line) {
     process_.write((line + QLatin1Char('\n')).toUtf8());
     QElapsedTimer waited;
     waited.start();
     while (waited.elapsed() < 5000 && process_.state() == QProcess::Running) {
-      // Other lines (the banner, notes) are not replies.
       while (process_.canReadLine()) {
         const QString reply = QString::fromUtf8(process_.readLine()).trimmed();
         if (reply.startsWith(QStringLiteral("ok")) || reply.startsWith(QStringLiteral("error"))) {
           return reply;
         }
       }
-      // The monitor in this thread goes on meanwhile; the reply is taken the moment it comes.
       QCoreApplication::processEvents();
       process_.waitForReadyRead(1);
     }
@@ -70,7 +67,7 @@ class SimProcess {
   // The status line's keys ("relays_on", "silent_outputs", "routes"...) and their values.
   QMap<QString, QString> StatusFields() {
     QMap<QString, QString> fields;
-    for (const QString& pair : Command(QStringLiteral("status")).split(QLatin1Char(' '))) {
+    for (const QString& pair : Command("status").split(QLatin1Char(' '))) {
       fields.insert(pair.section(QLatin1Char('='), 0, 0), pair.section(QLatin1Char('='), 1));
     }
     return fields;
@@ -79,15 +76,11 @@ class SimProcess {
   bool RelayOn() { return Status(QStringLiteral("relays_on")) == QStringLiteral("1"); }
 
   void Kill() {
-    if (process_.state() != QProcess::NotRunning) {
-      process_.kill();
-      process_.waitForFinished(3000);
-    }
+    process_.kill();
+    process_.waitForFinished(3000);
   }
 
  private:
-  quint16 port_;
-  QStringList options_;
   QProcess process_;
 };
 
@@ -102,6 +95,7 @@ class SimFixture : public ::testing::Test {
     }
   }
 
+  // On the port of the last one, if any.
   void StartSim(const QStringList& options = {}) {
     ASSERT_TRUE(dir.isValid());
     port = port != 0 ? port : FreePort();
@@ -125,19 +119,18 @@ class SimFixture : public ::testing::Test {
   // What a test starts beside the monitor, before its exchange.
   virtual void Started() {}
 
-  bool WaitForExchange(int ms = 10000) {
+  bool WaitForExchange() {
     return QTest::qWaitFor(
         [&] {
           const State& s = monitor->state();
-          return s.Connected && s.linkState.ExchangeComplete && s.requests.Req1 == 0 &&
-                 s.requests.Req2 == 0 && s.requests.Req3 == 0 && s.requests.Req4 == 0;
+          return s.Connected && s.linkState.ExchangeComplete && !AnyRequestOutstanding(s);
         },
-        ms);
+        10000);
   }
 
-  bool LampBecomes(int panel, const Rgb& colour, int ms = 10000) {
+  bool LampBecomes(int panel, const Rgb& colour) {
     return QTest::qWaitFor([&] { return monitor->state().panels.outputs[panel].lamp == colour; },
-                           ms);
+                           10000);
   }
 
   QString Log(const char* name = "EventLog.txt") const {
