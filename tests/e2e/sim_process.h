@@ -4,8 +4,8 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QMap>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTcpServer>
 #include <QTemporaryDir>
 #include <QTest>
@@ -64,15 +64,13 @@ class SimProcess {
     return QString();
   }
 
-  // The status line's keys ("relays_on", "silent_outputs", "routes"...) and their values.
-  QMap<QString, QString> StatusFields() {
-    QMap<QString, QString> fields;
-    for (const QString& pair : Command("status").split(QLatin1Char(' '))) {
-      fields.insert(pair.section(QLatin1Char('='), 0, 0), pair.section(QLatin1Char('='), 1));
-    }
-    return fields;
+  // A value of the status line ("relays_on", "silent_outputs", "routes"...).
+  QString Status(const QString& key) {
+    const QString status = Command(QStringLiteral("status"));
+    return QRegularExpression(QLatin1Char(' ') + key + QStringLiteral("=(\\S*)"))
+        .match(status)
+        .captured(1);
   }
-  QString Status(const QString& key) { return StatusFields().value(key); }
   bool RelayOn() { return Status(QStringLiteral("relays_on")) == QStringLiteral("1"); }
 
   void Kill() {
