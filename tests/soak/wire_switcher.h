@@ -29,10 +29,9 @@ class WireSwitcher {
         link_(link),
         state_(kInputs, kOutputs, kRelays, sim::SilenceConfig{.detectTime = 2, .returnTime = 1}) {}
 
-  // Once after every poll tick, at nowMs on the switcher's clock: accepts a connection attempt
-  // (opening the exchange with a type request), reports the silence changes that have become
-  // due and answers everything the monitor wrote, so a command is carried out and reported
-  // before the next tick.
+  // Once after every poll tick, at nowMs on the switcher's clock: accepts a connection attempt,
+  // reports the silence changes that have become due and answers everything the monitor wrote,
+  // so a command is carried out and reported before the next tick.
   void Serve(qint64 nowMs) {
     nowMs_ = nowMs;
     if (link_.opens > accepted_) {
@@ -69,7 +68,6 @@ class WireSwitcher {
     }
   }
 
-  const sim::SwitchState& state() const { return state_; }
   int latches = 0;
   int releases = 0;
 
@@ -110,15 +108,6 @@ class WireSwitcher {
       Deliver(sim::SilenceStatusReports(state_, 0, kOutputs));
     } else if (byte(0) == 0xFE && m.size() == 9) {
       Switch(sim::Read14(m, 1), sim::Read14(m, 3), sim::Read14(m, 5));
-    } else if (byte(0) == sim::kSilenceDetect && m.size() == 22 && byte(1) == sim::kSilenceConfig &&
-               sim::Read14(m, 2) == 1) {
-      const int o = sim::Read14(m, 4);
-      state_.outputs[o].config = sim::SilenceConfig{
-          sim::Read14(m, 6),  sim::Read14(m, 8),  sim::Read14(m, 10), sim::Read14(m, 12),
-          sim::Read14(m, 14), sim::Read14(m, 16), sim::Read14(m, 18)};
-      state_.outputs[o].dueMs = -1;
-      state_.Reconsider(o, nowMs_);
-      Deliver(sim::SilenceConfigReports(state_, o, 1));
     }
   }
 
