@@ -9,7 +9,6 @@
 #include <QTcpServer>
 #include <QTemporaryDir>
 #include <QTest>
-#include <cstdio>
 #include <memory>
 
 #include "monitor/monitor.h"
@@ -82,17 +81,9 @@ class SimProcess {
   QProcess process_;
 };
 
-// The whole monitor in this process against the simulator in its own; the folder is kept when
-// the test fails.
+// The whole monitor in this process against the simulator in its own.
 class SimFixture : public ::testing::Test {
  protected:
-  void TearDown() override {
-    if (HasFailure()) {
-      dir.setAutoRemove(false);
-      std::fprintf(stderr, "kept test folder %s\n", qPrintable(dir.path()));
-    }
-  }
-
   // On the port of the last one, if any.
   void StartSim(const QStringList& options = {}) {
     ASSERT_TRUE(dir.isValid());
