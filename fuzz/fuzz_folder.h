@@ -1,42 +1,28 @@
-// A temporary folder shared by the file-reading fuzz targets: each input is written into it as
-// the file under test, and everything the reader leaves behind is removed after the run.
+// A temporary folder shared by the file-reading fuzz targets, removed at exit.
 #pragma once
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
-#include <cstddef>
-#include <cstdint>
 
 namespace zrn::fuzz {
 
-// The folder with a trailing separator, as State::AppPath expects it; removed at exit.
-inline const QString& FolderPath() {
+// Empties the folder of what the last input left (set-aside ".bad-" copies, error logs), so it
+// does not grow from run to run, writes the input as the file under test and returns the
+// folder with a trailing separator, as State::AppPath expects it.
+inline QString WriteInput(const QString& fileName, const uint8_t* data, size_t size) {
   static QTemporaryDir dir(QDir::tempPath() + QStringLiteral("/zrn-fuzz-XXXXXX"));
-  static const QString path = dir.isValid() ? dir.path() + QLatin1Char('/') : QString();
-  if (path.isEmpty()) {
-    __builtin_trap();
+  QDir folder(dir.path());
+  for (const QString& name : folder.entryList(QDir::Files | QDir::Hidden | QDir::System)) {
+    folder.remove(name);
   }
-  return path;
-}
-
-// Replaces the file under test with the input.
-inline void WriteInput(const QString& fileName, const uint8_t* data, size_t size) {
-  QFile file(FolderPath() + fileName);
+  QFile file(folder.filePath(fileName));
   const auto length = static_cast<qint64>(size);
-  if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) ||
+  if (!dir.isValid() || !file.open(QIODevice::WriteOnly) ||
       file.write(reinterpret_cast<const char*>(data), length) != length) {
     __builtin_trap();
   }
-}
-
-// Removes the input, set-aside ".bad-" copies and the error logs of failed reads, so the
-// folder does not grow from run to run.
-inline void ClearFolder() {
-  QDir dir(FolderPath());
-  for (const QString& name : dir.entryList(QDir::Files | QDir::Hidden | QDir::System)) {
-    dir.remove(name);
-  }
+  return dir.path() + QLatin1Char('/');
 }
 
 }  // namespace zrn::fuzz

@@ -1,16 +1,12 @@
 // Feeds arbitrary bytes to the configuration reader as zrnconfig.ini and checks that the output
 // table it leaves behind is always usable.
-#include <cstddef>
-#include <cstdint>
-
 #include "core/state.h"
 #include "fuzz/fuzz_folder.h"
 #include "storage/config_file.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  zrn::fuzz::WriteInput(QStringLiteral("zrnconfig.ini"), data, size);
   zrn::State s;
-  s.AppPath = zrn::fuzz::FolderPath();
+  s.AppPath = zrn::fuzz::WriteInput(QStringLiteral("zrnconfig.ini"), data, size);
   const bool ok = zrn::ReadConfiguration(s);
   if (ok && (s.OutputCount < 1 || s.Outputs.size() < static_cast<size_t>(s.OutputCount))) {
     __builtin_trap();
@@ -20,6 +16,5 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
       __builtin_trap();
     }
   }
-  zrn::fuzz::ClearFolder();
   return 0;
 }

@@ -2,7 +2,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QProcess>
 #include <QTemporaryDir>
 
@@ -24,8 +23,18 @@ QProcessEnvironment NoDisplay() {
   return env;
 }
 
-// Asking for help or the version, or mistyping an option, is answered on the terminal without a
-// display, without a connection and without a file written beside the program.
+// CPU seconds a process has used, from /proc.
+double CpuSeconds(qint64 pid) {
+  const QString line = test::ReadText(QStringLiteral("/proc/%1/stat").arg(pid));
+  // Fields after the command name, which is in parentheses: utime and stime are 14 and 15.
+  const QStringList fields = line.mid(line.lastIndexOf(QLatin1Char(')')) + 2).split(' ');
+  return (fields.value(11).toDouble() + fields.value(12).toDouble()) / sysconf(_SC_CLK_TCK);
+}
+
+using ProgramsWithSim = test::SimFixture;
+
+// Asking for help or the version, or a mistyped or bad option, is answered on the terminal
+// without a display, without a connection and without a file written beside the program.
 TEST(ProgramCommandLine, HelpAndVersionAnswerAndLeaveTheFolderAlone) {
   struct Case {
     const char* program;
@@ -33,14 +42,21 @@ TEST(ProgramCommandLine, HelpAndVersionAnswerAndLeaveTheFolderAlone) {
     int exitCode;
     const char* says;
   };
+  const char* const sim = "zrn-switcher-sim";
   const Case cases[] = {
       {"zrn-pennaro", {"--help"}, 0, "--headless"},
       {"zrn-pennaro", {"-h"}, 0, "--folder <dir>"},
       {"zrn-pennaro", {"--version"}, 0, "zrn-pennaro " ZRN_TEST_VERSION},
       {"zrn-pennaro", {"--bogus"}, 1, "Unknown option 'bogus'"},
       {"zrn-pennaro", {"--headless", "extra"}, 2, "unexpected argument: extra"},
-      {"zrn-switcher-sim", {"--help"}, 0, "input N silent|audio|toggle"},
-      {"zrn-switcher-sim", {"--version"}, 0, "zrn-switcher-sim " ZRN_TEST_VERSION},
+      {sim, {"--help"}, 0, "input N silent|audio|toggle"},
+      {sim, {"--version"}, 0, "zrn-switcher-sim " ZRN_TEST_VERSION},
+      // Every refusal names the option at fault.
+      {sim, {"--inputs", "0"}, 1, "--inputs: '0' is not a whole number from 1 to 16382"},
+      {sim, {"--port", "http"}, 1, "--port: 'http' is not a whole number from 0 to 65535"},
+      {sim, {"--control", "70000"}, 1, "--control: '70000' is not a whole number from 1 to 65535"},
+      {sim, {"--listen", "nowhere"}, 1, "--listen: not an address: nowhere"},
+      {sim, {"--scenario", "/nonexistent"}, 1, "--scenario: cannot read /nonexistent"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(
@@ -64,92 +80,93 @@ TEST(ProgramCommandLine, HelpAndVersionAnswerAndLeaveTheFolderAlone) {
   }
 }
 
-// The monitor in a server rack: no window, no display; a silence latches the alarm relay, and
-// SIGTERM ends it through its normal shut-down. With a window SIGTERM closes the window the same
-// way.
-TEST(ProgramCommandLine, SilenceLatchesTheRelayAndSigtermClosesCleanly) {
-  const struct {
-    QStringList args;
-    const char* platform;
-  } cases[] = {{{"--headless"}, nullptr}, {{}, "offscreen"}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.args.isEmpty() ? "with a window" : "headless");
-    QTemporaryDir dir;
-    ASSERT_TRUE(dir.isValid());
-    const quint16 port = test::FreePort();
-    test::SimProcess sim(port, {"--detect", "0", "--return", "0"});
-    ASSERT_TRUE(sim.Start());
-    const QString folder = dir.filePath(QStringLiteral("data"));
-    ASSERT_TRUE(QDir().mkpath(folder));
-    ASSERT_TRUE(test::WriteMonitorConfig(folder, {.port = port, .watched = 4}));
-
-    QProcess monitor;
-    QProcessEnvironment env = NoDisplay();
-    if (c.platform != nullptr) {
-      env.insert(QStringLiteral("QT_QPA_PLATFORM"), QLatin1String(c.platform));
-    }
-    monitor.setProcessEnvironment(env);
-    monitor.start(Built("zrn-pennaro"), c.args + QStringList{QStringLiteral("--folder"), folder});
-    ASSERT_TRUE(monitor.waitForStarted(5000));
-    ASSERT_TRUE(QTest::qWaitFor(
-        [&] { return sim.Status(QStringLiteral("connections")) == QStringLiteral("1"); }, 10000));
-    QTest::qWait(1500);  // the start-up exchange
-    sim.Command(QStringLiteral("input 2 silent"));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return sim.RelayOn(); }, 15000));
-
-    monitor.terminate();  // SIGTERM
-    ASSERT_TRUE(monitor.waitForFinished(10000));
-    EXPECT_EQ(monitor.exitStatus(), QProcess::NormalExit);
-    EXPECT_EQ(monitor.exitCode(), 0);
-    const QString log = test::ReadText(folder + QStringLiteral("/EventLog.txt"));
-    EXPECT_TRUE(log.contains(QStringLiteral("Loss Alarm Report On"))) << log.toStdString();
-    EXPECT_TRUE(log.trimmed().endsWith(QStringLiteral("Monitor Closed"))) << log.toStdString();
-  }
-}
-
-// Installed where the operator may not write, the monitor keeps its files in the per-user data
-// folder and says so once.
-TEST(ProgramCommandLine, AnUnwritableProgramFolderFallsBackToTheUserDataFolder) {
-  QTemporaryDir dir;
-  ASSERT_TRUE(dir.isValid());
+// Two monitors configured with the same alarm relay, each watching its own output: one in a
+// server rack (no window, no display, its folder named), one with a window, installed where the
+// operator may not write, so that it keeps its files in the per-user data folder and says so
+// once. The relay stays latched while either wants it, without a command storm or a busy
+// processor, and SIGTERM ends each through its normal shut-down.
+TEST_F(ProgramsWithSim, TwoMonitorsShareOneRelayCalmlyAndEndOnSigterm) {
+  // Silence and audio are reported at once: what is measured is the monitors' own pace.
+  ASSERT_NO_FATAL_FAILURE(StartSim({"--detect", "0", "--return", "0"}));
   const QString bin = dir.filePath(QStringLiteral("bin"));
-  const QString home = dir.filePath(QStringLiteral("home"));
-  ASSERT_TRUE(QDir().mkpath(bin) && QDir().mkpath(home));
+  const QString data = dir.filePath(QStringLiteral("data"));
+  const QString folders[2] = {dir.filePath(QStringLiteral("rack")),
+                              data + QStringLiteral("/zrn-pennaro")};
+  ASSERT_TRUE(QDir().mkpath(bin) && QDir().mkpath(folders[0]) && QDir().mkpath(folders[1]));
   ASSERT_TRUE(QFile::copy(Built("zrn-pennaro"), bin + QStringLiteral("/zrn-pennaro")));
-  // Root writes anywhere, so the program then runs as nobody.
-  const bool asNobody = ::getuid() == 0;
+  for (int m = 0; m < 2; ++m) {
+    ASSERT_TRUE(test::WriteMonitorConfig(folders[m], {.port = port, .watched = 1, .first = 2 + m}));
+  }
   using P = QFileDevice;
-  const QFileDevice::Permissions readable = P::ReadOwner | P::ExeOwner | P::ReadOther | P::ExeOther;
+  const P::Permissions readable = P::ReadOwner | P::ExeOwner | P::ReadOther | P::ExeOther;
   ASSERT_TRUE(QFile::setPermissions(dir.path(), readable | P::WriteOwner));
   ASSERT_TRUE(QFile::setPermissions(bin, readable));
-  ASSERT_TRUE(QFile::setPermissions(home, readable | P::WriteOwner | P::WriteOther));
+  ASSERT_TRUE(QFile::setPermissions(folders[1], readable | P::WriteOwner | P::WriteOther));
 
-  QProcess monitor;
+  QProcess monitors[2];
   QProcessEnvironment env = NoDisplay();
-  env.insert(QStringLiteral("HOME"), home);
-  env.remove(QStringLiteral("XDG_DATA_HOME"));
-  monitor.setProcessEnvironment(env);
-  if (asNobody) {
-    monitor.setChildProcessModifier([] {
+  monitors[0].setProcessEnvironment(env);
+  monitors[0].start(Built("zrn-pennaro"), {"--headless", "--folder", folders[0]});
+  env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+  env.insert(QStringLiteral("XDG_DATA_HOME"), data);
+  monitors[1].setProcessEnvironment(env);
+  // Root writes anywhere, so the installed one then runs as nobody.
+  if (::getuid() == 0) {
+    monitors[1].setChildProcessModifier([] {
       if (::setgid(65534) != 0 || ::setuid(65534) != 0) {
         ::_exit(99);
       }
     });
   }
-  monitor.start(bin + QStringLiteral("/zrn-pennaro"), {QStringLiteral("--headless")});
-  ASSERT_TRUE(monitor.waitForStarted(5000));
-  const QString log = home + QStringLiteral("/.local/share/zrn-pennaro/EventLog.txt");
-  EXPECT_TRUE(
-      QTest::qWaitFor([&] { return test::ReadText(log).contains("is not writable"); }, 10000));
-  monitor.terminate();
-  ASSERT_TRUE(monitor.waitForFinished(10000));
-  EXPECT_EQ(monitor.exitCode(), 0) << monitor.readAllStandardError().toStdString();
-  const QString text = test::ReadText(log);
-  EXPECT_EQ(text.count(QStringLiteral("Files are kept in ") + QFileInfo(log).path() +
-                       QStringLiteral(" (") + bin + QStringLiteral(" is not writable)")),
-            1)
-      << text.toStdString();
-  EXPECT_TRUE(text.trimmed().endsWith(QStringLiteral("Monitor Closed")));
+  monitors[1].start(bin + QStringLiteral("/zrn-pennaro"), {});
+  ASSERT_TRUE(monitors[0].waitForStarted(5000) && monitors[1].waitForStarted(5000));
+  auto log = [&](int m) { return test::ReadText(folders[m] + QStringLiteral("/EventLog.txt")); };
+  ASSERT_TRUE(QTest::qWaitFor(
+      [&] { return sim->Status(QStringLiteral("connections")) == QStringLiteral("2"); }, 10000));
+  QTest::qWait(2000);  // both exchanges complete
+  auto relayOn = [&] { return sim->RelayOn(); };
+
+  // The first monitor wants the relay, the second does not: neither fights the other.
+  sim->Command(QStringLiteral("input 2 silent"));
+  ASSERT_TRUE(QTest::qWaitFor(relayOn, 10000));
+  const qint64 before = sim->Status(QStringLiteral("relay_commands")).toLongLong();
+  const double cpuBefore[2] = {CpuSeconds(monitors[0].processId()),
+                               CpuSeconds(monitors[1].processId())};
+  QElapsedTimer window;
+  window.start();
+  while (window.elapsed() < 5000) {
+    ASSERT_TRUE(relayOn()) << "released after " << window.elapsed() << " ms";
+    QTest::qWait(500);
+  }
+  const double seconds = window.elapsed() / 1000.0;
+  EXPECT_LT(sim->Status(QStringLiteral("relay_commands")).toLongLong() - before, 10);
+  for (int m = 0; m < 2; ++m) {
+    const double used = CpuSeconds(monitors[m].processId()) - cpuBefore[m];
+    EXPECT_LT(used / seconds, 0.02) << "monitor " << m << " used " << used << " s";
+  }
+
+  // Both want it, then the one that latched it no longer does: it stays latched for the other.
+  sim->Command(QStringLiteral("input 3 silent"));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return log(1).contains("Loss Alarm Report On"); }, 10000));
+  sim->Command(QStringLiteral("input 2 audio"));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return log(0).contains("Loss Alarm Report Off"); }, 10000));
+  QTest::qWait(2000);
+  EXPECT_TRUE(relayOn());
+  sim->Command(QStringLiteral("input 3 audio"));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !relayOn(); }, 10000));
+  EXPECT_LT(sim->Status(QStringLiteral("relay_commands")).toLongLong(), 12);
+
+  for (int m = 0; m < 2; ++m) {
+    monitors[m].terminate();
+    ASSERT_TRUE(monitors[m].waitForFinished(10000));
+    EXPECT_EQ(monitors[m].exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(monitors[m].exitCode(), 0);
+    EXPECT_TRUE(log(m).trimmed().endsWith(QStringLiteral("Monitor Closed")))
+        << log(m).toStdString();
+  }
+  EXPECT_EQ(log(1).count(
+                QStringLiteral("Files are kept in %1 (%2 is not writable)").arg(folders[1], bin)),
+            1);
   EXPECT_EQ(QDir(bin).entryList(QDir::Files | QDir::Hidden), QStringList{"zrn-pennaro"});
   QFile::setPermissions(bin, readable | P::WriteOwner);  // so the folder can be removed
 }

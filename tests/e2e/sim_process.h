@@ -4,16 +4,16 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QMap>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTcpServer>
 #include <QTemporaryDir>
 #include <QTest>
-#include <cstdio>
 #include <memory>
 
 #include "monitor/monitor.h"
 #include "support/monitor_config.h"
+#include "switcher/startup_exchange.h"
 
 namespace zrn::test {
 
@@ -32,76 +32,59 @@ inline QString ReadText(const QString& path) {
 // The switcher simulator as a separate program, driven through its standard input.
 class SimProcess {
  public:
-  explicit SimProcess(quint16 port, QStringList options = {})
-      : port_(port), options_(std::move(options)) {}
+  explicit SimProcess(quint16 port, const QStringList& options = {}) {
+    process_.setProgram(QCoreApplication::applicationDirPath() + "/zrn-switcher-sim");
+    process_.setArguments(QStringList{QStringLiteral("--port"), QString::number(port)} + options);
+  }
   ~SimProcess() { Kill(); }
 
+  // Ready once it answers a command.
   bool Start() {
-    process_.setProgram(QCoreApplication::applicationDirPath() +
-                        QStringLiteral("/zrn-switcher-sim"));
-    process_.setArguments(QStringList{QStringLiteral("--port"), QString::number(port_)} + options_);
-    process_.setProcessChannelMode(QProcess::SeparateChannels);
     process_.start();
-    // Ready once it answers a command.
-    return process_.waitForStarted(5000) &&
-           Command(QStringLiteral("status")).startsWith(QStringLiteral("ok"));
+    return process_.waitForStarted(5000) && Command("status").startsWith(QStringLiteral("ok"));
   }
 
-  // Sends one control line and returns the reply line.
+  // Sends one control line and returns the reply line; other lines (the banner, notes) are not
+  // replies. The monitor in this thread goes on meanwhile.
   QString Command(const QString& line) {
     process_.write((line + QLatin1Char('\n')).toUtf8());
     QElapsedTimer waited;
     waited.start();
     while (waited.elapsed() < 5000 && process_.state() == QProcess::Running) {
-      // Other lines (the banner, notes) are not replies.
       while (process_.canReadLine()) {
         const QString reply = QString::fromUtf8(process_.readLine()).trimmed();
         if (reply.startsWith(QStringLiteral("ok")) || reply.startsWith(QStringLiteral("error"))) {
           return reply;
         }
       }
-      // The monitor in this thread goes on meanwhile; the reply is taken the moment it comes.
       QCoreApplication::processEvents();
       process_.waitForReadyRead(1);
     }
     return QString();
   }
 
-  // The status line's keys ("relays_on", "silent_outputs", "routes"...) and their values.
-  QMap<QString, QString> StatusFields() {
-    QMap<QString, QString> fields;
-    for (const QString& pair : Command(QStringLiteral("status")).split(QLatin1Char(' '))) {
-      fields.insert(pair.section(QLatin1Char('='), 0, 0), pair.section(QLatin1Char('='), 1));
-    }
-    return fields;
+  // A value of the status line ("relays_on", "silent_outputs", "routes"...).
+  QString Status(const QString& key) {
+    const QString status = Command(QStringLiteral("status"));
+    return QRegularExpression(QLatin1Char(' ') + key + QStringLiteral("=(\\S*)"))
+        .match(status)
+        .captured(1);
   }
-  QString Status(const QString& key) { return StatusFields().value(key); }
   bool RelayOn() { return Status(QStringLiteral("relays_on")) == QStringLiteral("1"); }
 
   void Kill() {
-    if (process_.state() != QProcess::NotRunning) {
-      process_.kill();
-      process_.waitForFinished(3000);
-    }
+    process_.kill();
+    process_.waitForFinished(3000);
   }
 
  private:
-  quint16 port_;
-  QStringList options_;
   QProcess process_;
 };
 
-// The whole monitor in this process against the simulator in its own; the folder is kept when
-// the test fails.
+// The whole monitor in this process against the simulator in its own.
 class SimFixture : public ::testing::Test {
  protected:
-  void TearDown() override {
-    if (HasFailure()) {
-      dir.setAutoRemove(false);
-      std::fprintf(stderr, "kept test folder %s\n", qPrintable(dir.path()));
-    }
-  }
-
+  // On the port of the last one, if any.
   void StartSim(const QStringList& options = {}) {
     ASSERT_TRUE(dir.isValid());
     port = port != 0 ? port : FreePort();
@@ -125,19 +108,18 @@ class SimFixture : public ::testing::Test {
   // What a test starts beside the monitor, before its exchange.
   virtual void Started() {}
 
-  bool WaitForExchange(int ms = 10000) {
+  bool WaitForExchange() {
     return QTest::qWaitFor(
         [&] {
           const State& s = monitor->state();
-          return s.Connected && s.linkState.ExchangeComplete && s.requests.Req1 == 0 &&
-                 s.requests.Req2 == 0 && s.requests.Req3 == 0 && s.requests.Req4 == 0;
+          return s.Connected && s.linkState.ExchangeComplete && !AnyRequestOutstanding(s);
         },
-        ms);
+        10000);
   }
 
-  bool LampBecomes(int panel, const Rgb& colour, int ms = 10000) {
+  bool LampBecomes(int panel, const Rgb& colour) {
     return QTest::qWaitFor([&] { return monitor->state().panels.outputs[panel].lamp == colour; },
-                           ms);
+                           10000);
   }
 
   QString Log(const char* name = "EventLog.txt") const {

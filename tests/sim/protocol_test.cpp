@@ -1,32 +1,63 @@
 #include <gtest/gtest.h>
 
 #include <QElapsedTimer>
+#include <QFile>
+#include <QRegularExpression>
+#include <QSignalSpy>
+#include <QTcpSocket>
+#include <QTemporaryDir>
 #include <QTest>
 
-#include "monitor_client.h"
 #include "sim/control.h"
+#include "sim/scenario.h"
 #include "sim/sim_switcher.h"
+#include "sim/trace.h"
 
 namespace zrn::sim {
 namespace {
 
-using test::Bytes;
-using test::MonitorClient;
+// Wire bytes as a hex dump: Hex("F6 01 FF").
+QByteArray Hex(const char* dump) {
+  return QByteArray::fromHex(dump);
+}
 
-const QByteArray kTypeRequest = Bytes({0x81, 0x64, 0x64, 0xFF});
-// The monitor's start-up: type answer, info request, advanced request.
-const QByteArray kTypeAnswer = Bytes({0x81, 0x20, 0x01, 0x21, 0xFF});
-const QByteArray kStartInfoRequest = Bytes({0xF2, 0x00, 0x07, 0x04, 0x18, 0x00, 0x00, 0x00, 0x00,
-                                            0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x23, 0xFF});
-const QByteArray kStartAdvancedRequest =
-    Bytes({0xCD, 0x7F, 0x00, 0x02, 0x00, 0x5A, 0x00, 0x5B, 0x00, 0x36, 0xFF});
-
-bool ChecksumOk(const QByteArray& m) {
-  int sum = 0;
-  for (qsizetype i = 1; i < m.size() - 2; ++i) {
-    sum = (sum + static_cast<quint8>(m[i])) % 128;
+// The monitor's end of the wire, cut into messages by the end byte (or one byte for the
+// keep-alive and acknowledgement bytes).
+class MonitorClient {
+ public:
+  bool Connect(quint16 port) {
+    socket.connectToHost(QHostAddress::LocalHost, port);
+    return socket.waitForConnected(5000);
   }
-  return m.size() >= 3 && static_cast<quint8>(m[m.size() - 2]) == sum;
+  // The next message, or empty when none arrives within the time.
+  QByteArray Next(int timeoutMs = 5000) {
+    QByteArray message;
+    (void)QTest::qWaitFor(
+        [&] {
+          buffer += socket.readAll();
+          const auto first = static_cast<quint8>(buffer.isEmpty() ? 0 : buffer[0]);
+          const bool single = first == 0xF1 || first == 0xF3 || first == 0xF4 || first == 0xF5;
+          const qsizetype end = single ? 0 : buffer.indexOf(static_cast<char>(0xFF));
+          if (buffer.isEmpty() || end < 0) {
+            return false;
+          }
+          message = buffer.left(end + 1);
+          buffer.remove(0, end + 1);
+          return true;
+        },
+        timeoutMs);
+    return message;
+  }
+
+  QTcpSocket socket;
+  QByteArray buffer;
+};
+
+const QByteArray kTypeRequest = Hex("81 64 64 FF");
+
+QString ReadLine(QIODevice& device) {
+  (void)QTest::qWaitFor([&] { return device.canReadLine(); }, 5000);
+  return QString::fromUtf8(device.readLine()).trimmed();
 }
 
 class SimProtocol : public ::testing::Test {
@@ -47,109 +78,98 @@ class SimProtocol : public ::testing::Test {
 };
 
 TEST_F(SimProtocol, AnswersTheMonitorsStartUpInFullWithLargeTablesSplit) {
-  a.Write(kTypeAnswer + kStartInfoRequest + kStartAdvancedRequest);
+  // The monitor's start-up: type answer, info request, advanced request.
+  a.socket.write(
+      Hex("81 20 01 21 FF F2 00 07 04 18 00 00 00 00 00 00 00 00 00 00 23 FF "
+          "CD 7F 00 02 00 5A 00 5B 00 36 FF"));
   QList<QByteArray> got;
   for (QByteArray m = a.Next(); !m.isEmpty(); m = a.Next(500)) {
-    EXPECT_TRUE(ChecksumOk(m)) << m.toHex(' ').toStdString();
+    int sum = 0;
+    for (qsizetype i = 1; i < m.size() - 2; ++i) {
+      sum += static_cast<quint8>(m[i]);
+    }
+    EXPECT_EQ(static_cast<quint8>(m[m.size() - 2]), sum % 128) << m.toHex(' ').toStdString();
     got << m;
   }
   ASSERT_EQ(got.size(), 11);
 
   // Names: inputs, outputs, optos, relays, each table whole, 8 characters a name.
-  EXPECT_EQ(got[0].left(15), Bytes({0xFC, 0x0A, 0x08, 0x64, 0x00, 0x00, 0x00}) + "STUDIO A");
+  EXPECT_EQ(got[0].left(15), Hex("FC 0A 08 64 00 00 00") + "STUDIO A");
   EXPECT_EQ(got[0].size(), 10 * 100 + 9);
-  EXPECT_EQ(got[1].left(7), Bytes({0xFC, 0x14, 0x08, 0x64, 0x00, 0x00, 0x00}));
-  EXPECT_EQ(got[1].mid(7 + 10 * 99, 10), QByteArray("OUT 100 ") + Bytes({0x63, 0x00}));
-  EXPECT_EQ(got[2], Bytes({0xFC, 0x1E, 0x08, 0x02, 0x00, 0x00, 0x00, 0x4F, 0x4E, 0x20,
-                           0x41, 0x49, 0x52, 0x20, 0x20, 0x00, 0x00, 0x4D, 0x49, 0x43,
-                           0x20, 0x4C, 0x49, 0x56, 0x45, 0x01, 0x00, 0x2B, 0xFF}));
-  EXPECT_EQ(got[3].left(7), Bytes({0xFC, 0x28, 0x08, 0x04, 0x00, 0x00, 0x00}));
+  EXPECT_EQ(got[1].left(7), Hex("FC 14 08 64 00 00 00"));
+  EXPECT_EQ(got[1].mid(7 + 10 * 99, 10), QByteArray("OUT 100 ") + Hex("63 00"));
+  EXPECT_EQ(got[2], Hex("FC 1E 08 02 00 00 00 4F 4E 20 41 49 52 20 20 00 00 4D 49 43 20 4C 49 56 "
+                        "45 01 00 2B FF"));
+  EXPECT_EQ(got[3].left(7), Hex("FC 28 08 04 00 00 00"));
   EXPECT_EQ(got[3].size(), 10 * 4 + 9);
 
   // The crosspoint map in two reports of 64 and 36 outputs, input n on output n.
-  EXPECT_EQ(got[4].left(6), Bytes({0xF6, 0x01, 0x40, 0x00, 0x00, 0x00}));
+  EXPECT_EQ(got[4].left(6), Hex("F6 01 40 00 00 00"));
   EXPECT_EQ(got[4].size(), 8 + 64 * 7);
-  EXPECT_EQ(got[4].mid(6 + 5 * 7, 7), Bytes({0x01, 0x00, 0x00, 0x05, 0x00, 0x00, 0x00}));
-  EXPECT_EQ(got[5].left(6), Bytes({0xF6, 0x01, 0x24, 0x00, 0x40, 0x00}));
+  EXPECT_EQ(got[4].mid(6 + 5 * 7, 7), Hex("01 00 00 05 00 00 00"));
+  EXPECT_EQ(got[5].left(6), Hex("F6 01 24 00 40 00"));
   EXPECT_EQ(got[5].size(), 8 + 36 * 7);
-  EXPECT_EQ(got[5].mid(6 + 35 * 7, 7), Bytes({0x01, 0x00, 0x00, 0x63, 0x00, 0x00, 0x00}));
+  EXPECT_EQ(got[5].mid(6 + 35 * 7, 7), Hex("01 00 00 63 00 00 00"));
 
-  EXPECT_EQ(got[6], Bytes({0xF7, 0x28, 0x04, 0x00, 0x00, 0x00, 0x00, 0x01, 0x00, 0x00, 0x02, 0x00,
-                           0x00, 0x03, 0x00, 0x00, 0x32, 0xFF}));
+  EXPECT_EQ(got[6], Hex("F7 28 04 00 00 00 00 01 00 00 02 00 00 03 00 00 32 FF"));
 
   // Detector configuration: message only, enabled, -20 dB, 1 s both ways; then all audible.
-  EXPECT_EQ(got[7].left(20), Bytes({0xCB, 0x00, 0x40, 0x00, 0x00, 0x00, 0x09, 0x02, 0x7F, 0x7F,
-                                    0x38, 0x06, 0x01, 0x00, 0x01, 0x00, 0x00, 0x08, 0x00, 0x00}));
+  EXPECT_EQ(got[7].left(20), Hex("CB 00 40 00 00 00 09 02 7F 7F 38 06 01 00 01 00 00 08 00 00"));
   EXPECT_EQ(got[7].size(), 14 * 64 + 8);
-  EXPECT_EQ(got[8].left(6), Bytes({0xCB, 0x00, 0x24, 0x00, 0x40, 0x00}));
+  EXPECT_EQ(got[8].left(6), Hex("CB 00 24 00 40 00"));
   EXPECT_EQ(got[8].size(), 14 * 36 + 8);
-  EXPECT_EQ(got[9], Bytes({0xCB, 0x0B, 0x40, 0x00, 0x00, 0x00}) + QByteArray(64, '\0') +
-                        Bytes({0x4B, 0xFF}));
-  EXPECT_EQ(got[10], Bytes({0xCB, 0x0B, 0x24, 0x00, 0x40, 0x00}) + QByteArray(36, '\0') +
-                         Bytes({0x6F, 0xFF}));
+  EXPECT_EQ(got[9], Hex("CB 0B 40 00 00 00") + QByteArray(64, '\0') + Hex("4B FF"));
+  EXPECT_EQ(got[10], Hex("CB 0B 24 00 40 00") + QByteArray(36, '\0') + Hex("6F FF"));
 
   // The password on its own request; a request with a wrong checksum is not answered.
-  a.Write(Bytes({0xF2, 0x02, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0x02, 0xFF}));
-  EXPECT_EQ(a.Next(),
-            Bytes({0x80, 0x00, 0x07, 0x50, 0x45, 0x4E, 0x4E, 0x41, 0x52, 0x4F, 0x1A, 0xFF}));
-  a.Write(Bytes({0xF2, 0x02, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0x03, 0xFF}));
-  EXPECT_TRUE(a.Quiet(200));
+  a.socket.write(Hex("F2 02 00 00 00 00 00 00 00 00 00 00 00 00 00 02 FF"));
+  EXPECT_EQ(a.Next(), Hex("80 00 07 50 45 4E 4E 41 52 4F 1A FF"));
+  a.socket.write(Hex("F2 02 00 00 00 00 00 00 00 00 00 00 00 00 00 03 FF"));
+  EXPECT_EQ(a.Next(200), QByteArray());
 }
 
 TEST_F(SimProtocol, CommandsChangeTheSwitcherAndEveryMonitorHearsIt) {
   MonitorClient b;
   ASSERT_TRUE(b.Connect(sim.Port()));
   ASSERT_EQ(b.Next(), kTypeRequest);
-  const auto both = [&](const QByteArray& expected) {
-    EXPECT_EQ(a.Next(), expected);
-    EXPECT_EQ(b.Next(), expected);
+  const struct {
+    MonitorClient* from;
+    const char* sends;
+    const char* bothHear;
+  } steps[] = {
+      // Input 12 to output 7, latch relay 3, release relay 1.
+      {&a, "FE 04 00 0B 00 06 00 15 FF", "F6 01 01 00 06 00 01 00 00 0B 00 00 00 14 FF"},
+      {&b, "FE 44 00 00 00 02 00 46 FF", "F7 28 01 00 02 00 01 2C FF"},
+      {&a, "FE 40 00 00 00 00 00 40 FF", "F7 28 01 00 00 00 00 29 FF"},
+      // A detector configuration is stored and reported back as sent.
+      {&a, "CB 00 01 00 14 00 09 02 7F 7F 38 06 08 00 05 00 00 08 00 00 71 FF",
+       "CB 00 01 00 14 00 09 02 7F 7F 38 06 08 00 05 00 00 08 00 00 71 FF"},
+      // Output 7 cleared: nothing routed.
+      {&a, "FE 00 00 7F 7F 06 00 04 FF", "F6 01 01 00 06 00 00 00 00 08 FF"},
   };
-
-  // Input 12 to output 7.
-  a.Write(Bytes({0xFE, 0x04, 0x00, 0x0B, 0x00, 0x06, 0x00, 0x15, 0xFF}));
-  both(Bytes(
-      {0xF6, 0x01, 0x01, 0x00, 0x06, 0x00, 0x01, 0x00, 0x00, 0x0B, 0x00, 0x00, 0x00, 0x14, 0xFF}));
-  // Latch relay 3, then release relay 1.
-  b.Write(Bytes({0xFE, 0x44, 0x00, 0x00, 0x00, 0x02, 0x00, 0x46, 0xFF}));
-  both(Bytes({0xF7, 0x28, 0x01, 0x00, 0x02, 0x00, 0x01, 0x2C, 0xFF}));
-  a.Write(Bytes({0xFE, 0x40, 0x00, 0x00, 0x00, 0x00, 0x00, 0x40, 0xFF}));
-  both(Bytes({0xF7, 0x28, 0x01, 0x00, 0x00, 0x00, 0x00, 0x29, 0xFF}));
-  // A configuration is stored and reported back as sent.
-  const QByteArray config =
-      Bytes({0xCB, 0x00, 0x01, 0x00, 0x14, 0x00, 0x09, 0x02, 0x7F, 0x7F, 0x38,
-             0x06, 0x08, 0x00, 0x05, 0x00, 0x00, 0x08, 0x00, 0x00, 0x71, 0xFF});
-  a.Write(config);
-  both(config);
-  EXPECT_EQ(sim.State().outputs[20].config.detectTime, 8);
+  for (const auto& step : steps) {
+    step.from->socket.write(Hex(step.sends));
+    EXPECT_EQ(a.Next().toHex(' ').toUpper().toStdString(), step.bothHear) << step.sends;
+    EXPECT_EQ(b.Next().toHex(' ').toUpper().toStdString(), step.bothHear) << step.sends;
+  }
   // Relay 5 does not exist: no report, the keep-alive answer comes next.
-  a.Write(Bytes({0xFE, 0x44, 0x00, 0x00, 0x00, 0x04, 0x00, 0x48, 0xFF, 0xF5}));
-  EXPECT_EQ(a.Next(), Bytes({0xF4}));
-
-  // Clearing output 7 leaves it with nothing routed, which is silence once the detect time is up.
-  QElapsedTimer clock;
-  clock.start();
-  a.Write(Bytes({0xFE, 0x00, 0x00, 0x7F, 0x7F, 0x06, 0x00, 0x04, 0xFF}));
-  both(Bytes({0xF6, 0x01, 0x01, 0x00, 0x06, 0x00, 0x00, 0x00, 0x00, 0x08, 0xFF}));
-  both(Bytes({0xCB, 0x0A, 0x01, 0x00, 0x06, 0x00, 0x01, 0x12, 0xFF}));
-  EXPECT_GE(clock.elapsed(), 900);
-
+  a.socket.write(Hex("FE 44 00 00 00 04 00 48 FF F5"));
+  EXPECT_EQ(a.Next(), Hex("F4"));
   const QString status = StatusLine(sim);
   EXPECT_TRUE(status.contains(QLatin1String(" relays_on=3 "))) << status.toStdString();
-  EXPECT_TRUE(status.contains(QLatin1String(" silent_outputs=7 "))) << status.toStdString();
   EXPECT_TRUE(status.contains(QLatin1String(",7:-,"))) << status.toStdString();
 }
 
 TEST_F(SimProtocol, GarbageIsSkippedAndAnEndlessMessageCutsTheConnection) {
   // Stray bytes, a map cut short by a command, a command with a wrong checksum, a real command.
-  a.Write(Bytes({0x12, 0x34, 0xF6, 0x01, 0xFE, 0x04, 0x00, 0x0B, 0x00, 0x06, 0x00, 0x16, 0xFF,
-                 0x99, 0xFF, 0xFF, 0xFE, 0x04, 0x00, 0x0B, 0x00, 0x06, 0x00, 0x15, 0xFF, 0xF5}));
-  EXPECT_EQ(a.Next(), Bytes({0xF6, 0x01, 0x01, 0x00, 0x06, 0x00, 0x01, 0x00, 0x00, 0x0B, 0x00, 0x00,
-                             0x00, 0x14, 0xFF}));
-  EXPECT_EQ(a.Next(), Bytes({0xF4}));
-  EXPECT_TRUE(a.Quiet(100));
+  a.socket.write(
+      Hex("12 34 F6 01 FE 04 00 0B 00 06 00 16 FF 99 FF FF FE 04 00 0B 00 06 00 15 FF F5"));
+  EXPECT_EQ(a.Next(), Hex("F6 01 01 00 06 00 01 00 00 0B 00 00 00 14 FF"));
+  EXPECT_EQ(a.Next(), Hex("F4"));
+  EXPECT_EQ(a.Next(100), QByteArray());
 
   // Over a mebibyte without an end byte.
-  a.Write(Bytes({0xF6}) + QByteArray(1024 * 1024 + 16, '\x01'));
+  a.socket.write(Hex("F6") + QByteArray(1024 * 1024 + 16, '\x01'));
   EXPECT_TRUE(
       QTest::qWaitFor([&] { return a.socket.state() == QAbstractSocket::UnconnectedState; }, 5000));
   EXPECT_EQ(sim.ConnectionCount(), 0);
@@ -159,29 +179,141 @@ TEST_F(SimProtocol, SilenceIsReportedAfterTheDetectTimeAndAudioAfterTheReturnTim
   QElapsedTimer clock;
   clock.start();
   EXPECT_EQ(RunCommand(sim, QStringLiteral("input 7 silent")), QStringLiteral("ok input 7 silent"));
-  EXPECT_TRUE(a.Quiet(700));
-  EXPECT_EQ(a.Next(), Bytes({0xCB, 0x0A, 0x01, 0x00, 0x06, 0x00, 0x01, 0x12, 0xFF}));
+  EXPECT_EQ(a.Next(), Hex("CB 0A 01 00 06 00 01 12 FF"));
   EXPECT_GE(clock.elapsed(), 1000);
 
   clock.restart();
   RunCommand(sim, QStringLiteral("input 7 audio"));
-  EXPECT_EQ(a.Next(), Bytes({0xCB, 0x0A, 0x01, 0x00, 0x06, 0x00, 0x00, 0x11, 0xFF}));
+  EXPECT_EQ(a.Next(), Hex("CB 0A 01 00 06 00 00 11 FF"));
   EXPECT_GE(clock.elapsed(), 1000);
 
   // A silence shorter than the detect time is never reported.
   RunCommand(sim, QStringLiteral("output 2 silent"));
   QTest::qWait(400);
   RunCommand(sim, QStringLiteral("output 2 auto"));
-  EXPECT_TRUE(a.Quiet(1000));
+  EXPECT_EQ(a.Next(1000), QByteArray());
 
-  // With detection off (mode 0) silence is not reported; peaks are, on request.
-  a.Write(Bytes({0xCB, 0x00, 0x01, 0x00, 0x02, 0x00, 0x00, 0x00, 0x7F, 0x7F, 0x38,
-                 0x06, 0x01, 0x00, 0x01, 0x00, 0x00, 0x08, 0x00, 0x00, 0x49, 0xFF}));
-  EXPECT_EQ(a.Next().left(6), Bytes({0xCB, 0x00, 0x01, 0x00, 0x02, 0x00}));
+  // With detection off (mode 0) silence is not reported.
+  a.socket.write(Hex("CB 00 01 00 02 00 00 00 7F 7F 38 06 01 00 01 00 00 08 00 00 49 FF"));
+  EXPECT_EQ(a.Next().left(6), Hex("CB 00 01 00 02 00"));
   RunCommand(sim, QStringLiteral("input 3 silent"));
-  EXPECT_TRUE(a.Quiet(1300));
-  EXPECT_EQ(RunCommand(sim, QStringLiteral("peak 2 on")), QStringLiteral("ok peak 2 on"));
-  EXPECT_EQ(a.Next(), Bytes({0xCB, 0x0A, 0x01, 0x00, 0x01, 0x00, 0x41, 0x4D, 0xFF}));
+  EXPECT_EQ(a.Next(1300), QByteArray());
+}
+
+TEST_F(SimProtocol, ControlPortAnswersEveryLineAndStatusIsKeyValuePairs) {
+  ControlServer control(sim);
+  ASSERT_TRUE(control.Listen(0));
+  QTcpSocket operatorLine;
+  operatorLine.connectToHost(QHostAddress::LocalHost, control.Port());
+  ASSERT_TRUE(operatorLine.waitForConnected(5000));
+  // Each line (or lines: blank and comment lines get no reply) with its reply and what the
+  // monitor hears of it.
+  const struct {
+    const char* lines;
+    const char* reply;
+    const char* heard;
+  } steps[] = {
+      {"route 12 7", "ok route 12 7", "F6 01 01 00 06 00 01 00 00 0B 00 00 00 14 FF"},
+      {"RELAY 2 on", "ok relay 2 on", "F7 28 01 00 01 00 01 2B FF"},
+      {"\n# a comment\nbogus 1", "error unknown command 'bogus'", ""},
+      {"input 101 silent", "error input must be 1..100", ""},
+      {"send F6 01 02 FF", "ok sent 4 bytes to 1 connections", "F6 01 02 FF"},
+      // Peak on for outputs 1 to 3, one report each, in one write.
+      {"burst 3", "ok burst 3 reports, 27 bytes",
+       "CB 0A 01 00 00 00 41 4C FF CB 0A 01 00 01 00 41 4D FF CB 0A 01 00 02 00 41 4E FF"},
+      {"route none 3", "ok route none 3", "F6 01 01 00 02 00 00 00 00 04 FF"},
+      {"burst 0", "error usage: burst N (1 to 1000000 peak changes in one write)", ""},
+  };
+  for (const auto& step : steps) {
+    operatorLine.write(QByteArray(step.lines) + '\n');
+    EXPECT_EQ(ReadLine(operatorLine).toStdString(), step.reply) << step.lines;
+    QByteArray heard;
+    for (QByteArray m = a.Next(200); !m.isEmpty(); m = a.Next(200)) {
+      heard += m;
+    }
+    EXPECT_EQ(heard.toHex(' ').toUpper().toStdString(), step.heard) << step.lines;
+  }
+  operatorLine.write("status\n");
+  const QString status = ReadLine(operatorLine);
+  for (const char* field : {" connections=1 ", " inputs=100 ", " relays_on=2 ",
+                            " pending_outputs=3 ", " routes=1:1,2:2,3:-,4:4,5:5,6:6,7:12,"}) {
+    EXPECT_TRUE(status.contains(QLatin1String(field))) << field << " in " << status.toStdString();
+  }
+}
+
+TEST_F(SimProtocol, ScenariosParseStrictlyAndRunOnTime) {
+  // Each bad line is named with its number and what is wrong with it: a bad time or word when
+  // parsed, a bad argument when checked against the switcher's size.
+  const struct {
+    const char* text;
+    const char* error;
+  } bad[] = {
+      {"at 1 input 1 silent\nat x status\n",
+       "line 2: seconds must be from 0 to 86400: at x status"},
+      {"# first\n\nevery 0 status",
+       "line 3: seconds must be more than 0 and at most 86400: every 0 status"},
+      {"sometimes 3 status", "line 1: a step starts with \"at\" or \"every\": sometimes 3 status"},
+      {"at 1 frobnicate", "line 1: not a control command: at 1 frobnicate"},
+      {"at 2", "line 1: not a control command: at 2"},
+      {"at 2 status\nat 3 input 17 silent", "line 2: input must be 1..16: at 3 input 17 silent"},
+      {"at 1 relay 2 maybe", "line 1: usage: relay N on|off: at 1 relay 2 maybe"},
+  };
+  QString error;
+  for (const auto& c : bad) {
+    error.clear();
+    const auto parsed = ParseScenario(QString::fromLatin1(c.text), &error);
+    if (parsed) {
+      EXPECT_FALSE(CheckScenario(*parsed, SimOptions{.inputs = 16, .outputs = 16}, &error))
+          << c.text;
+    }
+    EXPECT_EQ(error, QString::fromLatin1(c.error)) << c.text;
+  }
+  const auto demo = ParseScenario(DemoScenario(), &error);
+  ASSERT_TRUE(demo);
+  EXPECT_EQ(demo->size(), 3u);
+
+  const auto steps = ParseScenario(
+      QStringLiteral("# relay first\n  at 0.2 relay 1 on\n\nevery 0.3 input 2 toggle\n"), &error);
+  ASSERT_TRUE(steps);
+  ScenarioRunner runner(sim, *steps);
+  QSignalSpy ran(&runner, &ScenarioRunner::ran);
+  QElapsedTimer clock;
+  clock.start();
+  runner.Start();
+  EXPECT_EQ(a.Next(), Hex("F7 28 01 00 00 00 01 2A FF"));
+  EXPECT_GE(clock.elapsed(), 190);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return ran.size() >= 3; }, 5000));
+  EXPECT_EQ(ran[1][1].toString(), QStringLiteral("ok input 2 silent"));
+  EXPECT_EQ(ran[2][1].toString(), QStringLiteral("ok input 2 audio"));
+}
+
+TEST_F(SimProtocol, TraceLogsEveryFrameWithMicroseconds) {
+  QTemporaryDir dir;
+  Trace trace;
+  QString error;
+  ASSERT_TRUE(trace.Open(dir.filePath(QStringLiteral("trace.txt")), &error));
+  sim.SetTrace(&trace);
+  MonitorClient second;
+  ASSERT_TRUE(second.Connect(sim.Port()));
+  ASSERT_FALSE(second.Next().isEmpty());
+  second.socket.write(Hex("12 F5"));
+  ASSERT_EQ(second.Next(), Hex("F4"));
+
+  QFile file(dir.filePath(QStringLiteral("trace.txt")));
+  ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+  const QString text = QString::fromUtf8(file.readAll());
+  QStringList frames;
+  QRegularExpressionMatchIterator m =
+      QRegularExpression(QStringLiteral(R"(^\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{6} c2 (.*)$)"),
+                         QRegularExpression::MultilineOption)
+          .globalMatch(text);
+  while (m.hasNext()) {
+    frames << m.next().captured(1);
+  }
+  ASSERT_EQ(frames.size(), 5) << text.toStdString();
+  EXPECT_TRUE(frames[0].startsWith(QLatin1String("-- # connected from 127.0.0.1:")));
+  EXPECT_EQ(frames.mid(1), QStringList({QStringLiteral("tx 81 64 64 FF"), QStringLiteral("skip 12"),
+                                        QStringLiteral("rx F5"), QStringLiteral("tx F4")}));
 }
 
 }  // namespace

@@ -29,9 +29,9 @@ class WireSwitcher {
         link_(link),
         state_(kInputs, kOutputs, kRelays, sim::SilenceConfig{.detectTime = 2, .returnTime = 1}) {}
 
-  // Once after every poll tick, at nowMs on the switcher's clock: accepts a connection attempt
-  // (opening the exchange with a type request), reports the silence changes that have become
-  // due and answers everything the monitor wrote.
+  // Once after every poll tick, at nowMs on the switcher's clock: accepts a connection attempt,
+  // reports the silence changes that have become due and answers everything the monitor wrote,
+  // so a command is carried out and reported before the next tick.
   void Serve(qint64 nowMs) {
     nowMs_ = nowMs;
     if (link_.opens > accepted_) {
@@ -46,7 +46,6 @@ class WireSwitcher {
     if (!items.empty()) {
       Deliver(sim::SilenceChangeReports(items));
     }
-    // Within the tick, so a command is carried out and reported before the next one.
     while (!link_.wire.isEmpty()) {
       reader_.Append(std::exchange(link_.wire, QByteArray()));
       link_.pieces.clear();
@@ -69,9 +68,8 @@ class WireSwitcher {
     }
   }
 
-  const sim::SwitchState& state() const { return state_; }
-  int latches() const { return latches_; }
-  int releases() const { return releases_; }
+  int latches = 0;
+  int releases = 0;
 
  private:
   void Deliver(const QList<QByteArray>& messages) {
@@ -83,46 +81,33 @@ class WireSwitcher {
     }
   }
 
-  static int Byte(const QByteArray& m, int at) { return static_cast<quint8>(m[at]); }
-
   void Handle(const QByteArray& m) {
-    switch (Byte(m, 0)) {
-      case sim::kKeepAlive:
-        Deliver({QByteArray(1, static_cast<char>(sim::kKeepAliveAnswer))});
-        break;
-      case 0xF2:  // info request: the first mask's codes, names before the tables they size
-        if (m.size() == 17) {
-          const int mask = Byte(m, 1) | Byte(m, 2) << 7 | Byte(m, 3) << 14 | Byte(m, 4) << 21;
-          Answer(mask, 8, {sim::NameTableReport(sim::NameTable::kInputs, Names(10, kInputs))});
-          Answer(mask, 9, {sim::NameTableReport(sim::NameTable::kOutputs, Names(20, kOutputs))});
-          Answer(mask, 24, {sim::NameTableReport(sim::NameTable::kOptos, Names(30, 4))});
-          Answer(mask, 25, {sim::NameTableReport(sim::NameTable::kRelays, Names(40, kRelays))});
-          Answer(mask, 7, sim::CrosspointReports(state_, 0, kOutputs));
-          Answer(mask, 16, sim::RelayReports(state_, 0, kRelays));
+    const auto byte = [&](int at) { return static_cast<quint8>(m[at]); };
+    if (byte(0) == sim::kKeepAlive) {
+      Deliver({QByteArray(1, static_cast<char>(sim::kKeepAliveAnswer))});
+    } else if (byte(0) == 0xF2 && m.size() == 17) {
+      // Info request: the first mask's codes, names before the tables they size.
+      const int mask = byte(1) | byte(2) << 7 | byte(3) << 14 | byte(4) << 21;
+      const auto answer = [&](int code, const QList<QByteArray>& messages) {
+        if ((mask & (1 << code)) != 0) {
+          Deliver(messages);
         }
-        break;
-      case 0xCD:  // advanced request: the monitor asks for detector settings and status together
-        Deliver(sim::SilenceConfigReports(state_, 0, kOutputs));
-        Deliver(sim::SilenceStatusReports(state_, 0, kOutputs));
-        break;
-      case 0xFE:
-        if (m.size() == 9) {
-          Switch(sim::Read14(m, 1), sim::Read14(m, 3), sim::Read14(m, 5));
-        }
-        break;
-      case sim::kSilenceDetect:
-        if (m.size() == 22 && Byte(m, 1) == sim::kSilenceConfig && sim::Read14(m, 2) == 1) {
-          const int o = sim::Read14(m, 4);
-          state_.outputs[o].config = sim::SilenceConfig{
-              sim::Read14(m, 6),  sim::Read14(m, 8),  sim::Read14(m, 10), sim::Read14(m, 12),
-              sim::Read14(m, 14), sim::Read14(m, 16), sim::Read14(m, 18)};
-          state_.outputs[o].dueMs = -1;
-          state_.Reconsider(o, nowMs_);
-          Deliver(sim::SilenceConfigReports(state_, o, 1));
-        }
-        break;
-      default:
-        break;
+      };
+      const auto names = [](sim::NameTable table, int count) {
+        return QList<QByteArray>{sim::NameTableReport(table, sim::DefaultNames(table, count))};
+      };
+      answer(8, names(sim::NameTable::kInputs, kInputs));
+      answer(9, names(sim::NameTable::kOutputs, kOutputs));
+      answer(24, names(sim::NameTable::kOptos, 4));
+      answer(25, names(sim::NameTable::kRelays, kRelays));
+      answer(7, sim::CrosspointReports(state_, 0, kOutputs));
+      answer(16, sim::RelayReports(state_, 0, kRelays));
+    } else if (byte(0) == 0xCD) {
+      // Advanced request: the monitor asks for detector settings and status together.
+      Deliver(sim::SilenceConfigReports(state_, 0, kOutputs));
+      Deliver(sim::SilenceStatusReports(state_, 0, kOutputs));
+    } else if (byte(0) == 0xFE && m.size() == 9) {
+      Switch(sim::Read14(m, 1), sim::Read14(m, 3), sim::Read14(m, 5));
     }
   }
 
@@ -132,20 +117,10 @@ class WireSwitcher {
       state_.Reconsider(target, nowMs_);
       Deliver(sim::CrosspointReports(state_, target, 1));
     } else if ((command == 68 || command == 64) && target < kRelays) {
-      ++(command == 68 ? latches_ : releases_);
+      ++(command == 68 ? latches : releases);
       state_.relays[target] = command == 68 ? 1 : 0;
       Deliver(sim::RelayReports(state_, target, 1));
     }
-  }
-
-  void Answer(int mask, int code, const QList<QByteArray>& messages) {
-    if ((mask & (1 << code)) != 0) {
-      Deliver(messages);
-    }
-  }
-
-  static QStringList Names(int table, int count) {
-    return sim::DefaultNames(static_cast<sim::NameTable>(table), count);
   }
 
   State& s_;
@@ -154,8 +129,6 @@ class WireSwitcher {
   sim::FrameReader reader_;
   qint64 nowMs_ = 0;
   int accepted_ = 0;
-  int latches_ = 0;
-  int releases_ = 0;
 };
 
 }  // namespace zrn::test
