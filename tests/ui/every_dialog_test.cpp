@@ -17,10 +17,7 @@ namespace zrn {
 namespace {
 
 using MakeDialog = std::unique_ptr<QDialog> (*)(State&);
-template <class D, auto... args>
-std::unique_ptr<QDialog> Make(State& s) {
-  return std::make_unique<D>(s, args...);
-}
+using test::Make;
 
 // One dialog with a channel list, as the operator meets it.
 struct ListCase {

@@ -19,6 +19,11 @@
 
 namespace zrn::test {
 
+template <class D, auto... args>
+std::unique_ptr<QDialog> Make(State& s) {
+  return std::make_unique<D>(s, args...);
+}
+
 // A connected switcher whose start-up exchange is complete: outputs "TX n" and inputs "Mic n",
 // four relays; prompts are answered by script and a person sits at the keyboard.
 class DialogTest : public TempStateTest {
