@@ -24,10 +24,6 @@ class SilenceDetectDialogTest : public test::DialogTest {
     s.SilenceStatus[5] = entry;
     DialogTest::Open<SilenceDetectDialog>(5);
   }
-  bool Checked(const QString& caption) const {
-    const auto* box = qobject_cast<QAbstractButton*>(person.Find(caption));
-    return box != nullptr && box->isChecked();
-  }
 };
 
 TEST_F(SilenceDetectDialogTest, ShowsTheReportedConfigurationReadOnlyUntilEdit) {

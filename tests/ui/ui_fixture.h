@@ -104,6 +104,10 @@ class DialogTest : public TempStateTest {
     }
     return Frames().contains(caption);
   }
+  bool Checked(const QString& caption) const {
+    const auto* box = qobject_cast<QAbstractButton*>(person.Find(caption));
+    return box != nullptr && box->isChecked();
+  }
   bool Enabled(const QString& caption) const {
     const QWidget* control = person.Find(caption);
     return control != nullptr && control->isEnabled();
