@@ -41,10 +41,6 @@ struct ListCase {
   int leftStored;
 };
 
-void PrintTo(const ListCase& c, std::ostream* os) {
-  *os << c.name;
-}
-
 std::unique_ptr<QDialog> MakeSetup(State& s) {
   return std::make_unique<SetupDialog>(s, SetupEditors{});
 }
@@ -126,7 +122,6 @@ TEST_P(TypedChannelListTest, TypedNumberIsTakenByEnterOrLeavingTheListAndEscapeT
   person.Press(Qt::Key_Return);
   EXPECT_EQ(list->currentText(), QLatin1String(c.chosen));
   EXPECT_TRUE(dialog->isVisible()) << "Enter belongs to the list";
-  EXPECT_FALSE(s.DialogAccepted);
 
   person.Type(QStringLiteral("9x"));
   EXPECT_EQ(list->currentText(), QStringLiteral("9")) << "letters are no channel";
@@ -168,10 +163,6 @@ struct EditorCase {
   const char* edits;
   const char* rest;
 };
-
-void PrintTo(const EditorCase& c, std::ostream* os) {
-  *os << c.name;
-}
 
 const EditorCase kEditors[] = {
     {"ShowEditor", Make<ShowsDialog>, "Edit the current show|Monday|Every Day", nullptr},
