@@ -46,31 +46,6 @@ class ScheduleDialogTest : public test::DialogTest {
   void Click(const char* caption) { person.Click(QLatin1String(caption)); }
 };
 
-TEST_F(ScheduleDialogTest, EmptyScheduleStartsFromTheBlankPlaceholder) {
-  Open();
-  EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Scheduling for [0012]TX 12"));
-  EXPECT_EQ(Shown(kTime), QStringLiteral("24:00:00"));
-  EXPECT_FALSE(Enabled(kDays[0]));
-  EXPECT_FALSE(Enabled(QStringLiteral("Edit"))) << "nothing to edit";
-
-  Click("New Event");
-  person.Retype(kTime, QStringLiteral("063000"));
-  for (int d = 0; d < 5; ++d) {
-    person.Click(kDays[d]);
-  }
-  Click("Active");
-  Click("Save");
-  EXPECT_EQ(Row(0), (QStringList{"06:30:00", "Active", "None", "MoTuWeThFr"}));
-  EXPECT_EQ(person.Lists().value(0)->model()->index(0, 0).data(Qt::UserRole).toString(),
-            QStringLiteral("Ch.0000"));
-  EXPECT_EQ(s.Outputs[0].Events[0].Days, 31);
-  EXPECT_EQ(s.Outputs[0].NextEvent, 0) << "recomputed at once";
-
-  Click("OK");
-  EXPECT_TRUE(prompt.asked.isEmpty());
-  EXPECT_EQ(dialog->result(), QDialog::Accepted);
-}
-
 // Every save is checked before the array grows; a refused one leaves the schedule as it was.
 TEST_F(ScheduleDialogTest, SavesAreCheckedFirstAndKeepTimeOrder) {
   SetEvents({Event(QStringLiteral("08:00:00"), 127), Event(QStringLiteral("18:00:00"), 127)});
@@ -183,6 +158,8 @@ TEST_F(ScheduleDialogTest, DeleteRemovesTheCurrentEventAndItsRunMemoryFollows) {
 }
 
 TEST_F(ScheduleDialogTest, OutputOutsideTheNameTableIsTitledUknown) {
+  Open();
+  EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Scheduling for [0012]TX 12"));
   s.Outputs[0].Output = 300;
   Open();
   EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Scheduling for [0300]Uknown"));

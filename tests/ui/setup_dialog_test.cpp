@@ -189,18 +189,16 @@ TEST_F(SetupDialogTest, CancelLeavesTheWatchedOutputsAsSetupFoundThem) {
 }
 
 // The show buttons open the program's own editors, the show editor at the first show.
-TEST_F(SetupDialogTest, ShowModeHidesTheOutputsAndOkRebuildsTheView) {
+TEST_F(SetupDialogTest, ShowButtonsOpenTheEditorsAndOutputModeRebuildsTheView) {
   s.DefaultViewLarge = 1;
-  s.LargeViewActive = true;
   s.Outputs[1].NextEvent = kNone;
   s.Shows = {MakeNewShow(), MakeNewShow()};
   s.Shows[0].Name = QStringLiteral("One");
   s.ShowCount = 2;
   s.SelectedShow = 1;
+  s.ProgramMode = 1;
   DialogTest::Open<SetupDialog>();
-  EXPECT_FALSE(Seen(QStringLiteral("Configure Shows")));
-  person.Click(QStringLiteral("Show Monitor"));
-  EXPECT_FALSE(Frames().contains(QStringLiteral("Monitor Outputs (1)")));
+  EXPECT_FALSE(Frames().contains(QStringLiteral("Monitor Outputs (3)")));
   QString seen;
   test::WhenModal([&](QDialog& editor) {
     test::Person other;
@@ -215,9 +213,12 @@ TEST_F(SetupDialogTest, ShowModeHidesTheOutputsAndOkRebuildsTheView) {
   person.Click(QStringLiteral("Configure Outputs for Silence Detect"));
   EXPECT_EQ(seen, QStringLiteral("Configure Available Silence Detect Outputs"));
 
+  person.Click(QStringLiteral("Output Monitor"));
+  EXPECT_FALSE(Seen(QStringLiteral("Configure Shows")));
+
   person.Click(QStringLiteral("OK"));
-  EXPECT_EQ(s.ProgramMode, 1);
-  EXPECT_FALSE(s.LargeViewActive) << "show mode runs in the normal view";
+  EXPECT_EQ(s.ProgramMode, 0);
+  EXPECT_TRUE(s.LargeViewActive) << "output mode takes the configured view";
   EXPECT_NE(s.Outputs[1].NextEvent, kNone) << "next events recomputed";
 }
 
@@ -263,20 +264,6 @@ TEST_F(SetupDialogTest, NestedEditorsActOnTheShownEntryAndANewChannelEndsItsAckn
   EXPECT_EQ(s.Outputs[2].AlarmState, 1) << "an unchanged channel keeps its acknowledgement";
   EXPECT_EQ(s.Outputs[3].DisplayOption, 1);
   EXPECT_FALSE(s.Outputs[3].MonitoringEnabled);
-}
-
-TEST_F(SetupDialogTest, TheListKeepsBetweenOneAnd256Entries) {
-  s.Outputs.resize(1);
-  s.OutputCount = 1;
-  Open();
-  EXPECT_FALSE(Enabled(QStringLiteral("Remove")));
-
-  s.Outputs.assign(255, Watched(1));
-  s.OutputCount = 255;
-  Open();
-  person.Click(QStringLiteral("Add"));
-  EXPECT_FALSE(Enabled(QStringLiteral("Add")));
-  EXPECT_FALSE(Enabled(QStringLiteral("Insert")));
 }
 
 // A save that fails says which file and why; the next one keeps each schedule on its output

@@ -72,24 +72,6 @@ TEST_F(ShowsDialogTest, EnterKeepsAGoodTimeInTheCopyAndOkSavesTheDetectCodes) {
   EXPECT_EQ(restarted.Shows[0].DetectTime2, 12);
 }
 
-TEST_F(ShowsDialogTest, NavigationStaysWithinTheShowsAndRemovingShowsTheFirst) {
-  Open(3);
-  EXPECT_EQ(Place(), QStringLiteral("4 of 5"));
-  person.Click(QStringLiteral(">|"));
-  EXPECT_EQ(Title(), QStringLiteral("Five"));
-  person.Click(QStringLiteral("|<"));
-  person.Click(QStringLiteral(">"));
-  person.Click(QStringLiteral(">"));
-  EXPECT_EQ(Title(), QStringLiteral("Three"));
-
-  person.Click(QStringLiteral("Remove"));
-  ASSERT_EQ(s.EditShows.size(), 4u);
-  EXPECT_EQ(s.EditShows[2].Name, QStringLiteral("Four"));
-  EXPECT_EQ(Title(), QStringLiteral("One"));
-  EXPECT_EQ(Place(), QStringLiteral("1 of 4"));
-  EXPECT_EQ(s.ShowCount, 5) << "the live table waits for OK";
-}
-
 // Removing the last show leaves nothing to edit until Add; Cancel then drops the new show.
 TEST_F(ShowsDialogTest, RemovingTheOnlyShowLeavesAnEmptyDisabledFormAndCancelUndoesAdd) {
   SetShows({Show(QStringLiteral("Solo"))});

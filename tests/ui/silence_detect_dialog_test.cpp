@@ -56,7 +56,9 @@ TEST_F(SilenceDetectDialogTest, ShowsTheReportedConfigurationReadOnlyUntilEdit) 
 
   // A new status of the same output is shown at once.
   s.SilenceStatus[5].Status = 3;
-  static_cast<SilenceDetectDialog*>(dialog.get())->UpdateSilenceDetectConfig(kNone);
+  auto* shown = static_cast<SilenceDetectDialog*>(dialog.get());
+  shown->UpdateSilenceDetectConfig(kNone);
+  EXPECT_EQ(shown->Output(), 5);
   EXPECT_EQ(Words(), QStringList{QStringLiteral("Channel is Silent.  Peak Detected")});
 }
 
