@@ -92,30 +92,17 @@ class EveryDialog : public test::DialogTest {
   }
 };
 
-class TypedChannelListTest : public EveryDialog, public ::testing::WithParamInterface<ListCase> {
- protected:
-  // Opens the case's dialog, unlocks its list and clicks into it.
-  QComboBox* OpenAtTheList() {
-    dialog = GetParam().make(s);
-    person.Open(*dialog);
-    person.Click(QLatin1String(GetParam().unlock));
-    auto* list = qobject_cast<QComboBox*>(person.Find(QLatin1String(GetParam().list)));
-    EXPECT_NE(list, nullptr);
-    person.Click(list);
-    EXPECT_EQ(QApplication::focusWidget(), list);
-    return list;
-  }
-  void Confirm() {
-    for (const QString& caption : QString::fromLatin1(GetParam().confirm).split(u'|')) {
-      person.Click(caption);
-    }
-  }
-};
+class TypedChannelListTest : public EveryDialog, public ::testing::WithParamInterface<ListCase> {};
 
 TEST_P(TypedChannelListTest, TypedNumberIsTakenByEnterOrLeavingTheListAndEscapeTakesItBack) {
   const ListCase& c = GetParam();
-  QComboBox* list = OpenAtTheList();
+  dialog = c.make(s);
+  person.Open(*dialog);
+  person.Click(QLatin1String(c.unlock));
+  auto* list = qobject_cast<QComboBox*>(person.Find(QLatin1String(c.list)));
   ASSERT_NE(list, nullptr);
+  person.Click(list);
+  ASSERT_EQ(QApplication::focusWidget(), list);
 
   person.Type(QLatin1String(c.typed));
   EXPECT_EQ(list->currentText(), QLatin1String(c.typed)) << "the digits collect in the list";
@@ -148,7 +135,9 @@ TEST_P(TypedChannelListTest, TypedNumberIsTakenByEnterOrLeavingTheListAndEscapeT
   person.Press(Qt::Key_Tab);
   EXPECT_NE(QApplication::focusWidget(), list);
   EXPECT_EQ(list->currentText(), QLatin1String(c.leftShown));
-  Confirm();
+  for (const QString& caption : QString::fromLatin1(c.confirm).split(u'|')) {
+    person.Click(caption);
+  }
   EXPECT_EQ(c.stored(s), c.leftStored);
 }
 

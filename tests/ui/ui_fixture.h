@@ -74,24 +74,15 @@ class DialogTest : public TempStateTest {
   }
 
   template <class D, class... Args>
-  D& Open(Args&&... args) {
-    auto made = std::make_unique<D>(s, std::forward<Args>(args)...);
-    D& shown = *made;
-    dialog = std::move(made);
-    person.Open(shown);
-    return shown;
+  void Open(Args&&... args) {
+    dialog = std::make_unique<D>(s, std::forward<Args>(args)...);
+    person.Open(*dialog);
   }
-  // What the control a caption names shows: a field's or a list's text, a label's words.
+  // What the control a caption names shows: a list's current item, a field's or label's text.
   QString Shown(const QString& caption) const {
     QWidget* control = person.Find(caption);
-    if (auto* field = qobject_cast<QLineEdit*>(control)) {
-      return field->text();
-    }
     if (auto* list = qobject_cast<QComboBox*>(control)) {
       return list->currentText();
-    }
-    if (auto* label = qobject_cast<QLabel*>(control)) {
-      return label->text();
     }
     return control != nullptr ? control->property("text").toString() : QString();
   }
