@@ -138,6 +138,7 @@ TEST_F(SetupDialogTest, NewPortDropsTheLinkAndTheNextPollTickConnectsThere) {
   QTcpSocket* oldPeer = first.nextPendingConnection();
   ASSERT_TRUE(QTest::qWaitFor([&] { return s.Connected; }, 5000));
 
+  s.ProgramMode = 1;  // the link settings are the same in show mode
   Open();
   person.Retype(QStringLiteral("IP Port"), QString::number(second.serverPort()));
   person.Click(QStringLiteral("OK"));
