@@ -19,23 +19,20 @@ namespace {
 using MakeDialog = std::unique_ptr<QDialog> (*)(State&);
 using test::Make;
 
-// One dialog with a channel list, as the operator meets it.
+// One dialog with a channel list, found by its caption or what it shows on opening and
+// unlocked by a click: a channel typed and the item then shown; another, taken by leaving the
+// list, and its item; a number with no item; what is clicked ('|' between) to keep the edit.
 struct ListCase {
   const char* name;
   MakeDialog make;
-  // The list, by the caption beside it or, without one, by what it shows on opening, and
-  // what is clicked to unlock it.
   const char* list;
   const char* unlock;
-  // A channel typed and the item the list then shows; another channel, taken by leaving the
-  // list, and its item; a number the list has no item for.
   const char* typed;
   const char* chosen;
   const char* left;
   const char* leftShown;
   const char* beyond;
   bool undefinedKey;
-  // Clicked to keep the edit ('|' between clicks), and what was kept where.
   const char* confirm;
   int (*stored)(const State&);
   int leftStored;

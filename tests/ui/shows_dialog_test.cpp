@@ -38,9 +38,6 @@ class ShowsDialogTest : public test::DialogTest {
     person.Click(QStringLiteral("End Date"));
     person.Type(digits);
   }
-  QString Title() const { return Shown(QStringLiteral("Show Title")); }
-  // Where the navigation stands, "n of m".
-  QString Place() const { return Frames().filter(QStringLiteral(" of ")).value(0); }
 };
 
 // Typing itself is tabled with the other time fields; here what Enter keeps and refuses, and
@@ -78,12 +75,12 @@ TEST_F(ShowsDialogTest, RemovingTheOnlyShowLeavesAnEmptyDisabledFormAndCancelUnd
   Open();
   Edit();
   person.Click(QStringLiteral("Remove"));
-  EXPECT_EQ(Place(), QStringLiteral("0 of 0"));
+  EXPECT_TRUE(Frames().contains(QStringLiteral("0 of 0")));
   for (const char* control : {"Show Title", "Start Time", "Edit Show Outputs", "Remove"}) {
     EXPECT_FALSE(Enabled(QLatin1String(control))) << control;
   }
   person.Click(QStringLiteral("Add"));
-  EXPECT_EQ(Title(), QStringLiteral("New Show"));
+  EXPECT_EQ(Shown(QStringLiteral("Show Title")), QStringLiteral("New Show"));
   EXPECT_EQ(Rows(1), QStringList{QStringLiteral("Not Defined, Not Defined, Not Defined")});
   person.Retype(QStringLiteral("Show Title"), QStringLiteral("Late Show"));
   person.Press(Qt::Key_Return);
