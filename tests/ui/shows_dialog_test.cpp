@@ -1,33 +1,19 @@
-#include <QDateEdit>
-
-#include "monitor/poll_tick.h"
+#include "ui/shows_dialog.h"
 #include "shows/shows_pass.h"
 #include "switcher/name_tables.h"
-#include "ui/shows_dialog.h"
 #include "ui/ui_fixture.h"
 
 namespace zrn {
 namespace {
 
-ShowRecord Show(const QString& name) {
-  ShowRecord show = MakeNewShow();
-  show.Name = name;
-  return show;
-}
-
-// Five shows in show mode; the clock stands on Monday 16 November 2026, 15:42:52.
+// Two shows in show mode; the clock stands on Monday 16 November 2026, 15:42:52.
 class ShowsDialogTest : public test::DialogTest {
  protected:
   void SetUp() override {
     DialogTest::SetUp();
     s.ProgramMode = 1;
-    SetShows({Show(QStringLiteral("One")), Show(QStringLiteral("Two")),
-              Show(QStringLiteral("Three")), Show(QStringLiteral("Four")),
-              Show(QStringLiteral("Five"))});
-  }
-  void SetShows(std::vector<ShowRecord> shows) {
-    s.ShowCount = static_cast<qint16>(shows.size());
-    s.Shows = std::move(shows);
+    s.Shows = {MakeNewShow(), MakeNewShow()};
+    s.ShowCount = 2;
   }
   void Open(int selected = 0) {
     s.SelectedShow = static_cast<qint16>(selected);
@@ -71,7 +57,9 @@ TEST_F(ShowsDialogTest, EnterKeepsAGoodTimeInTheCopyAndOkSavesTheDetectCodes) {
 
 // Removing the last show leaves nothing to edit until Add; Cancel then drops the new show.
 TEST_F(ShowsDialogTest, RemovingTheOnlyShowLeavesAnEmptyDisabledFormAndCancelUndoesAdd) {
-  SetShows({Show(QStringLiteral("Solo"))});
+  s.Shows.resize(1);
+  s.Shows[0].Name = QStringLiteral("Solo");
+  s.ShowCount = 1;
   Open();
   Edit();
   person.Click(QStringLiteral("Remove"));
@@ -92,7 +80,7 @@ TEST_F(ShowsDialogTest, RemovingTheOnlyShowLeavesAnEmptyDisabledFormAndCancelUnd
 
 // A show ending before it starts is refused naming the date; days and dates survive moving away.
 TEST_F(ShowsDialogTest, DaysAndDatesSurviveMovingAwayAndAnEndBeforeTheStartIsRefused) {
-  Open(1);
+  Open();
   Edit();
   person.Click(QStringLiteral("Wednesday"));
   person.Click(QStringLiteral("Sunday"));
@@ -102,7 +90,7 @@ TEST_F(ShowsDialogTest, DaysAndDatesSurviveMovingAwayAndAnEndBeforeTheStartIsRef
                                  "The End Date is before the Start Date.  Please enter an End "
                                  "Date on or after the Start Date.")});
   EXPECT_EQ(QApplication::focusWidget(), person.Find(QStringLiteral("End Date")));
-  EXPECT_EQ(s.Shows[1].EndDate, QStringLiteral("12/31/2025")) << "nothing taken over";
+  EXPECT_EQ(s.Shows[0].EndDate, QStringLiteral("12/31/2025")) << "nothing taken over";
 
   TypeEndDate(QStringLiteral("06302026"));
   EXPECT_EQ(person.Find(QStringLiteral("Wednesday"))->toolTip(),
@@ -113,9 +101,9 @@ TEST_F(ShowsDialogTest, DaysAndDatesSurviveMovingAwayAndAnEndBeforeTheStartIsRef
   EXPECT_TRUE(Checked(QStringLiteral("Wednesday")));
   person.Click(QStringLiteral("Every Day"));
   person.Click(QStringLiteral("OK"));
-  EXPECT_EQ(s.Shows[1].Days, 127);
-  EXPECT_EQ(s.Shows[1].EndDate, QStringLiteral("06/30/2026"));
-  EXPECT_EQ(s.Shows[1].StartDate, QStringLiteral("01/01/2025"));
+  EXPECT_EQ(s.Shows[0].Days, 127);
+  EXPECT_EQ(s.Shows[0].EndDate, QStringLiteral("06/30/2026"));
+  EXPECT_EQ(s.Shows[0].StartDate, QStringLiteral("01/01/2025"));
 }
 
 TEST_F(ShowsDialogTest, SubEditorsWorkOnTheCurrentShow) {
