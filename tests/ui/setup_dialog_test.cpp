@@ -59,7 +59,6 @@ class SetupDialogTest : public test::DialogTest {
   void TypeChannel(const QString& digits) {
     person.Enter(QStringLiteral("Monitor Destination"), digits);
   }
-  QString ChannelShown() const { return Shown(QStringLiteral("Monitor Destination")); }
 };
 
 TEST_F(SetupDialogTest, RefusesAddressPortAndDisplayLengthBeforeApplyingAnything) {
@@ -255,7 +254,7 @@ TEST_F(SetupDialogTest, ConfirmedSetupIsSavedOrSaysWhichFileAndWhy) {
   EXPECT_EQ(Shown(QStringLiteral("Alarm Relay")), QStringLiteral("[0007] (not reported)"));
   EXPECT_FALSE(Enabled(QStringLiteral("Monitor Destination"))) << "locked until Edit";
   person.Click(QStringLiteral(">|"));
-  EXPECT_EQ(ChannelShown(), QStringLiteral("Undefined"));
+  EXPECT_EQ(Shown(QStringLiteral("Monitor Destination")), QStringLiteral("Undefined"));
   person.Click(QStringLiteral("|<"));
   person.Click(QStringLiteral(">"));
   person.Click(QStringLiteral("Insert"));
