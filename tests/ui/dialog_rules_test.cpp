@@ -91,7 +91,6 @@ ScheduledEvent Event(int source) {
 }
 
 TEST(ScheduleRules, RowTexts) {
-  EXPECT_EQ(DaysText(0x7F), QStringLiteral("MoTuWeThFrSaSu"));
   EXPECT_EQ(DaysText(0x41), QStringLiteral("MoSu"));
   State s;
   s.InputNames = {QStringLiteral("Sat 1")};
