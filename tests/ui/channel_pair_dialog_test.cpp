@@ -1,5 +1,4 @@
-#include <functional>
-
+// The show editor's sub-editors: its channel groups and its silence ignore windows.
 #include "ui/channel_pair_dialog.h"
 #include "ui/ignore_window_dialog.h"
 #include "ui/ui_fixture.h"
@@ -7,8 +6,8 @@
 namespace zrn {
 namespace {
 
-// Show 0 of the working copy has two output groups and one studio group.
-class ChannelPairDialogTest : public test::DialogTest {
+// Show 1 of the working copy has two output groups and one studio group; show 0 is new.
+class ShowSubEditorTest : public test::DialogTest {
  protected:
   void SetUp() override {
     DialogTest::SetUp();
@@ -18,50 +17,33 @@ class ChannelPairDialogTest : public test::DialogTest {
     show.OutputCue = {kNone, 6};
     show.OutputCount = 2;
     show.StudioLeft[0].Channel = 11;
-    s.EditShows = {show};
-    s.SelectedShow = 0;
+    s.EditShows = {MakeNewShow(), show};
+    s.SelectedShow = 1;
   }
-  void Open(int mode) {
+  void OpenPairs(int mode) {
     s.ChannelSelectMode = static_cast<qint16>(mode);
-    DialogTest::Open<ChannelPairDialog>();
+    Open<ChannelPairDialog>();
   }
-  QStringList Lists() {
-    return {Shown(QStringLiteral("Left Channel")), Shown(QStringLiteral("Right Channel")),
-            Shown(QStringLiteral("Cue Channel"))};
+  void AddWindow(const char* start, const char* end) {
+    person.Retype(QStringLiteral("Start Time"), QLatin1String(start));
+    person.Retype(QStringLiteral("End Time"), QLatin1String(end));
+    person.Click(QStringLiteral("Add Listed Window"));
   }
 };
 
-TEST_F(ChannelPairDialogTest, ShowOutputsAndStudioSourcesListTheirChannelsByName) {
-  Open(1);
-  EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Configure Show Outputs"));
-  EXPECT_EQ(Rows(), (QStringList{"TX 1(0001),  Not Defined(16383),  Not Defined(16383)",
-                                 "TX 5(0005),  TX 6(0006),  TX 7(0007)"}));
-  EXPECT_EQ(Lists(), (QStringList{"[0001] TX 1", "Undefined", "Undefined"}))
-      << "the first group is shown";
-  EXPECT_FALSE(Enabled(QStringLiteral("Left Channel")));
-  person.ClickRow(person.Lists().value(0), 1);
-  EXPECT_EQ(Lists(), (QStringList{"[0005] TX 5", "[0006] TX 6", "[0007] TX 7"}));
-
-  Open(2);
+TEST_F(ShowSubEditorTest, EditSaveAndOkWriteTheGroups) {
+  OpenPairs(2);
   EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Configure Show Studio Sources"));
-  EXPECT_EQ(Rows(), QStringList{"Mic 12(0012),  Not Defined(16383),  Not Defined(16383)"});
-  EXPECT_EQ(Lists().front(), QStringLiteral("[0012] Mic 12"));
-}
-
-TEST_F(ChannelPairDialogTest, EditSaveAndOkWriteTheGroups) {
-  Open(2);
   person.Click(QStringLiteral("Add"));
   person.Click(QStringLiteral("Edit"));
-  EXPECT_EQ(Shown(QStringLiteral("Save")), QStringLiteral("Save")) << "Edit turns into Save";
-  EXPECT_FALSE(Enabled(QStringLiteral("Add")));
+  EXPECT_FALSE(Enabled(QStringLiteral("Add"))) << "Edit turned into Save";
   person.Enter(QStringLiteral("Left Channel"), QStringLiteral("3"));
   person.Enter(QStringLiteral("Right Channel"), QStringLiteral("17"));  // beyond the inputs
   person.Enter(QStringLiteral("Cue Channel"), QStringLiteral("16"));
   person.Click(QStringLiteral("Save"));
-  EXPECT_TRUE(Enabled(QStringLiteral("Edit the current selection")));
   EXPECT_EQ(Rows().at(1), QStringLiteral("Mic 3(0003),  Not Defined(16383),  Mic 16(0016)"));
   person.Click(QStringLiteral("OK"));
-  const ShowRecord& show = s.EditShows[0];
+  const ShowRecord& show = s.EditShows[1];
   ASSERT_EQ(show.StudioCount, 2);
   EXPECT_EQ(show.StudioLeft[1].Channel, 2);
   EXPECT_EQ(show.StudioRight[1].Channel, kNone);
@@ -69,46 +51,91 @@ TEST_F(ChannelPairDialogTest, EditSaveAndOkWriteTheGroups) {
   EXPECT_EQ(show.OutputCount, 2) << "the outputs are not touched";
 }
 
-TEST_F(ChannelPairDialogTest, OkWhileEditingAnsweredNoKeepsTheGroupAndDeletingAllLeavesNone) {
-  Open(1);
+TEST_F(ShowSubEditorTest, OkWhileEditingAnsweredNoKeepsTheGroupAndDeletingAllLeavesNone) {
+  OpenPairs(1);
+  EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Configure Show Outputs"));
+  EXPECT_EQ(Rows(), (QStringList{"TX 1(0001),  Not Defined(16383),  Not Defined(16383)",
+                                 "TX 5(0005),  TX 6(0006),  TX 7(0007)"}));
   person.Click(QStringLiteral("Edit"));
   person.Enter(QStringLiteral("Left Channel"), QStringLiteral("9"));
-  prompt.answers = {Prompt::Answer::No};
   person.Click(QStringLiteral("OK"));
   EXPECT_EQ(prompt.asked, QStringList{"You are currently editing a selection.\nDo you wish to "
                                       "save these changes?"});
-  EXPECT_EQ(s.EditShows[0].OutputLeft[0], 0);
+  EXPECT_EQ(s.EditShows[1].OutputLeft[0], 0);
 
-  Open(1);
+  OpenPairs(1);
   person.ClickRow(person.Lists().value(0), 0);
   person.ClickRow(person.Lists().value(0), 1, Qt::ControlModifier);
   person.Click(QStringLiteral("Delete"));
   person.Click(QStringLiteral("Edit"));
   EXPECT_FALSE(Enabled(QStringLiteral("Left Channel"))) << "nothing to edit";
   person.Click(QStringLiteral("OK"));
-  EXPECT_EQ(s.EditShows[0].OutputCount, 0);
+  EXPECT_EQ(s.EditShows[1].OutputCount, 0);
 }
 
 // An editor called for something that is not there closes at once and logs why.
-TEST_F(ChannelPairDialogTest, EditorsWithNothingToEditCloseAtOnce) {
+TEST_F(ShowSubEditorTest, EditorsWithNothingToEditCloseAtOnce) {
   const struct {
-    const char* name;
     int mode;
     int show;
-    std::function<std::unique_ptr<QDialog>(State&)> make;
+    std::unique_ptr<QDialog> (*make)(State&);
   } cases[] = {
-      {"pairs in another mode", 3, 0,
-       [](State& st) { return std::make_unique<ChannelPairDialog>(st); }},
-      {"pairs of no show", 1, 4, [](State& st) { return std::make_unique<ChannelPairDialog>(st); }},
-      {"windows of no show", 1, 5,
-       [](State& st) { return std::make_unique<IgnoreWindowDialog>(st); }},
+      {3, 1, test::Make<ChannelPairDialog>},
+      {1, 4, test::Make<ChannelPairDialog>},
+      {1, 5, test::Make<IgnoreWindowDialog>},
   };
   for (const auto& c : cases) {
     s.ChannelSelectMode = static_cast<qint16>(c.mode);
     s.SelectedShow = static_cast<qint16>(c.show);
-    EXPECT_EQ(c.make(s)->exec(), QDialog::Rejected) << c.name;
+    EXPECT_EQ(c.make(s)->exec(), QDialog::Rejected) << c.mode << " " << c.show;
   }
   EXPECT_GE(ErrorLines().size(), 2);
+}
+
+// The time rules are tabled with the other time fields; here each field names itself.
+TEST_F(ShowSubEditorTest, AddedWindowIsStoredByOkAndBadTimesAreRefusedWithTheirMessage) {
+  Open<IgnoreWindowDialog>();
+  EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Silence Ignore Windows"));
+  AddWindow("250000", "093000");
+  AddWindow("120000", "240000");
+  EXPECT_EQ(prompt.informed, (QStringList{"Invalid start time.  Hours must be less than 24",
+                                          "Invalid end time.  Hours must be less than 24"}));
+  EXPECT_EQ(prompt.titles.last(), QStringLiteral("Entry Error"));
+
+  // Enter shows a refused time as no time, a good one in full; Escape empties the field.
+  person.Retype(QStringLiteral("Start Time"), QStringLiteral("250000"));
+  person.Press(Qt::Key_Return);
+  EXPECT_EQ(Shown(QStringLiteral("Start Time")), QStringLiteral("24:00:00"));
+  person.Retype(QStringLiteral("End Time"), QStringLiteral("13"));
+  person.Press(Qt::Key_Escape);
+  EXPECT_EQ(Shown(QStringLiteral("End Time")), QStringLiteral("24:00:00"));
+  EXPECT_TRUE(dialog->isVisible()) << "Escape in a field does not close the dialog";
+  person.Retype(QStringLiteral("End Time"), QStringLiteral("0930"));
+  person.Press(Qt::Key_Return);
+  EXPECT_EQ(Shown(QStringLiteral("End Time")), QStringLiteral("09:30:00"));
+
+  AddWindow("080000", "0930");
+  EXPECT_EQ(Rows(), QStringList{QStringLiteral("08:00:00 - 09:30:00")});
+  person.Click(QStringLiteral("OK"));
+  ASSERT_EQ(s.EditShows[1].IgnoreCount, 1);
+  EXPECT_EQ(s.EditShows[1].IgnoreWindows[0].EndTime, QStringLiteral("09:30:00"));
+  EXPECT_EQ(s.EditShows[0].IgnoreCount, 0) << "only the selected show";
+}
+
+TEST_F(ShowSubEditorTest, DeleteTakesTheSelectedWindowAndCancelKeepsThem) {
+  s.EditShows[1].IgnoreWindows = {{QStringLiteral("12:00:00"), QStringLiteral("12:30:00")},
+                                  {QStringLiteral("18:00:00"), QStringLiteral("18:05:00")}};
+  s.EditShows[1].IgnoreCount = 2;
+  for (const char* close : {"Cancel", "OK"}) {
+    Open<IgnoreWindowDialog>();
+    person.Click(QStringLiteral("Delete"));
+    EXPECT_EQ(Rows().size(), 2) << "no row selected";
+    person.ClickRow(person.Lists().value(0), 0);
+    person.Click(QStringLiteral("Delete"));
+    EXPECT_EQ(Rows(), QStringList{QStringLiteral("18:00:00 - 18:05:00")});
+    person.Click(QLatin1String(close));
+  }
+  EXPECT_EQ(s.EditShows[1].IgnoreCount, 1) << "Cancel changed nothing, OK kept the other";
 }
 
 }  // namespace

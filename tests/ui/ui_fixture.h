@@ -5,16 +5,24 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <algorithm>
 #include <memory>
 #include <utility>
 
+#include "monitor/poll_tick.h"
 #include "storage/shows_file.h"
 #include "support/fake_link.h"
+#include "support/on_air.h"
 #include "support/person.h"
 #include "support/scripted_prompt.h"
 #include "support/temp_state.h"
 
 namespace zrn::test {
+
+template <class D, auto... args>
+std::unique_ptr<QDialog> Make(State& s) {
+  return std::make_unique<D>(s, args...);
+}
 
 // A connected switcher whose start-up exchange is complete: outputs "TX n" and inputs "Mic n",
 // four relays; prompts are answered by script and a person sits at the keyboard.
@@ -41,40 +49,40 @@ class DialogTest : public TempStateTest {
     s.SwitcherOutputCount = static_cast<qint16>(count);
     s.SwitcherInputCount = static_cast<qint16>(count);
   }
-  // One show with one output group, as the working copy of the show editor holds it.
-  void OneShow(const QString& name = QStringLiteral("News")) {
-    ShowRecord show = MakeNewShow();
-    show.Name = name;
-    show.OutputLeft = {0};
-    show.OutputRight = {kNone};
-    show.OutputCue = {kNone};
-    show.OutputCount = 1;
-    s.Shows = {show};
-    s.ShowCount = 1;
-    s.EditShows = s.Shows;
-    s.SelectedShow = 0;
-    s.ChannelSelectMode = 1;
+  // Show 0 on air all day, fed by input 5 with a studio on input 7; the outputs it may borrow
+  // are set up by the test.
+  void PutShowOnAir() {
+    test::PutOnAir(s.Shows.at(0), QStringLiteral("00:00:00"), QStringLiteral("23:59:59"), 4);
+    s.Shows[0].StudioLeft[0].Channel = 6;
+    s.ProgramMode = 1;
+    RefreshClock(s);
+  }
+  // How many borrowed outputs carry each source; once the show is off air none is held.
+  void ExpectHeldThenFreed(std::initializer_list<std::pair<int, int>> held, void (*pass)(State&)) {
+    for (const auto& [source, count] : held) {
+      EXPECT_EQ(std::count_if(s.SilenceOuts.begin(), s.SilenceOuts.end(),
+                              [&](const SilenceOut& e) { return e.Source == source; }),
+                count)
+          << "source " << source;
+    }
+    s.Shows[0].Days = 0;
+    pass(s);
+    for (const SilenceOut& e : s.SilenceOuts) {
+      EXPECT_EQ(e.Source, kNone) << "output " << e.Output << " still held";
+      EXPECT_EQ(e.Show, kNone) << "output " << e.Output;
+    }
   }
 
   template <class D, class... Args>
-  D& Open(Args&&... args) {
-    auto made = std::make_unique<D>(s, std::forward<Args>(args)...);
-    D& shown = *made;
-    dialog = std::move(made);
-    person.Open(shown);
-    return shown;
+  void Open(Args&&... args) {
+    dialog = std::make_unique<D>(s, std::forward<Args>(args)...);
+    person.Open(*dialog);
   }
-  // What the control a caption names shows: a field's or a list's text, a label's words.
+  // What the control a caption names shows: a list's current item, a field's or label's text.
   QString Shown(const QString& caption) const {
     QWidget* control = person.Find(caption);
-    if (auto* field = qobject_cast<QLineEdit*>(control)) {
-      return field->text();
-    }
     if (auto* list = qobject_cast<QComboBox*>(control)) {
       return list->currentText();
-    }
-    if (auto* label = qobject_cast<QLabel*>(control)) {
-      return label->text();
     }
     return control != nullptr ? control->property("text").toString() : QString();
   }
@@ -86,6 +94,10 @@ class DialogTest : public TempStateTest {
       }
     }
     return Frames().contains(caption);
+  }
+  bool Checked(const QString& caption) const {
+    const auto* box = qobject_cast<QAbstractButton*>(person.Find(caption));
+    return box != nullptr && box->isChecked();
   }
   bool Enabled(const QString& caption) const {
     const QWidget* control = person.Find(caption);
