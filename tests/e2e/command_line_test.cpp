@@ -6,6 +6,7 @@
 #include <QTemporaryDir>
 
 #include "e2e/sim_process.h"
+#include "support/temp_state.h"
 
 namespace zrn {
 namespace {
@@ -97,11 +98,8 @@ TEST_F(ProgramsWithSim, TwoMonitorsShareOneRelayCalmlyAndEndOnSigterm) {
   for (int m = 0; m < 2; ++m) {
     ASSERT_TRUE(test::WriteMonitorConfig(folders[m], {.port = port, .watched = 1, .first = 2 + m}));
   }
-  using P = QFileDevice;
-  const P::Permissions readable = P::ReadOwner | P::ExeOwner | P::ReadOther | P::ExeOther;
-  ASSERT_TRUE(QFile::setPermissions(dir.path(), readable | P::WriteOwner));
-  ASSERT_TRUE(QFile::setPermissions(bin, readable));
-  ASSERT_TRUE(QFile::setPermissions(folders[1], readable | P::WriteOwner | P::WriteOther));
+  test::ReadOnlyFolder readOnly(bin);
+  ASSERT_TRUE(readOnly.Active());
 
   QProcess monitors[2];
   QProcessEnvironment env = NoDisplay();
@@ -110,14 +108,6 @@ TEST_F(ProgramsWithSim, TwoMonitorsShareOneRelayCalmlyAndEndOnSigterm) {
   env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
   env.insert(QStringLiteral("XDG_DATA_HOME"), data);
   monitors[1].setProcessEnvironment(env);
-  // Root writes anywhere, so the installed one then runs as nobody.
-  if (::getuid() == 0) {
-    monitors[1].setChildProcessModifier([] {
-      if (::setgid(65534) != 0 || ::setuid(65534) != 0) {
-        ::_exit(99);
-      }
-    });
-  }
   monitors[1].start(bin + QStringLiteral("/zrn-pennaro"), {});
   ASSERT_TRUE(monitors[0].waitForStarted(5000) && monitors[1].waitForStarted(5000));
   auto log = [&](int m) { return test::ReadText(folders[m] + QStringLiteral("/EventLog.txt")); };
@@ -168,7 +158,6 @@ TEST_F(ProgramsWithSim, TwoMonitorsShareOneRelayCalmlyAndEndOnSigterm) {
                 QStringLiteral("Files are kept in %1 (%2 is not writable)").arg(folders[1], bin)),
             1);
   EXPECT_EQ(QDir(bin).entryList(QDir::Files | QDir::Hidden), QStringList{"zrn-pennaro"});
-  QFile::setPermissions(bin, readable | P::WriteOwner);  // so the folder can be removed
 }
 
 }  // namespace
