@@ -30,18 +30,20 @@ class OutputPanels : public TempStateTest {
 
 // Normal view: 32 a row, 400 apart, rows 960 apart; large view: 12 a row, 1600 apart, rows
 // 1200 apart; rows go on past the grid so every output has a panel. Growing and shrinking the
-// count leaves the panels that stay where they were.
+// count leaves the panels that stay where they were. The number moves left as it grows a digit.
 TEST_F(OutputPanels, FramesFollowTheGridInBothViews) {
   const struct {
     int watched, panel;
     bool large;
-    Rect frame;
+    std::pair<int, int> at;
+    int numberLeft;
   } cases[] = {
-      {40, 1, false, {1480, 240, 375, 615}},       {40, 32, false, {1080, 1200, 375, 615}},
-      {40, 11, true, {18680, 240, 1500, 1200}},    {40, 12, true, {1080, 1440, 1500, 1200}},
-      {40, 39, true, {5880, 3840, 1500, 1200}},    {65, 64, false, {1080, 2160, 375, 615}},
-      {102, 100, false, {2680, 3120, 375, 615}},   {140, 139, false, {5480, 4080, 375, 615}},
-      {140, 132, true, {1080, 13440, 1500, 1200}}, {10, 9, true, {15480, 240, 1500, 1200}},
+      {40, 1, false, {1480, 240}, 80},     {40, 32, false, {1080, 1200}, 80},
+      {40, 11, true, {18680, 240}, 80},    {40, 12, true, {1080, 1440}, 80},
+      {40, 39, true, {5880, 3840}, 80},    {10, 9, true, {15480, 240}, 80},
+      {10, 8, true, {13880, 240}, 120},    {65, 64, false, {1080, 2160}, 80},
+      {102, 100, false, {2680, 3120}, 80}, {102, 101, false, {3080, 3120}, 20},
+      {140, 139, false, {5480, 4080}, 20}, {140, 132, true, {1080, 13440}, 80},
   };
   Watch(1);
   for (const auto& c : cases) {
@@ -49,21 +51,15 @@ TEST_F(OutputPanels, FramesFollowTheGridInBothViews) {
     Watch(c.watched);
     ASSERT_EQ(s.panels.outputs.size(), static_cast<size_t>(c.watched));
     EXPECT_EQ(s.PanelsLoaded, c.watched);
-    EXPECT_EQ(c.large ? Panel(c.panel).large.frame : Panel(c.panel).normal.frame, c.frame);
-  }
-  // The number moves left as it grows a digit.
-  const struct {
-    int panel;
-    bool large;
-    int left;
-  } numbers[] = {{8, true, 120}, {9, true, 80}, {100, false, 80}, {101, false, 20}};
-  Watch(102);
-  for (const auto& n : numbers) {
-    const OutputPanelModel& panel = Panel(n.panel);
-    EXPECT_EQ(n.large ? panel.large.number.left : panel.normal.number.left, n.left) << n.panel;
+    const OutputPanelModel& p = Panel(c.panel);
+    const Rect& frame = c.large ? p.large.frame : p.normal.frame;
+    EXPECT_EQ(std::pair(frame.left, frame.top), c.at);
+    EXPECT_EQ(c.large ? p.large.number.left : p.normal.number.left, c.numberLeft);
   }
   EXPECT_EQ(Panel(39).position, QStringLiteral("40"));
   EXPECT_EQ(Panel(101).position, QStringLiteral("102"));
+  EXPECT_EQ(Panel(39).normal.frame, (Rect{3880, 1200, 375, 615}));
+  EXPECT_EQ(Panel(39).large.frame, (Rect{5880, 3840, 1500, 1200}));
   EXPECT_EQ(Panel(39).normal.number, (Rect{80, 120, 360, 255}));
   EXPECT_EQ(Panel(39).normal.lamp, (Rect{75, 405, 195, 135}));
   EXPECT_EQ(Panel(39).large.nameLine, (Rect{120, 600, 1305, 255}));
@@ -79,11 +75,10 @@ TEST_F(OutputPanels, WindowAndHeadingsFollowTheCount) {
   Watch(65);
   EXPECT_EQ(HeadingsShown(), (std::vector<bool>{true, true, true, true}));
   const WindowModel& w = s.panels.window;
-  EXPECT_EQ(w.width, 21675);
-  EXPECT_EQ(w.height, 14630);
-  EXPECT_EQ(w.alarmCaption, (Rect{20430, 360, 855, 255}));
-  EXPECT_EQ(w.cancelButton, (Rect{20290, 1200, 735, 375}));
-  EXPECT_EQ(w.messageList, (Rect{120, 4036, 21165, 9295}));
+  EXPECT_EQ(std::pair(w.width, w.height), std::pair(21675, 14630));
+  EXPECT_EQ((std::vector<Rect>{w.alarmCaption, w.cancelButton, w.messageList}),
+            (std::vector<Rect>{
+                {20430, 360, 855, 255}, {20290, 1200, 735, 375}, {120, 4036, 21165, 9295}}));
 
   Watch(140);
   ASSERT_EQ(HeadingsShown(), std::vector<bool>(5, true));
@@ -97,8 +92,7 @@ TEST_F(OutputPanels, WindowAndHeadingsFollowTheCount) {
   mnuToggle_Click(s);
   EXPECT_EQ(HeadingsShown(), (std::vector<bool>{true, false, false, false}));
   EXPECT_EQ(s.ManyOutputs, 0);
-  EXPECT_EQ(w.width, 15525);
-  EXPECT_EQ(w.height, 11055);
+  EXPECT_EQ(std::pair(w.width, w.height), std::pair(15525, 11055));
   EXPECT_TRUE(w.messageListVisible);
   EXPECT_FALSE(Panel(9).large.visible);
 }
