@@ -45,15 +45,13 @@ const bool kSmallScreen = [] {
 // The whole program with its window, against a loopback server standing in for the switcher.
 class MainWindowTest : public ::testing::Test {
  protected:
-  void StartWith(const QString& defaultView, int outputs,
-                 const QString& alarmRelay = QStringLiteral("3")) {
+  // The normal view of three studios, their alarm relay as given.
+  void StartWith(const QString& alarmRelay = QStringLiteral("3")) {
     ASSERT_TRUE(dir.isValid());
     ASSERT_TRUE(server.listen(QHostAddress::LocalHost));
-    ASSERT_TRUE(test::WriteMonitorConfig(dir.path(), {.port = server.serverPort(),
-                                                      .watched = outputs,
-                                                      .defaultView = defaultView,
-                                                      .alarmRelay = alarmRelay,
-                                                      .studios = true}));
+    ASSERT_TRUE(test::WriteMonitorConfig(
+        dir.path(),
+        {.port = server.serverPort(), .watched = 3, .alarmRelay = alarmRelay, .studios = true}));
 
     ApplyBroadcastStyle(*qApp);
     monitor = std::make_unique<Monitor>(dir.path() + QLatin1Char('/'), &clock);
@@ -189,7 +187,7 @@ std::pair<int, int> DigitsAndHeight(const QImage& image) {
 // one: every panel scrolls into sight and answers its click, the alarm controls and the message
 // list stay beside and below the panels, and Cancel releases the relay.
 TEST_F(MainWindowTest, ThousandPanelsInBothViewsAcknowledgeAndCancelReleasesTheRelay) {
-  StartWith(QStringLiteral("Normal"), 16);
+  StartWith();
   Watch(1000);
   State& s = monitor->state();
   const QRect screen = window->screen()->availableGeometry();
@@ -235,9 +233,8 @@ TEST_F(MainWindowTest, ThousandPanelsInBothViewsAcknowledgeAndCancelReleasesTheR
     EXPECT_EQ(window->childAt(InWindow(window->CancelButton()).center()), window->CancelButton());
     if (!large) {
       ClickPanel(8);
-      EXPECT_TRUE(window->History()
-                      ->item(window->History()->count() - 1)
-                      ->text()
+      EXPECT_TRUE(test::Person::Rows(window->History())
+                      .last()
                       .endsWith(QStringLiteral("[0009] Loss Alarm Canceled - User")));
       // Resting the pointer on the acknowledged panel tells how long it has been silent.
       monitor->Poll();
@@ -277,7 +274,7 @@ TEST_F(MainWindowTest, ThousandPanelsInBothViewsAcknowledgeAndCancelReleasesTheR
 // A configuration the program could not use is named on screen, not only in the error log; the
 // panels are then found among 4096 and put back in their places when the find box is cleared.
 TEST_F(MainWindowTest, ASetAsideConfigurationIsNamedAndFindNarrowsFourThousandPanels) {
-  StartWith(QStringLiteral("Normal"), 1, QStringLiteral("99999"));
+  StartWith(QStringLiteral("99999"));
   const QString notice = QStringLiteral(
       "Configuration not read: zrnconfig.ini is damaged at \"Alarm Relay=99999\" (Overflow); "
       "set aside as zrnconfig.ini.bad-20261118-140500");
@@ -359,7 +356,7 @@ TEST_F(MainWindowTest, ASetAsideConfigurationIsNamedAndFindNarrowsFourThousandPa
 // title, tray lamp and summary, a notification and the tone, all ended by acknowledging the
 // panels of outputs 1 and 3.
 TEST_F(MainWindowTest, SetupCancelAndAlertsReachTheDesktopUntilAcknowledged) {
-  StartWith(QStringLiteral("Normal"), 3);
+  StartWith();
   State& s = monitor->state();
   int driven = 0;
   test::WhenModal([&](QDialog& setup) {
