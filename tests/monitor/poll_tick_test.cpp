@@ -49,20 +49,6 @@ TEST_F(PollTimer, TheTickHandsAClockJumpToTheScheduler) {
   EXPECT_EQ(s.Outputs[0].NextEvent, 0);
 }
 
-TEST_F(PollTimer, ASilentSwitcherIsDroppedAfter201UnansweredPolls) {
-  int ticks = 0;
-  while (s.Connected && ticks < 1000) {
-    Tick();
-    ++ticks;
-  }
-  EXPECT_EQ(link.wire, QByteArray(201, static_cast<char>(0xF5)));
-  EXPECT_EQ(ticks, 338) << "three polls in every five ticks, dropped at the next poll";
-  Tick(20);
-  EXPECT_EQ(link.opens, 20) << "a new attempt on every tick";
-  ASSERT_EQ(ErrorLines().size(), 1);
-  EXPECT_TRUE(ErrorLines()[0].endsWith(QStringLiteral("Disconnecting - No Response from Server")));
-}
-
 TEST_F(PollTimer, UnansweredRequestsAreRepeatedEvery61TicksAndNamedAfterFive) {
   OnDataAvailable(s, test::kTypeRequest);
   const QByteArray requests = test::kStartupMessages.mid(5);  // the info and advanced requests
@@ -137,12 +123,13 @@ TEST_F(PollTimer, ADeadLinkIsNotAskedAndTheRouteHeldBackIsSentAfterTheExchange) 
   EXPECT_FALSE(link.wire.contains(static_cast<char>(0xFE))) << "sent once";
 }
 
-TEST_F(PollTimer, TheStatusBarCountsTheSecondsWithoutAReply) {
+// A switcher that stops answering: the status bar counts the seconds from 10 s after the first
+// unanswered keep-alive, an answer ends the count at the next tick, and after 201 unanswered
+// polls the link is dropped.
+TEST_F(PollTimer, ASilentSwitcherIsCountedInTheStatusBarAndDroppedAfter201Polls) {
   s.linkState.ExchangeComplete = true;
   TickAt(At(2, "10:00:00"));
-
-  // The first keep-alive goes out on the third tick (10:00:01); from 10 s after it on, the
-  // status bar counts the seconds, while the watchdog still waits for its 201 polls.
+  // The first keep-alive goes out on the third tick (10:00:01).
   const struct {
     const char* at;
     const char* line;
@@ -157,11 +144,23 @@ TEST_F(PollTimer, TheStatusBarCountsTheSecondsWithoutAReply) {
     }
     EXPECT_EQ(StatusLine(s), QString::fromLatin1(c.line)) << c.at;
   }
-
-  // An answer ends the count at the next tick.
+  Tick(4);  // to the end of a five-tick round
   OnDataAvailable(s, Bytes({0xF4}));
+  link.wire.clear();
   Tick();
-  EXPECT_EQ(StatusLine(s), QStringLiteral("Server Module Connected"));
+  EXPECT_EQ(StatusLine(s), QStringLiteral("Server Module Connected"))
+      << "the answer ends the count";
+  int ticks = 1;
+  while (s.Connected && ticks < 1000) {
+    Tick();
+    ++ticks;
+  }
+  EXPECT_EQ(link.wire, QByteArray(201, static_cast<char>(0xF5)));
+  EXPECT_EQ(ticks, 338) << "three polls in every five ticks, dropped at the next poll";
+  Tick(20);
+  EXPECT_EQ(link.opens, 20) << "a new attempt on every tick";
+  ASSERT_EQ(ErrorLines().size(), 1);
+  EXPECT_TRUE(ErrorLines()[0].endsWith(QStringLiteral("Disconnecting - No Response from Server")));
 }
 
 TEST(DurationTexts, ToolTipAndPanelForms) {
