@@ -110,8 +110,7 @@ TEST_F(LossAlarmCases, InShowModeOnlyShowsAlarm) {
   Steps("t =R r0");
   s.Shows[1].AlarmSuppressed = false;
   Steps("t =L r1 c =R");
-  EXPECT_TRUE(s.Shows[1].AlarmCanceled);
-  EXPECT_FALSE(s.Shows[0].AlarmCanceled);
+  EXPECT_EQ(std::pair(s.Shows[0].AlarmCanceled, s.Shows[1].AlarmCanceled), std::pair(false, true));
   EXPECT_EQ(Alarms(), (QStringList{kOn, kOff, kOn, kCanceled}));
 
   s.ActiveShows = {7};

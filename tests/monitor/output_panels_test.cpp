@@ -67,7 +67,7 @@ TEST_F(OutputPanels, FramesFollowTheGridInBothViews) {
 
 // The window widens at 65 outputs and gets a heading for each row in use; shrunk in the large
 // view and back, no heading stands over an emptied row and the normal window is as before.
-TEST_F(OutputPanels, WindowAndHeadingsFollowTheCount) {
+TEST_F(OutputPanels, WindowHeadingsAndPanelsFollowTheCount) {
   Watch(40);
   EXPECT_EQ(HeadingsShown(), (std::vector<bool>{true, true, false, false}));
   EXPECT_EQ(s.panels.headings[1].rect, (Rect{240, 1560, 615, 240}));
@@ -95,9 +95,8 @@ TEST_F(OutputPanels, WindowAndHeadingsFollowTheCount) {
   EXPECT_EQ(std::pair(w.width, w.height), std::pair(15525, 11055));
   EXPECT_TRUE(w.messageListVisible);
   EXPECT_FALSE(Panel(9).large.visible);
-}
 
-TEST_F(OutputPanels, NoWatchedOutputsLeavesPanelZeroHiddenAndClean) {
+  // With no output left, panel 0 stays, hidden and without its old lamp.
   Watch(2);
   s.SilenceStatus[0] = {1, 0x100, 0, 0, 0, 0, 0, 0};
   s.Outputs[0].MonitoringEnabled = true;

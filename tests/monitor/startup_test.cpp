@@ -2,6 +2,7 @@
 #include "schedule/schedule_fixture.h"
 #include "storage/events_file.h"
 #include "support/fake_link.h"
+#include "support/monitor_config.h"
 #include "support/temp_state.h"
 #include "switcher/link.h"
 
@@ -17,14 +18,10 @@ class Startup : public test::TempStateTest {
     s.link = &link;
     clock.Set(QDateTime(QDate(2026, 11, 18), QTime(12, 0, 0)));  // a Wednesday
   }
-  void WriteConfig(const QString& view, const QString& mode) {
-    WriteAll(QStringLiteral("zrnconfig.ini"),
-             QStringLiteral("[CONFIGURATION]\r\nDefault View=%1\r\nProgram Mode=%2\r\n"
-                            "Output Count=2\r\n[OUTPUT1]\r\nOutput=5\r\nDisplay Options=0\r\n"
-                            "Custom Label=None\r\nEvent Count=1\r\n[OUTPUT2]\r\nOutput=6\r\n"
-                            "Display Options=0\r\nCustom Label=None\r\nEvent Count=0\r\n")
-                 .arg(view, mode)
-                 .toLatin1());
+  // Outputs 5 and 6 watched, in a view and a program mode.
+  void WriteConfig(const char* view, const char* mode) {
+    ASSERT_TRUE(test::WriteMonitorConfig(
+        dir.path(), {.watched = 2, .mode = mode, .first = 5, .defaultView = view}));
   }
   test::FakeLink link;
 };
@@ -43,7 +40,7 @@ TEST_F(Startup, TheViewIsTheOneTheConfigurationNames) {
     State fresh;
     fresh.clock = &clock;
     fresh.link = &link;
-    WriteConfig(QLatin1String(c.view), QLatin1String(c.mode));
+    WriteConfig(c.view, c.mode);
     Form_Load(fresh, dir.path());
     const PanelModels& panels = fresh.panels;
     EXPECT_EQ(std::tuple(fresh.LargeViewActive, panels.window.messageListVisible,
@@ -56,7 +53,7 @@ TEST_F(Startup, TheViewIsTheOneTheConfigurationNames) {
 
 // Closed on a live link, the log says the monitor closed, not that the switcher was lost.
 TEST_F(Startup, RestartInsideAnOffPeriodStaysOffAndClosingIsNoOutage) {
-  WriteConfig(QStringLiteral("Normal"), QStringLiteral("Output"));
+  WriteConfig("Normal", "Output");
   // Monitoring of output 5 is switched off every day at 06:00 and on again at 20:00.
   State writer;
   writer.AppPath = s.AppPath;
