@@ -1,6 +1,5 @@
 #include <QHelpEvent>
 #include <QListWidget>
-#include <QMenuBar>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
@@ -8,7 +7,6 @@
 #include <QSettings>
 #include <QSystemTrayIcon>
 #include <QTcpServer>
-#include <QTcpSocket>
 #include <QToolTip>
 
 #include "alerts/alerts.h"
@@ -47,15 +45,13 @@ const bool kSmallScreen = [] {
 // The whole program with its window, against a loopback server standing in for the switcher.
 class MainWindowTest : public ::testing::Test {
  protected:
-  void StartWith(const QString& defaultView, int outputs,
-                 const QString& alarmRelay = QStringLiteral("3")) {
+  // The normal view of three studios, their alarm relay as given.
+  void StartWith(const QString& alarmRelay = QStringLiteral("3")) {
     ASSERT_TRUE(dir.isValid());
     ASSERT_TRUE(server.listen(QHostAddress::LocalHost));
-    ASSERT_TRUE(test::WriteMonitorConfig(dir.path(), {.port = server.serverPort(),
-                                                      .watched = outputs,
-                                                      .defaultView = defaultView,
-                                                      .alarmRelay = alarmRelay,
-                                                      .studios = true}));
+    ASSERT_TRUE(test::WriteMonitorConfig(
+        dir.path(),
+        {.port = server.serverPort(), .watched = 3, .alarmRelay = alarmRelay, .studios = true}));
 
     ApplyBroadcastStyle(*qApp);
     monitor = std::make_unique<Monitor>(dir.path() + QLatin1Char('/'), &clock);
@@ -147,13 +143,11 @@ class MainWindowTest : public ::testing::Test {
     return window->grab().toImage().pixelColor(centre).name();
   }
 
-  // A menu's item by its text, as the menu bar shows it.
+  // A menu item by its text.
   QAction* MenuItem(const QString& text) const {
-    for (QAction* menu : window->menuBar()->actions()) {
-      for (QAction* item : menu->menu()->actions()) {
-        if (item->text() == text) {
-          return item;
-        }
+    for (QAction* item : window->findChildren<QAction*>()) {
+      if (item->text() == text) {
+        return item;
       }
     }
     ADD_FAILURE() << "no menu item " << text.toStdString();
@@ -165,249 +159,42 @@ class MainWindowTest : public ::testing::Test {
   QTcpServer server;
   QTcpSocket* peer = nullptr;
   QByteArray received;
+  test::ScriptedPrompt prompt;
   std::unique_ptr<Monitor> monitor;
   std::unique_ptr<MainWindow> window;
   test::Person person;
 };
 
-TEST_F(MainWindowTest, PanelClicksAcknowledgeAndCancelReleasesTheRelayInBothViews) {
-  StartWith(QStringLiteral("Normal"), 40);
-  State& s = monitor->state();
-  EXPECT_TRUE(window->History()->isVisible());
-  SetSilent({4, 9, 17});
-  // One latch of relay 3 for the three alarms.
-  EXPECT_TRUE(ServerReceives(Bytes({0xFE, 0x44, 0x00, 0x00, 0x00, 0x02, 0x00, 0x46, 0xFF})));
-  EXPECT_EQ(LampOnScreen(8), QStringLiteral("#ff0000"));
-  ClickPanel(8);
-  EXPECT_EQ(LampOnScreen(8), QStringLiteral("#ffff00"));
-  EXPECT_TRUE(window->History()
-                  ->item(window->History()->count() - 1)
-                  ->text()
-                  .endsWith(QStringLiteral("[0009] Loss Alarm Canceled - User")));
-
-  // Resting the pointer on the acknowledged panel tells how long it has been silent.
-  monitor->Poll();
-  clock.AdvanceSeconds(75);
-  monitor->Poll();
-  const QPoint over = FramePixels(8).center();
-  QHelpEvent hover(QEvent::ToolTip, over, window->Canvas()->mapToGlobal(over));
-  QApplication::sendEvent(window->Canvas(), &hover);
-  EXPECT_EQ(QToolTip::text(),
-            s.panels.outputs[8].toolTip + QStringLiteral("\nSilent for 1 min 15 s"));
-
-  // A click on a green panel acknowledges nothing.
-  ClickPanel(0);
-  EXPECT_EQ(s.panels.outputs[0].lamp, kLampGreen);
-
-  // File > Toggle View: the large view has no history list, and Cancel releases the relay.
-  MenuItem(QStringLiteral("Toggle &View"))->trigger();
-  EXPECT_FALSE(window->History()->isVisible());
-  s.RelayStates[2] = 1;  // the switcher reports the relay latched
-  RelayStatesReported(s);
-  emit monitor->changed();
-  EXPECT_EQ(LampOnScreen(16), QStringLiteral("#ff0000"));
-  person.Click(QStringLiteral("Cancel"));
-  EXPECT_TRUE(ServerReceives(Bytes({0xFE, 0x40, 0x00, 0x00, 0x00, 0x02, 0x00, 0x42, 0xFF})));
-  EXPECT_TRUE(s.MessageRows.last().endsWith(QStringLiteral("Loss Alarm Report Canceled")));
-  // A peak on another output afterwards raises nothing: the cancelled alarms stay off the relay.
-  peer->write(Bytes({0xCB, 0x0A, 0x01, 0x00, 0x06, 0x00, 0x41, 0x52, 0xFF}));
-  ASSERT_TRUE(QTest::qWaitFor([&] { return s.SilenceStatus[6].Status == 2; }, 5000));
-  EXPECT_EQ(s.lossAlarm.wantedRelay, kNone);
-  EXPECT_TRUE(s.MessageRows.last().endsWith(QStringLiteral("Loss Alarm Report Canceled")));
-}
-
-// The digits of a position number as drawn: runs of bright columns at least half as tall as
-// the tallest, so an ellipsis' dots do not count as digits.
-struct Ink {
-  int glyphs = 0;
-  QRect bounds;
-};
-
-Ink InkOf(const QImage& image) {
-  Ink ink;
+// The digits of a position number as drawn, and the tallest one's height: runs of bright
+// columns at least half as tall as the tallest, so an ellipsis' dots do not count as digits.
+std::pair<int, int> DigitsAndHeight(const QImage& image) {
   std::vector<int> heights;
   for (int x = 0; x < image.width(); ++x) {
     QRect column;
     for (int y = 0; y < image.height(); ++y) {
       column |= qGray(image.pixel(x, y)) > 150 ? QRect(x, y, 1, 1) : QRect();
     }
-    ink.bounds |= column;
     heights.push_back(column.height());
   }
   const int tallest = *std::max_element(heights.begin(), heights.end());
+  int digits = 0;
   bool inGlyph = false;
   for (const int h : heights) {
     const bool tall = tallest > 0 && h * 2 >= tallest;
-    ink.glyphs += tall && !inGlyph ? 1 : 0;
+    digits += tall && !inGlyph ? 1 : 0;
     inGlyph = h > 0 && (inGlyph || tall);
   }
-  return ink;
+  return {digits, tallest};
 }
 
-class ManyPanelsTest : public MainWindowTest, public ::testing::WithParamInterface<const char*> {};
-
-// Every one of 1000 panels can be brought into sight and clicked on a 1280x720 screen; the
-// alarm controls and the message list stay where they are, beside and below the panels.
-TEST_P(ManyPanelsTest, EveryPanelScrollsIntoSightAndAnswersItsClick) {
-  StartWith(QString::fromLatin1(GetParam()), 16);
-  Watch(1000);
-  State& s = monitor->state();
-
-  const QRect screen = window->screen()->availableGeometry();
-  ASSERT_EQ(screen.size(), QSize(1280, 720));
-  EXPECT_TRUE(screen.contains(window->frameGeometry()))
-      << "the window fits the screen instead of opening at the view's full size";
-  const QRect area = VisiblePanelArea();
-  const QRect alarm = InWindow(window->AlarmControls());
-  EXPECT_TRUE(window->rect().contains(alarm));
-  EXPECT_FALSE(area.intersects(alarm));
-  if (window->History()->isVisible()) {
-    EXPECT_FALSE(area.intersects(InWindow(window->History())));
-  }
-
-  for (int i = 0; i < 1000; ++i) {
-    const QRect panel = ScrollTo(i);
-    ASSERT_TRUE(area.contains(panel)) << "panel " << i + 1;
-    ASSERT_EQ(window->childAt(panel.center()), window->Canvas()) << "panel " << i + 1;
-  }
-  // Position numbers of three and four digits are drawn whole and legible.
-  for (const int index : {8, 98, 99, 100, 149, 998, 999}) {
-    const OutputPanelModel& panel = s.panels.outputs[index];
-    ScrollTo(index);
-    const QRect box = PanelCanvasWidget::NumberPixels(panel, panel.large.visible);
-    const Ink ink = InkOf(window->Canvas()->grab(box).toImage());
-    EXPECT_EQ(ink.glyphs, panel.position.size()) << panel.position.toStdString();
-    EXPECT_LE(ink.bounds.width(), box.width()) << panel.position.toStdString();
-    EXPECT_GE(ink.bounds.height(), box.height() / 3) << panel.position.toStdString();
-  }
-
-  // Output 150 and the last panel go silent; a click on each acknowledges that panel's
-  // output, not another one on the same channel.
-  const int last = 999;
-  SetSilent({150, last % 256 + 1});
-  for (const int index : {149, last}) {
-    EXPECT_EQ(LampOnScreen(index), QStringLiteral("#ff0000")) << "panel " << index + 1;
-    ClickPanel(index);
-    EXPECT_EQ(LampOnScreen(index), QStringLiteral("#ffff00")) << "panel " << index + 1;
-    EXPECT_TRUE(s.MessageRows.join(QLatin1Char('\n'))
-                    .contains(QStringLiteral("[%1] Loss Alarm Canceled - User")
-                                  .arg(index % 256 + 1, 4, 10, QLatin1Char('0'))))
-        << "panel " << index + 1;
-  }
-  EXPECT_EQ(s.panels.outputs[149 + 256].lamp, kLampRed) << "same channel, not clicked";
-
-  QScrollBar* bar = window->PanelArea()->verticalScrollBar();
-  bar->setValue(bar->maximum());
-  EXPECT_EQ(InWindow(window->AlarmControls()), alarm) << "the alarm controls do not scroll";
-  EXPECT_EQ(window->childAt(InWindow(window->CancelButton()).center()), window->CancelButton());
-
-  // The operator makes the window smaller: the controls come along, the panels still scroll.
-  window->resize(800, 450);
-  QCoreApplication::processEvents();
-  EXPECT_TRUE(window->rect().contains(InWindow(window->AlarmControls())));
-  EXPECT_TRUE(window->rect().contains(VisiblePanelArea()));
-  EXPECT_TRUE(VisiblePanelArea().contains(ScrollTo(last)));
-}
-
-INSTANTIATE_TEST_SUITE_P(Screen1280x720, ManyPanelsTest, ::testing::Values("Large", "Normal"),
-                         [](const auto& info) { return std::string(info.param); });
-
-TEST_F(MainWindowTest, FindNarrowsFourThousandPanelsAndClearingPutsThemBack) {
-  StartWith(QStringLiteral("Normal"), 1);
-  State& s = monitor->state();
-  Watch(4096);
-  s.Outputs[2999].DisplayOption = 2;
-  s.Outputs[2999].CustomLabel = QStringLiteral("Newsroom B");
-  UpdateOutputs(s);
-  emit monitor->changed();
-
-  const auto shownPanels = [&] {
-    std::vector<int> shown;
-    for (int i = 0; i < static_cast<int>(s.panels.outputs.size()); ++i) {
-      if (s.panels.outputs[i].normal.visible) {
-        shown.push_back(i);
-      }
-    }
-    return shown;
-  };
-  const auto inSight = [&](int index) {
-    QCoreApplication::processEvents();
-    return VisiblePanelArea().contains(PanelInWindow(index));
-  };
-  const auto clearTyped = [&] {
-    person.Press(Qt::Key_A, Qt::ControlModifier);
-    person.Press(Qt::Key_Backspace);
-  };
-
-  ASSERT_FALSE(inSight(1186)) << "far down the grid to begin with";
-  person.Press(Qt::Key_F, Qt::ControlModifier);
-  ASSERT_EQ(QApplication::focusWidget(), window->FindBar()->Text());
-  const struct {
-    const char* typed;
-    std::vector<int> found;
-  } cases[] = {
-      {"1187", {1186}},      // by its position
-      {"newsroom", {2999}},  // by its label
-      {"4096", {4095}},      // the last one
-      {"no such name", {}},  // nothing
-  };
-  for (const auto& c : cases) {
-    clearTyped();
-    person.Type(QString::fromLatin1(c.typed));
-    EXPECT_EQ(shownPanels(), c.found) << c.typed;
-    for (int index : c.found) {
-      EXPECT_TRUE(inSight(index)) << c.typed;
-    }
-  }
-
-  // By the switcher output's name: every panel watching output 163.
-  clearTyped();
-  s.OutputNames[162] = QStringLiteral("Traffic Desk");
-  person.Type(QStringLiteral("traffic"));
-  const std::vector<int> onOutput163 = shownPanels();
-  ASSERT_EQ(onOutput163.size(), 16u);
-  EXPECT_TRUE(inSight(onOutput163.back()));
-
-  // Only alarms, of those.
-  SetSilent({163});
-  person.Click(QStringLiteral("Only alarms"));
-  EXPECT_EQ(shownPanels(), onOutput163);
-  person.Click(window->FindBar()->Text());
-  clearTyped();
-  SetSilent({7});
-  monitor->Poll();  // the filter follows the alarms at the next poll tick
-  EXPECT_EQ(shownPanels().size(), 32u) << "only the alarms, whatever their name";
-  person.Click(QStringLiteral("Only alarms"));
-
-  // Escape clears the box: every panel is back in its own place.
-  person.Press(Qt::Key_Escape);
-  ASSERT_EQ(shownPanels().size(), 4096u);
-  for (int i = 0; i < 4096; ++i) {
-    ASSERT_EQ(s.panels.outputs[i].normal.frame, DesignedOutputPanel(i).normal.frame) << i;
-    ASSERT_EQ(s.panels.outputs[i].large.frame, DesignedOutputPanel(i).large.frame) << i;
-  }
-}
-
-// A configuration the program could not use is named on screen, not only in the error log.
-TEST_F(MainWindowTest, ConfigurationSetAsideIsNamedInTheStatusBarAndTheMessageList) {
-  StartWith(QStringLiteral("Normal"), 3, QStringLiteral("99999"));
-  const QString expected = QStringLiteral(
-      "Configuration not read: zrnconfig.ini is damaged at \"Alarm Relay=99999\" (Overflow); "
-      "set aside as zrnconfig.ini.bad-20261118-140500");
-  EXPECT_TRUE(window->FileNotice()->isVisible());
-  EXPECT_EQ(window->FileNotice()->text(), expected);
-  EXPECT_TRUE(window->StatusText()->text().startsWith(QStringLiteral("Server Module Connected")))
-      << "the link state keeps its place beside it";
-  ASSERT_GE(window->History()->count(), 1);
-  EXPECT_TRUE(window->History()->item(0)->text().endsWith(expected));
-}
-
-// Setup cancelled after removing and inserting entries leaves every panel on its own output.
-// Then File > Alerts... as an operator fills it in, and a silence as the desktop shows it:
-// title, tray lamp and summary, a notification and the tone, all ended by acknowledging the
-// panels of outputs 1 and 3.
-TEST_F(MainWindowTest, SetupCancelAndAlertsReachTheDesktopUntilAcknowledged) {
-  StartWith(QStringLiteral("Normal"), 3);
+// An operator's session on a 1280x720 screen. Setup cancelled after removing and inserting
+// entries leaves every panel on its own output. File > Alerts... is filled in, and a silence
+// reaches the desktop: title, tray lamp and summary, a notification and the tone, all ended by
+// acknowledging the panels. Then 1000 panels in the normal view and, after File > Toggle View,
+// the large one: every panel scrolls into sight and answers its click, the alarm controls and
+// the message list stay beside and below the panels, and Cancel releases the relay.
+TEST_F(MainWindowTest, AnOperatorsSessionFromTheAlertsToAThousandPanelsInBothViews) {
+  StartWith();
   State& s = monitor->state();
   int driven = 0;
   test::WhenModal([&](QDialog& setup) {
@@ -419,12 +206,10 @@ TEST_F(MainWindowTest, SetupCancelAndAlertsReachTheDesktopUntilAcknowledged) {
   });
   MenuItem(QStringLiteral("Set&up"))->trigger();
   ASSERT_EQ(s.OutputCount, 3);
-  test::ScriptedPrompt prompt;
   s.prompt = &prompt;
-  {
-    QSettings ini(dir.path() + QStringLiteral("/ZRNAlerts.ini"), QSettings::IniFormat);
-    ini.setValue(QStringLiteral("Status/Port"), 0);  // any free port
-  }
+  const QString iniPath = dir.path() + QStringLiteral("/ZRNAlerts.ini");
+  // The status endpoint on any free port.
+  QSettings(iniPath, QSettings::IniFormat).setValue(QStringLiteral("Status/Port"), 0);
   Alerts alerts(*monitor);
   window->AttachAlerts(alerts);
   alerts.Start();
@@ -445,11 +230,10 @@ TEST_F(MainWindowTest, SetupCancelAndAlertsReachTheDesktopUntilAcknowledged) {
   });
   MenuItem(QStringLiteral("&Alerts..."))->trigger();
   ASSERT_EQ(driven, 2);
-  {
-    const QSettings ini(dir.path() + QStringLiteral("/ZRNAlerts.ini"), QSettings::IniFormat);
-    EXPECT_TRUE(ini.value(QStringLiteral("Desktop/Sound")).toBool());
-    EXPECT_EQ(ini.value(QStringLiteral("Status/Address")).toString(), QStringLiteral("127.0.0.1"));
-  }
+  person.Open(*window);  // back from the dialogs
+  const QSettings ini(iniPath, QSettings::IniFormat);
+  EXPECT_TRUE(ini.value(QStringLiteral("Desktop/Sound")).toBool());
+  EXPECT_EQ(ini.value(QStringLiteral("Status/Address")).toString(), QStringLiteral("127.0.0.1"));
   EXPECT_NE(alerts.EndpointPort(), 0) << "the endpoint listens again on a free port";
 
   const auto trayPixel = [&] {
@@ -472,7 +256,164 @@ TEST_F(MainWindowTest, SetupCancelAndAlertsReachTheDesktopUntilAcknowledged) {
   EXPECT_EQ(trayPixel(), QStringLiteral("#ffff00"));
   EXPECT_FALSE(desktop->TonePlaying()) << "the tone ends with the acknowledgement";
   EXPECT_EQ(desktop->Notifications().size(), 2);
-  s.prompt = nullptr;
+
+  Watch(1000);
+  const QRect screen = window->screen()->availableGeometry();
+  ASSERT_EQ(screen.size(), QSize(1280, 720));
+  // Outputs 9 and 150 and the last panel's go silent too, and relay 3 is latched.
+  SetSilent({9, 150, 999 % 256 + 1});
+  EXPECT_TRUE(ServerReceives(Bytes({0xFE, 0x44, 0x00, 0x00, 0x00, 0x02, 0x00, 0x46, 0xFF})));
+
+  for (const bool large : {false, true}) {
+    SCOPED_TRACE(large ? "large view" : "normal view");
+    EXPECT_TRUE(screen.contains(window->frameGeometry()))
+        << "the window fits the screen instead of opening at the view's full size";
+    const QRect area = VisiblePanelArea();
+    const QRect alarm = InWindow(window->AlarmControls());
+    EXPECT_TRUE(window->rect().contains(alarm));
+    EXPECT_FALSE(area.intersects(alarm));
+    EXPECT_EQ(window->History()->isVisible(), !large) << "the large view has no message list";
+    EXPECT_TRUE(large || !area.intersects(InWindow(window->History())));
+    for (int i = 0; i < 1000; ++i) {
+      const QRect panel = ScrollTo(i);
+      ASSERT_TRUE(area.contains(panel)) << "panel " << i + 1;
+      ASSERT_EQ(window->childAt(panel.center()), window->Canvas()) << "panel " << i + 1;
+    }
+    // Position numbers of three and four digits are drawn whole and legible.
+    for (const int index : {8, 98, 99, 100, 149, 998, 999}) {
+      const OutputPanelModel& panel = s.panels.outputs[index];
+      ScrollTo(index);
+      const QRect box = PanelCanvasWidget::NumberPixels(panel, large);
+      const auto [digits, height] = DigitsAndHeight(window->Canvas()->grab(box).toImage());
+      EXPECT_EQ(digits, panel.position.size()) << panel.position.toStdString();
+      EXPECT_GE(height, box.height() / 3) << panel.position.toStdString();
+    }
+    // A click acknowledges that panel's output, not another one on the same channel.
+    const auto [clicked, sameChannel] = large ? std::pair(999, 743) : std::pair(149, 405);
+    EXPECT_EQ(LampOnScreen(clicked), QStringLiteral("#ff0000"));
+    ClickPanel(clicked);
+    EXPECT_EQ(LampOnScreen(clicked), QStringLiteral("#ffff00"));
+    EXPECT_EQ(LampOnScreen(sameChannel), QStringLiteral("#ff0000"));
+
+    QScrollBar* bar = window->PanelArea()->verticalScrollBar();
+    bar->setValue(bar->maximum());
+    EXPECT_EQ(InWindow(window->AlarmControls()), alarm) << "the alarm controls do not scroll";
+    EXPECT_EQ(window->childAt(InWindow(window->CancelButton()).center()), window->CancelButton());
+    if (!large) {
+      ClickPanel(8);
+      EXPECT_TRUE(test::Person::Rows(window->History())
+                      .last()
+                      .endsWith(QStringLiteral("[0009] Loss Alarm Canceled - User")));
+      // Resting the pointer on the acknowledged panel tells how long it has been silent.
+      monitor->Poll();
+      clock.AdvanceSeconds(75);
+      monitor->Poll();
+      const QPoint over = FramePixels(8).center();
+      QHelpEvent hover(QEvent::ToolTip, over, window->Canvas()->mapToGlobal(over));
+      QApplication::sendEvent(window->Canvas(), &hover);
+      EXPECT_EQ(QToolTip::text(),
+                s.panels.outputs[8].toolTip + QStringLiteral("\nSilent for 1 min 15 s"));
+      MenuItem(QStringLiteral("Toggle &View"))->trigger();
+    }
+  }
+  // A click on a green panel acknowledges nothing.
+  ClickPanel(1);
+  EXPECT_EQ(s.panels.outputs[1].lamp, kLampGreen);
+
+  s.RelayStates[2] = 1;  // the switcher reports the relay latched
+  RelayStatesReported(s);
+  person.Click(QStringLiteral("Cancel"));
+  EXPECT_TRUE(ServerReceives(Bytes({0xFE, 0x40, 0x00, 0x00, 0x00, 0x02, 0x00, 0x42, 0xFF})));
+  EXPECT_TRUE(s.MessageRows.last().endsWith(QStringLiteral("Loss Alarm Report Canceled")));
+  // A peak on another output afterwards raises nothing: the cancelled alarms stay off the relay.
+  peer->write(Bytes({0xCB, 0x0A, 0x01, 0x00, 0x06, 0x00, 0x41, 0x52, 0xFF}));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return s.SilenceStatus[6].Status == 2; }, 5000));
+  EXPECT_EQ(s.lossAlarm.wantedRelay, kNone);
+  EXPECT_TRUE(s.MessageRows.last().endsWith(QStringLiteral("Loss Alarm Report Canceled")));
+
+  // The operator makes the window smaller: the controls come along, the panels still scroll.
+  window->resize(800, 450);
+  QCoreApplication::processEvents();
+  EXPECT_TRUE(window->rect().contains(InWindow(window->AlarmControls())));
+  EXPECT_TRUE(window->rect().contains(VisiblePanelArea()));
+  EXPECT_TRUE(VisiblePanelArea().contains(ScrollTo(999)));
+}
+
+// A configuration the program could not use is named on screen, not only in the error log; the
+// panels are then found among 4096 and put back in their places when the find box is cleared.
+TEST_F(MainWindowTest, ASetAsideConfigurationIsNamedAndFindNarrowsFourThousandPanels) {
+  StartWith(QStringLiteral("99999"));
+  const QString notice = QStringLiteral(
+      "Configuration not read: zrnconfig.ini is damaged at \"Alarm Relay=99999\" (Overflow); "
+      "set aside as zrnconfig.ini.bad-20261118-140500");
+  EXPECT_TRUE(window->FileNotice()->isVisible());
+  EXPECT_EQ(window->FileNotice()->text(), notice);
+  EXPECT_TRUE(window->StatusText()->text().startsWith(QStringLiteral("Server Module Connected")))
+      << "the link state keeps its place beside it";
+  EXPECT_TRUE(window->History()->item(0)->text().endsWith(notice));
+
+  State& s = monitor->state();
+  s.Outputs.resize(4096);
+  s.Outputs[2999].DisplayOption = 2;
+  s.Outputs[2999].CustomLabel = QStringLiteral("Newsroom B");
+  Watch(4096);
+
+  const auto shownPanels = [&] {
+    std::vector<int> shown;
+    for (int i = 0; i < static_cast<int>(s.panels.outputs.size()); ++i) {
+      if (s.panels.outputs[i].normal.visible) {
+        shown.push_back(i);
+      }
+    }
+    return shown;
+  };
+  const auto inSight = [&](int index) {
+    QCoreApplication::processEvents();
+    return VisiblePanelArea().contains(PanelInWindow(index));
+  };
+
+  ASSERT_FALSE(inSight(1186)) << "far down the grid to begin with";
+  person.Press(Qt::Key_F, Qt::ControlModifier);
+  ASSERT_EQ(QApplication::focusWidget(), window->FindBar()->Text());
+  const struct {
+    const char* typed;
+    std::vector<int> found;
+  } cases[] = {
+      {"1187", {1186}},      // by its position
+      {"newsroom", {2999}},  // by its label
+      {"4096", {4095}},      // the last one
+      {"no such name", {}},  // nothing
+  };
+  for (const auto& c : cases) {
+    person.Retype(window->FindBar()->Text(), QString::fromLatin1(c.typed));
+    EXPECT_EQ(shownPanels(), c.found) << c.typed;
+    EXPECT_TRUE(c.found.empty() || inSight(c.found[0])) << c.typed;
+  }
+
+  // By the switcher output's name: every panel watching output 163.
+  s.OutputNames[162] = QStringLiteral("Traffic Desk");
+  person.Retype(window->FindBar()->Text(), QStringLiteral("traffic"));
+  const std::vector<int> onOutput163 = shownPanels();
+  ASSERT_EQ(onOutput163.size(), 16u);
+  EXPECT_TRUE(inSight(onOutput163.back()));
+
+  // Only alarms, of those.
+  SetSilent({163});
+  person.Click(QStringLiteral("Only alarms"));
+  EXPECT_EQ(shownPanels(), onOutput163);
+  person.Retype(window->FindBar()->Text(), QString());
+  SetSilent({7});
+  monitor->Poll();  // the filter follows the alarms at the next poll tick
+  EXPECT_EQ(shownPanels().size(), 32u) << "only the alarms, whatever their name";
+  person.Click(QStringLiteral("Only alarms"));
+
+  // Escape clears the box: every panel is back in its own place.
+  person.Press(Qt::Key_Escape);
+  ASSERT_EQ(shownPanels().size(), 4096u);
+  for (int i = 0; i < 4096; ++i) {
+    ASSERT_EQ(s.panels.outputs[i].normal.frame, DesignedOutputPanel(i).normal.frame) << i;
+    ASSERT_EQ(s.panels.outputs[i].large.frame, DesignedOutputPanel(i).large.frame) << i;
+  }
 }
 
 }  // namespace

@@ -72,11 +72,6 @@ class LinkedStateTest : public ConnectedStateTest {
     }
     UpdateOutputs(s);
   }
-  // The switcher reports relay 3.
-  void ReportRelay(qint16 state) {
-    s.RelayStates[2] = state;
-    RelayStatesReported(s);
-  }
   // What was sent since the last look.
   QByteArray Wire() { return std::exchange(link.wire, QByteArray()); }
   // Messages of the activity log after its header, without their stamps, those containing what.
@@ -100,8 +95,11 @@ class LinkedStateTest : public ConnectedStateTest {
   }
   // Steps a test adds of its own.
   virtual bool MoreSteps(char /*step*/, const QString& /*rest*/) { return false; }
-  void Silence(int output, quint8 status) {
-    s.SilenceStatus[output].Status = status;
+  // The outputs named by their digits report a status, in one pass.
+  void Silence(const QString& outputs, quint8 status) {
+    for (QChar o : outputs) {
+      s.SilenceStatus[o.digitValue()].Status = status;
+    }
     UpdateStatus(s);
   }
   Rgb Lamp(QChar which) const {
@@ -113,8 +111,10 @@ class LinkedStateTest : public ConnectedStateTest {
   }
 
   // A scenario is a line of steps; lower-case steps act, '=', '#' and 'w' look:
-  //   s<o> a<o> p<o> P<o>  output o reports silence / audio / silence with a peak / a peak
-  //   S<o...>              those outputs report silence in one pass
+  //   s<o...> a<o...>      outputs o report silence / audio in one pass
+  //   p<o...> P<o...>      silence with a peak / a peak
+  //   f<mode> q<req4> h<m> output 0's detector mode, the detector requests outstanding (both in
+  //                        hex), the program mode (1: shows)
   //   r<0|1> v<4 states>   the switcher reports relay 3 / every relay
   //   t[n]                 n poll ticks (one by default); b, u, l: the tick's relay start, a lamp
   //                        pass, the tick's relay decision, each alone
@@ -142,18 +142,18 @@ class LinkedStateTest : public ConnectedStateTest {
     const QHash<QChar, Rgb> lamps = {
         {'r', kLampRed}, {'y', kLampYellow}, {'g', kLampGreen}, {'c', kLampCyan}, {'-', kLampGrey}};
     const std::map<char, std::function<void()>> steps = {
-        {'s', [&] { Silence(n, 1); }},
-        {'a', [&] { Silence(n, 0); }},
-        {'p', [&] { Silence(n, 3); }},
-        {'P', [&] { Silence(n, 2); }},
-        {'S',
+        {'s', [&] { Silence(rest, 1); }},
+        {'a', [&] { Silence(rest, 0); }},
+        {'p', [&] { Silence(rest, 3); }},
+        {'P', [&] { Silence(rest, 2); }},
+        {'f', [&] { s.SilenceStatus[0].Mode = static_cast<qint16>(rest.toInt(nullptr, 16)); }},
+        {'q', [&] { s.requests.Req4 = static_cast<quint8>(rest.toInt(nullptr, 16)); }},
+        {'h', [&] { s.ProgramMode = static_cast<qint16>(n); }},
+        {'r',
          [&] {
-           for (QChar o : rest) {
-             s.SilenceStatus[o.digitValue()].Status = 1;
-           }
-           UpdateStatus(s);
+           s.RelayStates[2] = static_cast<qint16>(n);
+           RelayStatesReported(s);
          }},
-        {'r', [&] { ReportRelay(static_cast<qint16>(n)); }},
         {'v',
          [&] {
            for (int i = 0; i < 4; ++i) {

@@ -2,6 +2,7 @@
 #include "schedule/schedule_fixture.h"
 #include "storage/events_file.h"
 #include "support/fake_link.h"
+#include "support/monitor_config.h"
 #include "support/temp_state.h"
 #include "switcher/link.h"
 
@@ -17,28 +18,13 @@ class Startup : public test::TempStateTest {
     s.link = &link;
     clock.Set(QDateTime(QDate(2026, 11, 18), QTime(12, 0, 0)));  // a Wednesday
   }
-  void WriteConfig(const QString& view, const QString& mode) {
-    WriteAll(QStringLiteral("zrnconfig.ini"),
-             QStringLiteral("[CONFIGURATION]\r\nDefault View=%1\r\nProgram Mode=%2\r\n"
-                            "Output Count=2\r\n[OUTPUT1]\r\nOutput=5\r\nDisplay Options=0\r\n"
-                            "Custom Label=None\r\nEvent Count=1\r\n[OUTPUT2]\r\nOutput=6\r\n"
-                            "Display Options=0\r\nCustom Label=None\r\nEvent Count=0\r\n")
-                 .arg(view, mode)
-                 .toLatin1());
+  // Outputs 5 and 6 watched, in a view and a program mode.
+  void WriteConfig(const char* view, const char* mode) {
+    ASSERT_TRUE(test::WriteMonitorConfig(
+        dir.path(), {.watched = 2, .mode = mode, .first = 5, .defaultView = view}));
   }
   test::FakeLink link;
 };
-
-// A first start without any file, closed on a live link: logged as closing, not as an outage.
-TEST_F(Startup, ClosingOnALiveLinkIsNoOutage) {
-  Form_Load(s, dir.path());
-  OnConnected(s);
-  Form_Unload(s);
-  const QString log = QString::fromUtf8(ReadAll(QStringLiteral("EventLog.txt")));
-  EXPECT_TRUE(log.endsWith(QStringLiteral("Monitor Closed\r\n")));
-  EXPECT_FALSE(log.contains(QStringLiteral("Server Module Not Connected")));
-  EXPECT_TRUE(ErrorLines().isEmpty());
-}
 
 // Show mode draws neither view's output panels and leaves the stored view alone.
 TEST_F(Startup, TheViewIsTheOneTheConfigurationNames) {
@@ -54,19 +40,20 @@ TEST_F(Startup, TheViewIsTheOneTheConfigurationNames) {
     State fresh;
     fresh.clock = &clock;
     fresh.link = &link;
-    WriteConfig(QLatin1String(c.view), QLatin1String(c.mode));
+    WriteConfig(c.view, c.mode);
     Form_Load(fresh, dir.path());
-    EXPECT_EQ(fresh.LargeViewActive, c.large);
-    EXPECT_EQ(fresh.panels.window.messageListVisible, c.normal);
-    EXPECT_EQ(fresh.panels.outputs[0].normal.visible, c.normal);
-    EXPECT_EQ(fresh.panels.headings[0].visible, c.normal);
-    EXPECT_EQ(fresh.panels.window.width, c.large ? 21675 : 15525);
+    const PanelModels& panels = fresh.panels;
+    EXPECT_EQ(std::tuple(fresh.LargeViewActive, panels.window.messageListVisible,
+                         panels.outputs[0].normal.visible, panels.headings[0].visible),
+              std::tuple(c.large, c.normal, c.normal, c.normal));
+    EXPECT_EQ(panels.window.width, c.large ? 21675 : 15525);
     EXPECT_EQ(fresh.DefaultViewLarge, c.view[0] == 'L');
   }
 }
 
-TEST_F(Startup, RestartInsideAnOffPeriodStaysOff) {
-  WriteConfig(QStringLiteral("Normal"), QStringLiteral("Output"));
+// Closed on a live link, the log says the monitor closed, not that the switcher was lost.
+TEST_F(Startup, RestartInsideAnOffPeriodStaysOffAndClosingIsNoOutage) {
+  WriteConfig("Normal", "Output");
   // Monitoring of output 5 is switched off every day at 06:00 and on again at 20:00.
   State writer;
   writer.AppPath = s.AppPath;
@@ -83,6 +70,13 @@ TEST_F(Startup, RestartInsideAnOffPeriodStaysOff) {
   EXPECT_TRUE(s.Outputs[1].MonitoringEnabled);
   EXPECT_EQ(s.Outputs[0].NextEvent, 1) << "20:00 is next";
   EXPECT_EQ(s.panels.outputs[0].lamp, kLampGrey);
+
+  OnConnected(s);
+  Form_Unload(s);
+  const QString log = QString::fromUtf8(ReadAll(QStringLiteral("EventLog.txt")));
+  EXPECT_TRUE(log.endsWith(QStringLiteral("Monitor Closed\r\n")));
+  EXPECT_FALSE(log.contains(QStringLiteral("Server Module Not Connected")));
+  EXPECT_TRUE(ErrorLines().isEmpty());
 }
 
 }  // namespace
