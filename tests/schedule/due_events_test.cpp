@@ -164,6 +164,7 @@ TEST_F(DueEvents, NextIsTheNearestFollowingOccurrenceRoundTheWeek) {
                                              Event("18:00:00", kEveryDay)};
   const std::vector<ScheduledEvent> tueFri = {Event("09:00:00", kTuesday),
                                               Event("08:00:00", kFriday)};
+  const std::vector<ScheduledEvent> noDay = {Event("06:00:00", 0), Event("07:00:00", 0x80)};
   const struct {
     const char* why;
     std::vector<ScheduledEvent> events;
@@ -174,8 +175,7 @@ TEST_F(DueEvents, NextIsTheNearestFollowingOccurrenceRoundTheWeek) {
       {"an event at the current second is not next", twice, 2, "18:00:00", 0},
       {"Sunday evening continues into Monday", twice, 6, "18:00:00", 0},
       {"Friday at its second: next Tuesday's", tueFri, 4, "08:00:00", 0},
-      {"no day bit among the seven", {Event("06:00:00", 0), Event("07:00:00", 0x80)}, 2,
-       "12:00:00", kNone},
+      {"no day bit among the seven", noDay, 2, "12:00:00", kNone},
       {"earliest wins whatever the order", {twice[1], twice[0]}, 2, "19:00:00", 1},
   };
   for (const auto& c : cases) {
