@@ -1,12 +1,10 @@
 #include "shows/show_activity.h"
 #include "show_fixture.h"
 
-namespace zrn {
+namespace zrn::test {
 namespace {
 
-using test::Bytes;
-
-using ShowActivity = test::ShowsTest;
+using ShowActivity = ShowsTest;
 
 TEST_F(ShowActivity, AShowIsOnAirWhenEveryTestPasses) {
   const QDate monday(2025, 11, 17);
@@ -66,14 +64,13 @@ TEST_F(ShowActivity, EndsComeBeforeStartsAndClearTheCancel) {
   AddShow(QStringLiteral("Early"), 5, {}, QStringLiteral("12:00:00"), QStringLiteral("12:15:00"));
   AddShow(QStringLiteral("Late"), 6, {}, QStringLiteral("12:15:01"), QStringLiteral("13:00:00"));
   GetActiveShows(s);
-  EXPECT_EQ(Wire(), test::kRoute5To10 + test::kConfig10);
+  EXPECT_EQ(Wire(), kRoute5To10 + kConfig10);
   s.Shows[0].AlarmCanceled = true;
   At(QTime(12, 15, 1));
   GetActiveShows(s);
   // The only output goes back first, so the show that starts can have it; routed at once to
   // the new source, it needs no park in between.
-  EXPECT_EQ(Wire(),
-            Bytes({0xFE, 0x04, 0x00, 0x06, 0x00, 0x0A, 0x00, 0x14, 0xFF}) + test::kConfig10);
+  EXPECT_EQ(Wire(), Bytes({0xFE, 0x04, 0x00, 0x06, 0x00, 0x0A, 0x00, 0x14, 0xFF}) + kConfig10);
   EXPECT_EQ(s.ActiveShows, std::vector<qint16>{1});
   EXPECT_EQ(s.SilenceOuts[0].Show, 1);
   EXPECT_FALSE(s.Shows[0].AlarmCanceled);
@@ -81,4 +78,4 @@ TEST_F(ShowActivity, EndsComeBeforeStartsAndClearTheCancel) {
 }
 
 }  // namespace
-}  // namespace zrn
+}  // namespace zrn::test

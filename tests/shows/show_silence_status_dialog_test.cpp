@@ -7,15 +7,13 @@
 #include "support/scripted_prompt.h"
 #include "ui/show_silence_status_dialog.h"
 
-namespace zrn {
+namespace zrn::test {
 namespace {
-
-using test::Bytes;
 
 // "Morning" on air: downlink input 5 watched on output 10; studio A (inputs 20/21) watched on
 // output 11; studio B (30/31) without a monitor, none being left; a studio row with no left
 // channel. Its outputs: 40/41 and 50/51, no cue.
-class ShowStatusWindow : public test::ShowsTest {
+class ShowStatusWindow : public ShowsTest {
  protected:
   void SetUp() override {
     ShowsTest::SetUp();
@@ -51,8 +49,8 @@ class ShowStatusWindow : public test::ShowsTest {
   }
   QStringList TakeLines() const { return Activity().filter(QStringLiteral("Show Source Change")); }
 
-  test::ScriptedPrompt prompt;
-  test::Person person;
+  ScriptedPrompt prompt;
+  Person person;
   std::unique_ptr<ShowSilenceStatusDialog> dialog;
 };
 
@@ -187,4 +185,4 @@ TEST_F(ShowStatusWindow, APanelClickSelectsTheShowStandingThere) {
 }
 
 }  // namespace
-}  // namespace zrn
+}  // namespace zrn::test

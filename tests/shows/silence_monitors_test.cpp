@@ -2,28 +2,13 @@
 #include "show_fixture.h"
 #include "shows/show_activity.h"
 
-namespace zrn {
+namespace zrn::test {
 namespace {
 
-using test::Bytes;
-using test::kConfig10;
-using test::kConfig11;
-using test::kPark10;
-using test::kRoute5To10;
-using test::kRoute7To11;
-
-using SilenceMonitors = test::ShowsTest;
+using SilenceMonitors = ShowsTest;
 
 TEST_F(SilenceMonitors, AShowBorrowsTheFirstFreeOutputsAndGivesThemBack) {
-  AddShow(QStringLiteral("Morning"), 5, {7});
-  GetActiveShows(s);
-  EXPECT_EQ(Wire(), kRoute5To10 + kConfig10 + kRoute7To11 + kConfig11);
-  EXPECT_EQ(s.Shows[0].DownlinkMonitor, 10);
-  EXPECT_EQ(s.Shows[0].StudioLeft[0].Monitor, 11);
-
-  At(QTime(14, 0, 1));
-  GetActiveShows(s);
-  EXPECT_EQ(Wire(), kPark10 + Bytes({0xFE, 0x00, 0x00, 0x7F, 0x7F, 0x0B, 0x00, 0x09, 0xFF}));
+  Steps("HMorning/5/14:00:00/12:00:00/7 G =C10C11 @14:00:01 G =P10P11");
   EXPECT_EQ(s.Shows[0].DownlinkMonitor, kNone);
   EXPECT_EQ(s.Shows[0].StudioLeft[0].Monitor, kNone);
   EXPECT_TRUE(std::ranges::all_of(
@@ -110,4 +95,4 @@ TEST_F(SilenceMonitors, TheOldSourcesSilenceRaisesNoAlarmAtTheStart) {
 }
 
 }  // namespace
-}  // namespace zrn
+}  // namespace zrn::test
