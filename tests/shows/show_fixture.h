@@ -15,7 +15,6 @@
 
 namespace zrn::test {
 
-// Literal frames used across the show tests.
 // Input 5 routed to output 10, input 7 to output 11 (0-based), and output 10 parked.
 inline const QByteArray kRoute5To10 = Bytes({0xFE, 0x04, 0x00, 0x05, 0x00, 0x0A, 0x00, 0x13, 0xFF});
 inline const QByteArray kRoute7To11 = Bytes({0xFE, 0x04, 0x00, 0x07, 0x00, 0x0B, 0x00, 0x16, 0xFF});
@@ -107,6 +106,7 @@ class ShowsTest : public LinkedStateTest {
   //   K                    the new exchange finds input 5 on output 10
   //   X  Y                 the link drops / is back, exchange complete, the monitors sent again
   //   R  I<o>              the monitors sent again / output o waits for its detector's report
+  //   J                    the second show's indicator is green
   //   U  Z                 Show Setup confirmed unchanged / with no shows
   //   =C10 =C10L =P10      output 10 routed and set (and relay 3 latched) / parked
   bool MoreSteps(char step, const QString& rest) override {
@@ -149,6 +149,7 @@ class ShowsTest : public LinkedStateTest {
          }},
         {'R', [&] { ResendShowMonitors(s); }},
         {'I', [&] { EXPECT_TRUE(InSilenceGrace(s, rest.toInt())); }},
+        {'J', [&] { EXPECT_EQ(Indicator(1), kLampGreen); }},
         {'U', [&] { ReplaceShows(s, s.Shows); }},
         {'Z', [&] { ReplaceShows(s, {}); }},
     };
