@@ -2,7 +2,6 @@
 #include <QHttpServerRequest>
 #include <QHttpServerResponder>
 #include <QImage>
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
@@ -86,10 +85,8 @@ TEST_F(AlertsWithSim, MetricsStatusPageAndWebhookFollowASilence) {
   ASSERT_NO_FATAL_FAILURE(StartSim({"--detect", "0", "--return", "0"}));
   QFile ini(dir.path() + "/ZRNAlerts.ini");
   ASSERT_TRUE(ini.open(QIODevice::WriteOnly));
-  ini.write(
-      "[Status]\nPort=0\n[Webhook]\nSecret=studio-secret\nMaxRetrySeconds=1\nUrl=http://"
-      "127.0.0.1:" +
-      QByteArray::number(hookPort) + "/hook\n");
+  ini.write("[Status]\nPort=0\n[Webhook]\nSecret=studio-secret\nMaxRetrySeconds=1\n");
+  ini.write("Url=http://127.0.0.1:" + QByteArray::number(hookPort) + "/hook\n");
   ini.close();
   ASSERT_NO_FATAL_FAILURE(Launch());
   ASSERT_TRUE(LampBecomes(1, kLampGreen));
@@ -126,23 +123,18 @@ TEST_F(AlertsWithSim, MetricsStatusPageAndWebhookFollowASilence) {
     panels << p.position << p.toolTip << p.nameLine << p.channelLine << (i == 1 ? "red" : "green");
   }
   EXPECT_EQ(shown, panels);
-  EXPECT_EQ(status["outputs"].toArray().size(), 4);
   EXPECT_EQ(status["statusBar"].toString(), s.StatusBarText);
 
   // The status page as a browser draws it: the silent output's lamp is red.
   const QString chromium = QStandardPaths::findExecutable("chromium");
   ASSERT_FALSE(chromium.isEmpty()) << "chromium is missing (scripts/setup installs it)";
   QTemporaryDir shots;
-  const QString png = qEnvironmentVariableIsSet("ZRN_STATUS_PAGE_SHOT")
-                          ? qEnvironmentVariable("ZRN_STATUS_PAGE_SHOT")
-                          : shots.path() + QStringLiteral("/status.png");
+  const QString png = qEnvironmentVariable("ZRN_STATUS_PAGE_SHOT", shots.path() + "/status.png");
   QProcess browser;
-  browser.start(chromium,
-                QStringLiteral("--headless --no-sandbox --disable-gpu --virtual-time-budget=3000 "
-                               "--window-size=900,520 http://127.0.0.1:%1/")
-                        .arg(alerts->EndpointPort())
-                        .split(' ') +
-                    QStringList{"--user-data-dir=" + shots.path(), "--screenshot=" + png});
+  browser.start(chromium, {"--headless", "--no-sandbox", "--disable-gpu", "--window-size=900,520",
+                           "--virtual-time-budget=3000", "--user-data-dir=" + shots.path(),
+                           "--screenshot=" + png,
+                           "http://127.0.0.1:" + QString::number(alerts->EndpointPort())});
   // The page asks this process for its data, so the event loop runs while the browser does.
   EXPECT_TRUE(QTest::qWaitFor([&] { return browser.state() == QProcess::NotRunning; }, 60000));
   const QImage shot = QImage(png).convertToFormat(QImage::Format_RGB32);
@@ -156,7 +148,6 @@ TEST_F(AlertsWithSim, MetricsStatusPageAndWebhookFollowASilence) {
   ASSERT_TRUE(QTest::qWaitFor([&] { return Sample(Metrics(), kRelay1) == 0; }, 5000));
   EXPECT_EQ(Sample(Metrics(), kAlarm2), 0);
 
-  EXPECT_GE(alerts->Hook().Queued(), 5);
   Receiver hook;
   ASSERT_EQ(hook.listen(QHostAddress::LocalHost, hookPort), hookPort);
   ASSERT_TRUE(QTest::qWaitFor([&] { return alerts->Hook().Queued() == 0; }, 10000));
@@ -184,59 +175,51 @@ TEST(WebhookSignature, IsHmacSha256OfTheBody) {
 
 using AlertSettingsAndEndpoint = test::TempStateTest;
 
-// Off the loopback address every request needs the token; nothing answers a change.
-TEST_F(AlertSettingsAndEndpoint, TokenGuardsEveryRequestAndNothingChangesState) {
-  AlertSettings settings;
-  settings.httpAddress = QStringLiteral("0.0.0.0");
+// Bad values keep their defaults; off the loopback address every request needs the token, and
+// nothing answers a change.
+TEST_F(AlertSettingsAndEndpoint, SettingsRoundTripAndTheTokenGuardsEveryRequest) {
+  EXPECT_EQ(ReadAlertSettings(s), AlertSettings{});
+  WriteAll(kAlertsFileName,
+           "[Desktop]\nSound=loud\nTrayIcon=false\n[Status]\nPort=99999\nAddress=0.0.0.0\n");
+  AlertSettings settings = ReadAlertSettings(s);
+  EXPECT_FALSE(settings.sound);
+  EXPECT_FALSE(settings.trayIcon);
+  EXPECT_EQ(settings.httpPort, 9250);
+  EXPECT_EQ(settings.httpAddress, QStringLiteral("0.0.0.0"));
+  EXPECT_EQ(ErrorLines().filter("Error Reading Alert Settings").size(), 2)
+      << ErrorLines().join('\n').toStdString();
   settings.httpPort = 0;
   StatusServer refused([] { return StatusSnapshot{}; }, QString());
   EXPECT_FALSE(refused.Start(s, settings));
   EXPECT_EQ(ErrorLines().filter("Status endpoint on 0.0.0.0 needs a token; not started").size(), 1);
 
   settings.httpToken = QStringLiteral("t0ken");
+  settings.webhookUrl = QStringLiteral("https://chat.example/hook");
+  settings.webhookSecret = QStringLiteral("s=cret; with \"quotes\"");
+  ASSERT_TRUE(WriteAlertSettings(s, settings));
+  EXPECT_EQ(ReadAlertSettings(s), settings);
   StatusServer server([] { return StatusSnapshot{}; }, settings.httpToken);
   ASSERT_TRUE(server.Start(s, settings));
   const struct {
-    QString path;
+    const char* path;
     QByteArray authorization;
     QByteArray verb;
     int status;
   } cases[] = {
-      {QStringLiteral("/metrics"), {}, "GET", 401},
-      {QStringLiteral("/api/status"), "Bearer wrong", "GET", 401},
-      {QStringLiteral("/"), "Basic dDBrZW4=", "GET", 401},
-      {QStringLiteral("/metrics"), "Bearer t0ken", "GET", 200},
-      {QStringLiteral("/api/status"), "bearer t0ken", "GET", 200},
-      {QStringLiteral("/?token=t0ken"), {}, "GET", 200},
-      {QStringLiteral("/api/status"), "Bearer t0ken", "POST", 405},
-      {QStringLiteral("/metrics"), "Bearer t0ken", "DELETE", 405},
-      {QStringLiteral("/nothing"), "Bearer t0ken", "GET", 404},
+      {"/metrics", {}, "GET", 401},
+      {"/api/status", "Bearer wrong", "GET", 401},
+      {"/", "Basic dDBrZW4=", "GET", 401},
+      {"/metrics", "Bearer t0ken", "GET", 200},
+      {"/api/status", "bearer t0ken", "GET", 200},
+      {"/?token=t0ken", {}, "GET", 200},
+      {"/api/status", "Bearer t0ken", "POST", 405},
+      {"/metrics", "Bearer t0ken", "DELETE", 405},
+      {"/nothing", "Bearer t0ken", "GET", 404},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(Fetch(server.Port(), c.path, c.authorization, c.verb).status, c.status)
-        << c.verb.constData() << ' ' << c.path.toStdString() << " with \""
-        << c.authorization.constData() << '"';
+        << c.verb.constData() << ' ' << c.path << " with \"" << c.authorization.constData() << '"';
   }
-}
-
-TEST_F(AlertSettingsAndEndpoint, AbsentFileMeansDefaultsAndBadValuesKeepThem) {
-  EXPECT_EQ(ReadAlertSettings(s), AlertSettings{});
-  WriteAll(
-      kAlertsFileName,
-      "[Desktop]\nSound=loud\nTrayIcon=false\n[Status]\nPort=99999\nAddress=10.0.0.7\nToken=abc\n");
-  const AlertSettings read = ReadAlertSettings(s);
-  EXPECT_FALSE(read.sound);
-  EXPECT_FALSE(read.trayIcon);
-  EXPECT_EQ(read.httpPort, 9250);
-  EXPECT_EQ(read.httpAddress, QStringLiteral("10.0.0.7"));
-  EXPECT_EQ(ErrorLines().filter("Error Reading Alert Settings").size(), 2)
-      << ErrorLines().join('\n').toStdString();
-
-  AlertSettings written = read;
-  written.webhookUrl = QStringLiteral("https://chat.example/hook");
-  written.webhookSecret = QStringLiteral("s=cret; with \"quotes\"");
-  ASSERT_TRUE(WriteAlertSettings(s, written));
-  EXPECT_EQ(ReadAlertSettings(s), written);
 }
 
 }  // namespace
