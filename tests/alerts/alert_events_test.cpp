@@ -30,6 +30,8 @@ class AlertTrackerTest : public test::TempStateTest {
     s.RelayStates.assign(2, 0);
     s.RelayNames = QStringList{QStringLiteral("ALARM"), QStringLiteral("SPARE")};
     s.Shows.resize(1);
+    s.ActiveShows = {0};  // counted only in show mode
+    s.ActiveShowCount = 1;
     s.Shows[0].Name = QStringLiteral("Morning");
     s.Shows[0].DownlinkMonitor = 5;
     s.ShowCount = 1;
@@ -87,8 +89,6 @@ TEST_F(AlertTrackerTest, EachChangeGivesItsEventsOnce) {
       {"show mode: the show's downlink in alarm",
        [&] {
          s.ProgramMode = 1;
-         s.ActiveShows = {0};
-         s.ActiveShowCount = 1;
          s.Shows[0].Alarm = 1;
        },
        "show_alarm_raised Morning", "red"},
@@ -113,24 +113,18 @@ TEST_F(AlertTrackerTest, EachChangeGivesItsEventsOnce) {
 
 TEST_F(AlertTrackerTest, SummaryNamesTheSilentOutputsAndTheFirstConnectionIsNotNotified) {
   Link(true);
-  std::vector<AlertEvent> events = tracker.Update(s);
-  ASSERT_EQ(events.size(), 1u);
-  EXPECT_FALSE(Notifies(events[0])) << "the first connection is no news";
+  EXPECT_FALSE(Notifies(tracker.Update(s).at(0))) << "the first connection is no news";
   EXPECT_EQ(tracker.Summary().toolTip, QStringLiteral("No output silent"));
-
   s.panels.outputs[0].lamp = kLampRed;
   s.panels.outputs[2].lamp = kLampYellow;
-  events = tracker.Update(s);
+  const AlertEvent raised = tracker.Update(s).at(0);
+  EXPECT_EQ(NotificationTitle(raised) + ": " + NotificationText(raised),
+            QStringLiteral("Loss alarm: Studio 1 (output 1) is silent"));
   EXPECT_EQ(tracker.Summary().toolTip, QStringLiteral("2 outputs silent: Studio 1, Studio 3"));
   EXPECT_TRUE(tracker.Summary().alarmOn);
-  ASSERT_FALSE(events.empty());
-  EXPECT_EQ(NotificationTitle(events[0]) + QStringLiteral(": ") + NotificationText(events[0]),
-            QStringLiteral("Loss alarm: Studio 1 (output 1) is silent"));
 
   // The exposition carries the show too, with label values escaped.
   s.ProgramMode = 1;
-  s.ActiveShows = {0};
-  s.ActiveShowCount = 1;
   s.Shows[0].Name = QStringLiteral("Late \"Night\" \\ Talk");
   s.Shows[0].Alarm = 1;
   const QByteArray metrics = MetricsText(TakeStatusSnapshot(s, AlertCounters{}));
