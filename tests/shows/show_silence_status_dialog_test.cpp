@@ -107,7 +107,7 @@ TEST_F(ShowStatusWindow, TakeSendsTheChosenSourceInOutputOrder) {
   EXPECT_TRUE(ErrorLines().last().contains(QStringLiteral("Error sending show source change")));
 }
 
-TEST_F(ShowStatusWindow, ColoursFollowTheMonitors) {
+TEST_F(ShowStatusWindow, ColoursFollowTheMonitorsAndTheWindowClosesWithItsShow) {
   Open();
   const QLabel* title = dialog->findChild<QLabel*>(QStringLiteral("lblShow"));
   ASSERT_NE(title, nullptr);
@@ -145,10 +145,8 @@ TEST_F(ShowStatusWindow, ColoursFollowTheMonitors) {
   EXPECT_FALSE(SelectShowPanel(s, 2));
   EXPECT_FALSE(SelectShowPanel(s, -1));
   EXPECT_EQ(s.SelectedShow, 1);
-}
 
-TEST_F(ShowStatusWindow, TheWindowClosesWithItsShowOrItsButton) {
-  Open();
+  // The window closes with its button, or with its show.
   Click("Close");
   EXPECT_FALSE(dialog->isVisible());
   EXPECT_FALSE(s.ShowStatusOpen);
