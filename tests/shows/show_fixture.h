@@ -1,10 +1,5 @@
 #pragma once
 
-#include <QByteArray>
-#include <QStringList>
-#include <QTime>
-#include <utility>
-
 #include "monitor/monitor_fixture.h"
 #include "monitor/poll_tick.h"
 #include "shows/show_activity.h"
@@ -12,6 +7,7 @@
 #include "shows/shows_pass.h"
 #include "support/fake_link.h"
 #include "support/on_air.h"
+#include "support/person.h"
 #include "support/switcher_bytes.h"
 #include "support/temp_state.h"
 #include "switcher/link.h"
@@ -19,11 +15,11 @@
 
 namespace zrn::test {
 
-// Literal frames used across the show tests.
 // Input 5 routed to output 10, input 7 to output 11 (0-based), and output 10 parked.
 inline const QByteArray kRoute5To10 = Bytes({0xFE, 0x04, 0x00, 0x05, 0x00, 0x0A, 0x00, 0x13, 0xFF});
 inline const QByteArray kRoute7To11 = Bytes({0xFE, 0x04, 0x00, 0x07, 0x00, 0x0B, 0x00, 0x16, 0xFF});
 inline const QByteArray kPark10 = Bytes({0xFE, 0x00, 0x00, 0x7F, 0x7F, 0x0A, 0x00, 0x08, 0xFF});
+inline const QByteArray kPark11 = Bytes({0xFE, 0x00, 0x00, 0x7F, 0x7F, 0x0B, 0x00, 0x09, 0xFF});
 // Show detector settings (mode 265, level 824, 8 s, 5 s) on outputs 10 and 11.
 inline const QByteArray kConfig10 =
     Bytes({0xCB, 0x00, 0x01, 0x00, 0x0A, 0x00, 0x09, 0x02, 0x7F, 0x7F, 0x38,
@@ -45,6 +41,8 @@ class ShowsTest : public LinkedStateTest {
     frames[QStringLiteral("C10")] = kRoute5To10 + kConfig10;
     frames[QStringLiteral("C10L")] = kRoute5To10 + kConfig10 + kLatch3;
     frames[QStringLiteral("P10")] = kPark10;
+    frames[QStringLiteral("C10C11")] = kRoute5To10 + kConfig10 + kRoute7To11 + kConfig11;
+    frames[QStringLiteral("P10P11")] = kPark10 + kPark11;
   }
 
   void SetSilenceOuts(std::initializer_list<int> outputs) {
@@ -99,7 +97,7 @@ class ShowsTest : public LinkedStateTest {
   Rgb Indicator(int panel) const { return s.panels.shows.at(panel).indicatorColour; }
 
   // Show steps besides the alarm steps:
-  //   H<name>/<downlink>/<end>[/<start>]  a show on air, from 12:00:00 unless given
+  //   H<name>/<downlink>/<end>[/<start>[/<studio>]]  a show on air, from 12:00:00 unless given
   //   N                    "Morning" on air, its monitor past its grace
   //   D<status> E<status>  output 10 / 11 reports       @<time>  the clock is set and read
   //   ><n>                 n times a second passes and a tick runs
@@ -107,6 +105,8 @@ class ShowsTest : public LinkedStateTest {
   //   W  M<mode>           switcher output 1 watched / the program mode
   //   K                    the new exchange finds input 5 on output 10
   //   X  Y                 the link drops / is back, exchange complete, the monitors sent again
+  //   R  I<o>              the monitors sent again / output o waits for its detector's report
+  //   J                    the second show's indicator is green
   //   U  Z                 Show Setup confirmed unchanged / with no shows
   //   =C10 =C10L =P10      output 10 routed and set (and relay 3 latched) / parked
   bool MoreSteps(char step, const QString& rest) override {
@@ -114,7 +114,9 @@ class ShowsTest : public LinkedStateTest {
     const std::map<char, std::function<void()>> steps = {
         {'H',
          [&] {
-           AddShow(show[0], static_cast<qint16>(show[1].toInt()), {},
+           const std::vector<qint16> studio(show.size() > 4,
+                                            static_cast<qint16>(show.value(4).toInt()));
+           AddShow(show[0], static_cast<qint16>(show[1].toInt()), studio,
                    show.value(3, QStringLiteral("12:00:00")), show[2]);
          }},
         {'N', [&] { Steps("HMorning/5/14:00:00 t D0 t _"); }},
@@ -145,6 +147,9 @@ class ShowsTest : public LinkedStateTest {
            s.linkState.ExchangeComplete = true;
            ResendShowMonitors(s);
          }},
+        {'R', [&] { ResendShowMonitors(s); }},
+        {'I', [&] { EXPECT_TRUE(InSilenceGrace(s, rest.toInt())); }},
+        {'J', [&] { EXPECT_EQ(Indicator(1), kLampGreen); }},
         {'U', [&] { ReplaceShows(s, s.Shows); }},
         {'Z', [&] { ReplaceShows(s, {}); }},
     };

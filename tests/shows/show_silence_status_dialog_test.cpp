@@ -7,15 +7,13 @@
 #include "support/scripted_prompt.h"
 #include "ui/show_silence_status_dialog.h"
 
-namespace zrn {
+namespace zrn::test {
 namespace {
-
-using test::Bytes;
 
 // "Morning" on air: downlink input 5 watched on output 10; studio A (inputs 20/21) watched on
 // output 11; studio B (30/31) without a monitor, none being left; a studio row with no left
 // channel. Its outputs: 40/41 and 50/51, no cue.
-class ShowStatusWindow : public test::ShowsTest {
+class ShowStatusWindow : public ShowsTest {
  protected:
   void SetUp() override {
     ShowsTest::SetUp();
@@ -44,19 +42,19 @@ class ShowStatusWindow : public test::ShowsTest {
   QAbstractButton* Box(const char* caption) const {
     return qobject_cast<QAbstractButton*>(person.Find(QLatin1String(caption)));
   }
-  void Click(const char* caption) { person.Click(QLatin1String(caption)); }
+  void Click(const char* caption) const { person.Click(QLatin1String(caption)); }
   static Rgb TextColour(const QWidget* widget) {
     const QColor c = widget->palette().color(QPalette::WindowText);
     return {c.red(), c.green(), c.blue()};
   }
   QStringList TakeLines() const { return Activity().filter(QStringLiteral("Show Source Change")); }
 
-  test::ScriptedPrompt prompt;
-  test::Person person;
+  ScriptedPrompt prompt;
+  Person person;
   std::unique_ptr<ShowSilenceStatusDialog> dialog;
 };
 
-// One box at a time, each pitched 320 twips below the last.
+// One box at a time, each pitched 320 twips below the last; undefined channels are never sent.
 TEST_F(ShowStatusWindow, TakeSendsTheChosenSourceInOutputOrder) {
   Open();
   EXPECT_TRUE(s.ShowStatusOpen);
@@ -64,6 +62,11 @@ TEST_F(ShowStatusWindow, TakeSendsTheChosenSourceInOutputOrder) {
   EXPECT_EQ(dialog->findChildren<QCheckBox*>().size(), 3);
   EXPECT_EQ(Box("Studio B")->y() - Box("Studio A")->y(), 21);
   EXPECT_EQ(Box("Not specified")->y() - Box("Studio A")->y(), 43);
+  QAbstractButton* unspecified = Box("Not specified");  // the row without a left channel
+  EXPECT_FALSE(unspecified->isEnabled());
+  QTest::mouseClick(unspecified, Qt::LeftButton, {}, QPoint(8, unspecified->height() / 2));
+  EXPECT_FALSE(unspecified->isChecked());
+  Click("Take Selected");
   Click("Studio A");
   Click("Studio B");
   EXPECT_FALSE(Box("Studio A")->isChecked());
@@ -78,49 +81,33 @@ TEST_F(ShowStatusWindow, TakeSendsTheChosenSourceInOutputOrder) {
                          "Show Source Change - Morning: Studio B [0031] to Out 0051 [0051]",
                          "Show Source Change - Morning: Studio B R [0032] to Out 0052 [0052]"}));
   EXPECT_TRUE(dialog->isVisible()) << "the window stays open";
-  EXPECT_TRUE(prompt.informed.isEmpty());
-}
+  EXPECT_EQ(prompt.informed, QStringList{QStringLiteral("No Studio Source Selected")});
+  EXPECT_EQ(prompt.titles, QStringList{QStringLiteral("Selection Error")});
 
-TEST_F(ShowStatusWindow, UndefinedChannelsAreNeverSent) {
+  // Studio right 21 undefined (never input 16384), output 50's left undefined, cues on 41 and 24.
   ShowRecord& rec = s.Shows[0];
   rec.StudioRight[0].Channel = kNone;
   rec.OutputLeft[1] = kNone;
-  // Left 20 to output 40 only: studio right 21 is undefined (never input 16384), and output
-  // 50's left is undefined.
-  EXPECT_EQ(TakeCommands(s, 0, 0), (std::vector<TakeCommand>{{41, 21}}));
   rec.OutputCue = {60, kNone};
   rec.StudioCue[0].Channel = 23;
-  EXPECT_EQ(TakeCommands(s, 0, 0), (std::vector<TakeCommand>{{41, 21}, {61, 24}}));
-  EXPECT_TRUE(TakeCommands(s, 0, 2).empty());
-  EXPECT_FALSE(CanTakeStudioSource(s, 0, 2));
-  EXPECT_FALSE(CanTakeStudioSource(s, 0, 3));
-  EXPECT_FALSE(CanTakeStudioSource(s, 4, 0));
-
-  Open();
-  QAbstractButton* unspecified = Box("Not specified");
-  ASSERT_NE(unspecified, nullptr);
-  EXPECT_FALSE(unspecified->isEnabled());
-  QTest::mouseClick(unspecified, Qt::LeftButton, {}, QPoint(8, unspecified->height() / 2));
-  EXPECT_FALSE(unspecified->isChecked());
-  Click("Take Selected");
-  EXPECT_EQ(prompt.informed, QStringList{QStringLiteral("No Studio Source Selected")});
-  EXPECT_EQ(prompt.titles, QStringList{QStringLiteral("Selection Error")});
-  EXPECT_TRUE(Wire().isEmpty());
   Click("Studio A");
   Click("Take Selected");
   EXPECT_EQ(Wire(), Bytes({0xFE, 0x04, 0x00, 0x14, 0x00, 0x28, 0x00, 0x40, 0xFF,     // 21 to 41
                            0xFE, 0x04, 0x00, 0x17, 0x00, 0x3C, 0x00, 0x57, 0xFF}));  // 24 to 61
-  EXPECT_EQ(TakeLines().size(), 2);
+  EXPECT_EQ(TakeLines().size(), 6);
+  EXPECT_TRUE(TakeCommands(s, 0, 2).empty());
+  EXPECT_FALSE(CanTakeStudioSource(s, 0, 3));
+  EXPECT_FALSE(CanTakeStudioSource(s, 4, 0));
 
   // On a dead link nothing is sent and nothing is logged as done.
   CloseSwitcherLink(s);
   EXPECT_EQ(TakeStudioSource(s, 0, 0), 0);
-  EXPECT_EQ(TakeLines().size(), 2);
+  EXPECT_EQ(TakeLines().size(), 6);
   ASSERT_FALSE(ErrorLines().isEmpty());
   EXPECT_TRUE(ErrorLines().last().contains(QStringLiteral("Error sending show source change")));
 }
 
-TEST_F(ShowStatusWindow, ColoursFollowTheMonitors) {
+TEST_F(ShowStatusWindow, ColoursFollowTheMonitorsAndTheWindowClosesWithItsShow) {
   Open();
   const QLabel* title = dialog->findChild<QLabel*>(QStringLiteral("lblShow"));
   ASSERT_NE(title, nullptr);
@@ -148,10 +135,18 @@ TEST_F(ShowStatusWindow, ColoursFollowTheMonitors) {
   dialog->Refresh();
   EXPECT_EQ(TextColour(title), kLampRed);
   EXPECT_EQ(TextColour(Box("Studio A")), kLampGrey);
-}
 
-TEST_F(ShowStatusWindow, TheWindowClosesWithItsShowOrItsButton) {
-  Open();
+  // A click on a show panel selects the show standing there.
+  AddShow(QStringLiteral("Evening"), 6);
+  ShowsPass(s);
+  ASSERT_EQ(s.ActiveShows, (std::vector<qint16>{0, 1}));
+  EXPECT_TRUE(SelectShowPanel(s, 1));
+  EXPECT_EQ(s.SelectedShow, 1);
+  EXPECT_FALSE(SelectShowPanel(s, 2));
+  EXPECT_FALSE(SelectShowPanel(s, -1));
+  EXPECT_EQ(s.SelectedShow, 1);
+
+  // The window closes with its button, or with its show.
   Click("Close");
   EXPECT_FALSE(dialog->isVisible());
   EXPECT_FALSE(s.ShowStatusOpen);
@@ -175,16 +170,5 @@ TEST_F(ShowStatusWindow, TheWindowClosesWithItsShowOrItsButton) {
   EXPECT_FALSE(s.ShowStatusOpen);
 }
 
-TEST_F(ShowStatusWindow, APanelClickSelectsTheShowStandingThere) {
-  AddShow(QStringLiteral("Evening"), 6);
-  ShowsPass(s);
-  ASSERT_EQ(s.ActiveShows, (std::vector<qint16>{0, 1}));
-  EXPECT_TRUE(SelectShowPanel(s, 1));
-  EXPECT_EQ(s.SelectedShow, 1);
-  EXPECT_FALSE(SelectShowPanel(s, 2));
-  EXPECT_FALSE(SelectShowPanel(s, -1));
-  EXPECT_EQ(s.SelectedShow, 1);
-}
-
 }  // namespace
-}  // namespace zrn
+}  // namespace zrn::test

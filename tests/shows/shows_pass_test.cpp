@@ -1,20 +1,11 @@
 #include "monitor/panel_update.h"
 #include "show_fixture.h"
+#include "shows/show_activity.h"
 #include "shows/show_editor_rules.h"
+#include "shows/silence_monitors.h"
 
-namespace zrn {
+namespace zrn::test {
 namespace {
-
-using test::kCanceled;
-using test::kConfig10;
-using test::kConfig11;
-using test::kLatch3;
-using test::kOff;
-using test::kOn;
-using test::kPark10;
-using test::kRoute5To10;
-using test::kRoute7To11;
-using test::Scenario;
 
 const QString kMorningOn = QStringLiteral("Morning Silence Alarm Status ON!");
 const QString kMorningOff = QStringLiteral("Morning Silence Alarm Status OFF!");
@@ -49,16 +40,28 @@ const Scenario kScenarios[] = {
     {"shows sharing a downlink keep it watched until the last ends",
      "HShort/5/12:30:00 HLong/5/13:00:00 G =C10 @12:30:01 G =- D1 Q #ir =L @13:00:01 G =P10",
      {"Long Silence Alarm Status ON!", kOn}},
+    // Nothing while the link is down or its exchange incomplete; then each borrowed output once,
+    // shared or not, the studio's newly routed one waiting for its detector; none in output mode.
+    {"monitors are sent again after each completed exchange",
+     "HMorning/5/14:00:00/12:00:00/7 HSharing/5/14:00:00 Q =C10C11 D0 E0 X Q o Q =- e K R =C10C11 "
+     "I11 s10 Q #ir =L M0 R =-",
+     {kMorningOn, "Sharing Silence Alarm Status ON!", kOn}},
+    // The borrowed output was parked, so its detector still reports silence: grey until the
+    // silence outlasts the detect and return times, or at once when the detector reports on the
+    // new source.
+    {"the old source's silence raises no alarm at the start",
+     "D1 HMorning/5/14:00:00 t =C10 #i- >12 #i- >1 #ir =L r1 HSecond/6/14:00:00 E1 t E0 t J",
+     {kMorningOn, kOn}},
 };
 
-class ShowsPassTest : public test::ShowsTest, public testing::WithParamInterface<Scenario> {};
+class ShowsPassTest : public ShowsTest, public testing::WithParamInterface<Scenario> {};
 
 TEST_P(ShowsPassTest, Scenario) {
   Steps(GetParam().steps);
   EXPECT_EQ(Activity(), GetParam().log);
 }
 
-INSTANTIATE_TEST_SUITE_P(Steps, ShowsPassTest, testing::ValuesIn(kScenarios), test::ScenarioName);
+INSTANTIATE_TEST_SUITE_P(Steps, ShowsPassTest, testing::ValuesIn(kScenarios), ScenarioName);
 
 TEST_F(ShowsPassTest, ShowsWaitForALiveCompleteLink) {
   AddShow(QStringLiteral("Morning"), 5);
@@ -76,49 +79,12 @@ TEST_F(ShowsPassTest, ShowsWaitForALiveCompleteLink) {
     State saved = s;
     c.spoil(s);
     ShowsPass(s);
-    EXPECT_EQ(s.ActiveShowCount, 0) << c.what;
     EXPECT_TRUE(Wire().isEmpty()) << c.what;
     s = saved;
   }
   ShowsPass(s);
   EXPECT_EQ(s.ActiveShowCount, 1);
   EXPECT_EQ(Wire(), kRoute5To10 + kConfig10);
-}
-
-TEST_F(ShowsPassTest, MonitorsAreSentAgainAfterEachCompletedExchange) {
-  AddShow(QStringLiteral("Morning"), 5, {7});
-  AddShow(QStringLiteral("Sharing"), 5);
-  ShowsPass(s);
-  EXPECT_EQ(Wire(), kRoute5To10 + kConfig10 + kRoute7To11 + kConfig11);
-  Report(10, 0);
-  Report(11, 0);
-
-  // The switcher restarts: nothing is sent while the link is down or incomplete.
-  CloseSwitcherLink(s);
-  ShowsPass(s);
-  OnConnected(s);
-  ShowsPass(s);
-  EXPECT_TRUE(Wire().isEmpty());
-  s.linkState.ExchangeComplete = true;
-  // The new exchange's crosspoint map: output 10 still carries the downlink, output 11 lost its
-  // studio source in the restart.
-  s.CrosspointMap[10].SourceCount = 1;
-  s.CrosspointMap[10].Sources[0] = 5;
-  ResendShowMonitors(s);
-  EXPECT_EQ(Wire(), kRoute5To10 + kConfig10 + kRoute7To11 + kConfig11)
-      << "each borrowed output once, shared or not";
-  // A monitor routed again to what it carries keeps its report; one routed anew waits until
-  // its detector has looked at the new source.
-  EXPECT_FALSE(InSilenceGrace(s, 10));
-  EXPECT_TRUE(InSilenceGrace(s, 11));
-  s.SilenceStatus[10].Status = 1;
-  ShowsPass(s);
-  EXPECT_EQ(Indicator(0), kLampRed);
-  EXPECT_EQ(Wire(), kLatch3) << "nothing routed again, the alarm on the relay";
-
-  s.ProgramMode = 0;
-  ResendShowMonitors(s);
-  EXPECT_TRUE(Wire().isEmpty());
 }
 
 // Two shows share a monitor; when the one that set it up ends, the other's own detector
@@ -150,5 +116,136 @@ TEST_F(ShowsPassTest, TheOpenStatusWindowsSourcesAreRefreshedEachTick) {
   EXPECT_EQ(s.Shows[0].StudioLeft[0].Status, 1);
 }
 
+TEST_F(ShowsPassTest, AShowBorrowsTheFirstFreeOutputsAndGivesThemBack) {
+  Steps("HMorning/5/14:00:00/12:00:00/7 G =C10C11 @14:00:01 G =P10P11");
+  EXPECT_EQ(s.Shows[0].DownlinkMonitor, kNone);
+  EXPECT_EQ(s.Shows[0].StudioLeft[0].Monitor, kNone);
+  EXPECT_TRUE(std::ranges::all_of(
+      s.SilenceOuts, [](const SilenceOut& e) { return e.Source == kNone && e.Show == kNone; }));
+}
+
+TEST_F(ShowsPassTest, MissingAndUndefinedMonitorsAreSkipped) {
+  SetSilenceOuts({10, 11});
+  EXPECT_EQ(FindSilenceDetectMonitorOutput(s, kNone), kNone);
+  // The undefined studio source borrows nothing and the third finds no output left; the evening's
+  // studio is not looked for once its downlink found none.
+  AddShow(QStringLiteral("Morning"), 5, {kNone, 7, 8});
+  AddShow(QStringLiteral("Evening"), 6, {5});
+  GetActiveShows(s);
+  const std::vector<qint16> monitors = {
+      s.Shows[0].StudioLeft[0].Monitor, s.Shows[0].StudioLeft[1].Monitor,
+      s.Shows[0].StudioLeft[2].Monitor, s.Shows[1].DownlinkMonitor,
+      s.Shows[1].StudioLeft[0].Monitor};
+  EXPECT_EQ(monitors, (std::vector<qint16>{kNone, 11, kNone, kNone, kNone}));
+  ASSERT_EQ(ErrorLines().size(), 2);
+  EXPECT_TRUE(ErrorLines()[0].endsWith(
+      QStringLiteral("Unable to locate output to monitor studio source for show: Morning")));
+  EXPECT_TRUE(ErrorLines()[1].endsWith(
+      QStringLiteral("Unable to locate output to monitor downlink source for show: Evening")));
+  Wire();
+
+  // Without a monitor the indicator is grey and the show stays out of the alarm.
+  s.Shows[1].DownlinkStatus = 1;
+  s.Shows[1].Alarm = 1;
+  ShowsPass(s);
+  EXPECT_EQ(Indicator(1), kLampGrey);
+  EXPECT_TRUE(Wire().isEmpty());
+  // Its release parks nothing, least of all the output the other show holds.
+  FreeSilenceOuts(s, 1);
+  EXPECT_TRUE(Wire().isEmpty());
+  EXPECT_EQ(s.SilenceOuts[0].Show, 0);
+}
+
+TEST_F(ShowsPassTest, IndicatorsFollowTheWholeStatusByteOutsideIgnoreWindows) {
+  const int show = AddShow(QStringLiteral("Morning"), 5);
+  s.Shows[show].IgnoreCount = 1;
+  s.Shows[show].IgnoreWindows = {{QStringLiteral("12:00:00"), QStringLiteral("12:30:00")}};
+  Steps(
+      "Q _ @12:15:00 D1 Q #i- w0 @12:00:00 Q #ir w1 @12:30:00 Q #ir w1 @12:40:00 D0 Q #ig w0 "
+      "D2 Q #i- w0 D3 Q #i- w0");
+  // A window that cannot be read is reported and does not apply.
+  s.Shows[show].IgnoreWindows[0].EndTime = QStringLiteral("twelve");
+  Steps("D1 @12:15:00 Q #ir");
+  ASSERT_FALSE(ErrorLines().isEmpty());
+  EXPECT_TRUE(ErrorLines().last().contains(
+      QStringLiteral("Error updating show display (silence) Show:Morning")));
+  // Not connected: the indicator keeps its colour.
+  Report(10, 0);
+  CloseSwitcherLink(s);
+  UpdateShowSilenceDisplay(s, show);
+  EXPECT_EQ(Indicator(0), kLampRed);
+}
+
+TEST_F(ShowsPassTest, AShowIsOnAirWhenEveryTestPasses) {
+  const QDate monday(2025, 11, 17);
+  const QDate newYear(2025, 1, 1);
+  const QDate lastDay(2025, 12, 31);
+  struct Case {
+    const char *start, *end;
+    qint16 days;
+    QDate day;
+    QTime at;
+    bool onAir;
+  } cases[] = {
+      {"08:00:00", "10:00:00", 127, monday, QTime(8, 0, 0), true},
+      {"08:00:00", "10:00:00", 127, monday, QTime(10, 0, 0), true},
+      {"23:00:00", "01:00:00", 127, monday, QTime(23, 30, 0), false},
+      {"24:00:00", "10:00:00", 127, monday, QTime(9, 0, 0), false},
+      {"08:00:00", "24:00:00", 127, monday, QTime(9, 0, 0), false},
+      {"08:00:00", "10:00:00", 1, monday, QTime(9, 0, 0), true},
+      {"08:00:00", "10:00:00", 64, monday.addDays(6), QTime(9, 0, 0), true},
+      {"08:00:00", "10:00:00", 0, monday, QTime(9, 0, 0), false},
+      {"00:00:00", "23:59:59", 127, newYear, QTime(0, 0, 0), true},
+      {"00:00:00", "23:59:59", 127, lastDay, QTime(23, 59, 59), true},
+      {"00:00:00", "23:59:59", 127, newYear.addDays(-1), QTime(23, 59, 59), false},
+      {"00:00:00", "23:59:59", 127, lastDay.addDays(1), QTime(0, 0, 0), false},
+  };
+  for (const Case& c : cases) {
+    EndActiveShows(s);
+    s.Shows.clear();
+    AddShow(QStringLiteral("Solo"), kNone, {}, QLatin1String(c.start), QLatin1String(c.end));
+    s.Shows[0].Days = c.days;
+    s.Shows[0].StartDate = QStringLiteral("01/01/2025");
+    s.Shows[0].EndDate = QStringLiteral("12/31/2025");
+    At(c.at, c.day);
+    GetActiveShows(s);
+    EXPECT_EQ(s.ActiveShows, c.onAir ? std::vector<qint16>{0} : std::vector<qint16>{})
+        << c.start << "-" << c.end << " days " << c.days << " "
+        << qPrintable(QDateTime(c.day, c.at).toString());
+    EXPECT_EQ(s.Shows[0].ActivityState, c.onAir ? 1 : 0);
+  }
+  EXPECT_TRUE(ErrorLines().isEmpty());
+}
+
+TEST_F(ShowsPassTest, UnreadableTimesAndDatesAreReported) {
+  AddShow(QStringLiteral("Bad time"), 6, {}, QStringLiteral("12:xx:00"));
+  AddShow(QStringLiteral("Bad date"), 5);
+  s.Shows[1].StartDate = QStringLiteral("1x/01/2026");
+  GetActiveShows(s);
+  // The bad time keeps its own show off the air; the bad date does not.
+  EXPECT_EQ(s.ActiveShows, std::vector<qint16>{1});
+  ASSERT_EQ(ErrorLines().size(), 2);
+  EXPECT_TRUE(ErrorLines()[0].contains(QStringLiteral("Error determining active shows")));
+  EXPECT_TRUE(ErrorLines()[1].contains(QStringLiteral("Error checking show date")));
+}
+
+TEST_F(ShowsPassTest, EndsComeBeforeStartsAndClearTheCancel) {
+  SetSilenceOuts({10});
+  AddShow(QStringLiteral("Early"), 5, {}, QStringLiteral("12:00:00"), QStringLiteral("12:15:00"));
+  AddShow(QStringLiteral("Late"), 6, {}, QStringLiteral("12:15:01"), QStringLiteral("13:00:00"));
+  GetActiveShows(s);
+  EXPECT_EQ(Wire(), kRoute5To10 + kConfig10);
+  s.Shows[0].AlarmCanceled = true;
+  At(QTime(12, 15, 1));
+  GetActiveShows(s);
+  // The only output goes back first, so the show that starts can have it; routed at once to
+  // the new source, it needs no park in between.
+  EXPECT_EQ(Wire(), Bytes({0xFE, 0x04, 0x00, 0x06, 0x00, 0x0A, 0x00, 0x14, 0xFF}) + kConfig10);
+  EXPECT_EQ(s.ActiveShows, std::vector<qint16>{1});
+  EXPECT_EQ(s.SilenceOuts[0].Show, 1);
+  EXPECT_FALSE(s.Shows[0].AlarmCanceled);
+  EXPECT_TRUE(ErrorLines().isEmpty());
+}
+
 }  // namespace
-}  // namespace zrn
+}  // namespace zrn::test
