@@ -122,8 +122,9 @@ TEST_F(ConfigFileTest, SectionsFillTheOutputsTable) {
   EXPECT_EQ(Fields(later.Outputs[0]), (Read{kNone, 0, "None", 0, 1, false}));
 }
 
-// The exact layout, characters beyond ASCII as single bytes, and every field read back as written:
-// trailing blanks as events leave them, an unset output and relay.
+// The exact layout (CRLF ends, characters beyond ASCII as single bytes, kept in tests/data), and
+// every field read back as written: trailing blanks as events leave them, an unset output and
+// relay.
 TEST_F(ConfigFileTest, WritesTheExactLayoutAndReadsItBack) {
   s.ServerAddress = "10.1.2.3";
   s.ServerPort = 1251;
@@ -143,30 +144,9 @@ TEST_F(ConfigFileTest, WritesTheExactLayoutAndReadsItBack) {
     s.Outputs[i].EventCount = static_cast<qint16>(written[i].eventCount);
   }
   ASSERT_TRUE(WriteConfiguration(s));
-  EXPECT_EQ(ReadAll(kIni), QByteArray("[CONFIGURATION]\r\n"
-                                      "Server IP Address=10.1.2.3\r\n"
-                                      "Server IP Port=1251\r\n"
-                                      "Maximum Log File Size=0\r\n"
-                                      "Maximum Display=250\r\n"
-                                      "Alarm Relay=16383\r\n"
-                                      "Default View=Large\r\n"
-                                      "Program Mode=Show\r\n"
-                                      "Output Count=3\r\n"
-                                      "[OUTPUT1]\r\n"
-                                      "Output=12\r\n"
-                                      "Display Options=2\r\n"
-                                      "Custom Label=Caf\xe9 \r\n"
-                                      "Event Count=3\r\n"
-                                      "[OUTPUT2]\r\n"
-                                      "Output=16383\r\n"
-                                      "Display Options=0\r\n"
-                                      "Custom Label=None\r\n"
-                                      "Event Count=0\r\n"
-                                      "[OUTPUT3]\r\n"
-                                      "Output=100\r\n"
-                                      "Display Options=1\r\n"
-                                      "Custom Label=Z\xfcrich \xbd\r\n"
-                                      "Event Count=2\r\n"));
+  QFile golden(QStringLiteral(ZRN_TEST_DATA_DIR "/zrnconfig-written.ini"));
+  ASSERT_TRUE(golden.open(QIODevice::ReadOnly));
+  EXPECT_EQ(ReadAll(kIni), golden.readAll());
 
   s.AlarmRelay = 17;
   s.DefaultViewLarge = 0;

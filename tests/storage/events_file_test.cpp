@@ -11,15 +11,8 @@ const QString kFile = QStringLiteral("ZRNEvents.dat");
 
 ScheduledEvent Event(const QString& time, int days = 31, bool active = true, int display = 0,
                      bool connect = false, int source = kNone, const QString& label = {}) {
-  ScheduledEvent e;
-  e.Time = time;
-  e.Days = static_cast<qint16>(days);
-  e.Active = active;
-  e.DisplayOption = static_cast<qint16>(display);
-  e.Connect = connect;
-  e.Source = static_cast<qint16>(source);
-  e.Label = label;
-  return e;
+  return {time,    active, static_cast<qint16>(display), static_cast<qint16>(days),
+          connect, label,  static_cast<qint16>(source)};
 }
 
 class EventsFile : public test::StorageTest {
@@ -38,9 +31,8 @@ class EventsFile : public test::StorageTest {
 TEST_F(EventsFile, WorkedExampleIsByteExactAndFlagsAreNormalised) {
   SetEvents(0, {Event("06:30:00")});
   ASSERT_TRUE(SaveEvents(s));
-  const QByteArray expected = QByteArray::fromHex("01000100") + QByteArray(1, '\0') + "06:30:00" +
-                              QByteArray::fromHex("1FFF0000FF3F") + QByteArray(12, ' ');
-  EXPECT_EQ(ReadAll(kFile), expected);
+  EXPECT_EQ(ReadAll(kFile), QByteArray::fromHex("01000100") + QByteArray(1, '\0') + "06:30:00" +
+                                QByteArray::fromHex("1FFF0000FF3F") + QByteArray(12, ' '));
 
   SetEvents(0, {});
   ASSERT_TRUE(SaveEvents(s));
@@ -103,7 +95,7 @@ TEST_F(EventsFile, ReadingSortsByTimeAndLetsTheFileDecideTheCounts) {
 }
 
 // Every cut of a good file is an error, and so is a count promising records that are not there
-// (randomly damaged files are the fuzz target's).
+// or an output beyond the table (randomly damaged files are the fuzz target's).
 TEST_F(EventsFile, EveryCutOfAGoodFileIsAnErrorAndCountsAreNeverTrusted) {
   UseOutputs(2);
   SetEvents(0, {Event("06:30:00"), Event("18:00:00", 96, false, 2, true, 7, "Late")});
@@ -123,33 +115,33 @@ TEST_F(EventsFile, EveryCutOfAGoodFileIsAnErrorAndCountsAreNeverTrusted) {
         << file.size();
   }
 
+  // An output the table does not hold stops the reading; events already given out stay, the
+  // counts are not corrected, and the file is set aside.
+  ForgetErrors(kFile);
+  WriteAll(kFile, whole);
+  UseOutputs(1);
+  s.Outputs[0].EventCount = 4;
+  EXPECT_FALSE(ReadEvents(s));
+  EXPECT_TRUE(HasErrorLine(QStringLiteral("Error Reading Events"),
+                           QStringLiteral("Error #  9 - Subscript out of range")));
+  EXPECT_EQ(std::tuple(s.Outputs[0].Events[0].Time, s.Outputs[0].EventCount),
+            std::tuple(QStringLiteral("06:30:00"), 4));
+  EXPECT_EQ(ReadAll(kFile), whole);
+  EXPECT_EQ(Files().filter(QStringLiteral("ZRNEvents.dat.bad-")).size(), 1);
+
   ForgetErrors(kFile);
   WriteAll(kFile, QByteArray::fromHex("0100FFFF"));
   EXPECT_TRUE(ReadEvents(s)) << "a negative count reads no records";
   EXPECT_EQ(s.Outputs[0].EventCount, 0);
 }
 
-TEST_F(EventsFile, UnknownOutputStopsReadingAndTheFileIsSetAside) {
-  UseOutputs(6);
-  SetEvents(0, {Event("06:00:00")});
-  SetEvents(5, {Event("07:00:00")});
-  ASSERT_TRUE(SaveEvents(s));
-  const QByteArray original = ReadAll(kFile);
-
-  UseOutputs(3);
-  s.Outputs[0].EventCount = 4;
-  EXPECT_FALSE(ReadEvents(s));
-  EXPECT_TRUE(HasErrorLine(QStringLiteral("Error Reading Events"),
-                           QStringLiteral("Error #  9 - Subscript out of range")));
-  // Events already given out stay, and the counts are not corrected.
-  EXPECT_EQ(std::tuple(s.Outputs[0].Events[0].Time, s.Outputs[0].EventCount),
-            std::tuple(QStringLiteral("06:00:00"), 4));
-  EXPECT_EQ(ReadAll(kFile), original);
-  EXPECT_EQ(Files().filter(QStringLiteral("ZRNEvents.dat.bad-")).size(), 1);
-}
-
+// Saving also stays within the tables: a count beyond an output's events and more panels than
+// outputs write what there is.
 TEST_F(EventsFile, UnstorableEventsAreSkippedAndLogged) {
   UseOutputs(258);
+  s.PanelsLoaded = 300;
+  s.Outputs[1].Events = {Event("05:00:00"), Event("06:00:00")};
+  s.Outputs[1].EventCount = 9;
   SetEvents(0, {Event("06:00:00"), Event("6:30"),
                 Event("07:00:00", 31, true, 2, false, kNone, QStringLiteral("Thirteen chrs")),
                 Event("08:00:00", 300), Event("09:00:00", 31, true, -1), Event("10:00:00")});
@@ -159,9 +151,9 @@ TEST_F(EventsFile, UnstorableEventsAreSkippedAndLogged) {
 
   // The count is what was written.
   const QByteArray saved = ReadAll(kFile);
-  EXPECT_EQ(saved.left(4), QByteArray::fromHex("01000200"));
-  EXPECT_EQ(saved.mid(4 + 27), QByteArray::fromHex("00") + "10:00:00" +
-                                   QByteArray::fromHex("1FFF0000FF3F") + QByteArray(12, ' '));
+  EXPECT_EQ(saved.left(4), QByteArray::fromHex("01000400"));
+  EXPECT_EQ(saved.mid(4 + 27, 27), QByteArray::fromHex("00") + "10:00:00" +
+                                       QByteArray::fromHex("1FFF0000FF3F") + QByteArray(12, ' '));
 
   for (const char* text :
        {"Event 1 of output 0 not saved: time \"6:30\"", "Event 2 of output 0 not saved: label",
@@ -171,16 +163,6 @@ TEST_F(EventsFile, UnstorableEventsAreSkippedAndLogged) {
     EXPECT_TRUE(HasErrorLine(QStringLiteral("Error Saving Events"), QString::fromUtf8(text)))
         << text;
   }
-}
-
-TEST_F(EventsFile, SavingStaysWithinTheTables) {
-  UseOutputs(2);
-  SetEvents(0, {Event("06:00:00")});
-  s.Outputs[1].Events = {Event("05:00:00"), Event("06:00:00")};
-  s.Outputs[1].EventCount = 9;  // more than the array holds
-  s.PanelsLoaded = 7;           // more than the table holds
-  ASSERT_TRUE(SaveEvents(s));
-  EXPECT_EQ(ReadAll(kFile).left(4), QByteArray::fromHex("01000300"));
 }
 
 }  // namespace
