@@ -15,6 +15,23 @@ ScheduledEvent Event(const QString& time, int days = 31, bool active = true, int
           connect, label,  static_cast<qint16>(source)};
 }
 
+// An output's events, every field of each as one string, so a whole schedule compares at once.
+QStringList Schedule(const OutputEntry& output) {
+  QStringList out;
+  for (int i = 0; i < output.EventCount; ++i) {
+    const ScheduledEvent& e = output.Events[i];
+    out << QStringLiteral("%1 %2 %3 %4 %5 %6 '%7'")
+               .arg(e.Time)
+               .arg(e.Days)
+               .arg(int{e.Active})
+               .arg(e.DisplayOption)
+               .arg(int{e.Connect})
+               .arg(e.Source)
+               .arg(e.Label);
+  }
+  return out;
+}
+
 class EventsFile : public test::StorageTest {
  protected:
   void UseOutputs(int count) {
@@ -52,46 +69,32 @@ TEST_F(EventsFile, WorkedExampleIsByteExactAndFlagsAreNormalised) {
   EXPECT_EQ(ReadAll(kFile).mid(4 + 9, 6), QByteArray::fromHex("01FF02FF0500"));
 }
 
+// Each output's events come back sorted by time, equal times in file order, with every field and
+// the label padded to 12; the file, not the configuration, decides the counts and the panels.
 TEST_F(EventsFile, ReadingSortsByTimeAndLetsTheFileDecideTheCounts) {
   UseOutputs(3);
-  // No file: every output empty, without an error.
   SetEvents(0, {Event("06:00:00", 31, true, 0, true, 3)});
-  ASSERT_TRUE(ReadEvents(s));
+  ASSERT_TRUE(ReadEvents(s)) << "no file: every output empty, without an error";
   EXPECT_EQ(std::tuple(s.Outputs[0].EventCount, s.Outputs[0].Events[0].Source, Files().size()),
             std::tuple(0, kNone, 0));
 
-  const auto labelled = [](const char* time, const char* label) {
-    return Event(time, 31, true, 2, false, kNone, label);
-  };
-  SetEvents(0, {Event("12:00:00"), labelled("08:00:00", "A"), Event("23:59:59"), Event("00:00:00"),
-                labelled("08:00:00", "B")});
-  SetEvents(1, {Event("09:00:00", 127, false, 1, true, 256, QStringLiteral("Caf\u00e9 Matin")),
-                Event("10:00:00")});
+  SetEvents(0, {Event("12:00:00", 127, false, 1, true, 256, QStringLiteral("Caf\u00e9 Matin")),
+                Event("08:00:00", 2, true, 0, false, kNone, "A"), Event("00:00:00"),
+                Event("08:00:00", 2, true, 0, false, kNone, "B")});
+  SetEvents(1, {Event("10:00:00")});
   ASSERT_TRUE(SaveEvents(s));
-
-  // The configuration promised other counts, and fewer panels; the file wins.
   s.PanelsLoaded = 1;
   s.Outputs[1].EventCount = 3;
-  s.Outputs[2].EventCount = 2;
-  s.Outputs[2].Events = {Event("01:00:00", 1, true, 0, true, 44), Event("02:00:00")};
+  SetEvents(2, {Event("01:00:00", 1, true, 0, true, 44)});
   ASSERT_TRUE(ReadEvents(s));
-
-  QStringList times;
-  for (int i = 0; i < s.Outputs[0].EventCount; ++i) {
-    times << s.Outputs[0].Events[i].Time;
-  }
-  EXPECT_EQ(times.join(' '), QStringLiteral("00:00:00 08:00:00 08:00:00 12:00:00 23:59:59"));
-  EXPECT_EQ(s.Outputs[0].Events[1].Label + s.Outputs[0].Events[2].Label,
-            QStringLiteral("A           B           "))
-      << "equal times keep their file order";
-  EXPECT_EQ(s.Outputs[1].EventCount, 2);
-  // Every field comes back, the label padded to 12; an output with events keeps its first route.
-  const ScheduledEvent& e = s.Outputs[1].Events[0];
-  EXPECT_EQ(std::tuple(e.Time, e.Days, e.Active, e.DisplayOption, e.Connect, e.Source, e.Label),
-            std::tuple(QStringLiteral("09:00:00"), 127, false, 1, true, 256,
-                       QStringLiteral("Caf\u00e9 Matin  ")));
-  EXPECT_EQ(s.Outputs[2].EventCount, 0);
-  EXPECT_EQ(s.Outputs[2].Events[0].Source, kNone) << "an output without events has no route";
+  EXPECT_EQ(Schedule(s.Outputs[0]), (QStringList{"00:00:00 31 1 0 0 16383 '            '",
+                                                 "08:00:00 2 1 0 0 16383 'A           '",
+                                                 "08:00:00 2 1 0 0 16383 'B           '",
+                                                 "12:00:00 127 0 1 1 256 'Caf\u00e9 Matin  '"}));
+  EXPECT_EQ(s.Outputs[1].EventCount, 1);
+  EXPECT_EQ(std::tuple(s.Outputs[2].EventCount, s.Outputs[2].Events[0].Source),
+            std::tuple(0, kNone))
+      << "an output without events has no route";
 }
 
 // Every cut of a good file is an error, and so is a count promising records that are not there
