@@ -148,10 +148,6 @@ TEST_F(ConfigFileTest, WritesTheExactLayoutAndReadsItBack) {
   ASSERT_TRUE(golden.open(QIODevice::ReadOnly));
   EXPECT_EQ(ReadAll(kIni), golden.readAll());
 
-  s.AlarmRelay = 17;
-  s.DefaultViewLarge = 0;
-  s.ProgramMode = 0;
-  ASSERT_TRUE(WriteConfiguration(s));
   State back = Fresh();
   ASSERT_TRUE(ReadConfiguration(back));
   const auto scalars = [](const State& t) {
