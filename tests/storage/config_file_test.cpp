@@ -11,22 +11,13 @@ namespace {
 
 const QString kIni = QStringLiteral("zrnconfig.ini");
 
-// The fields the file sets, and what follows from them, as one comparable value.
-struct Read {
-  int output, displayOption;
-  QString label;
-  int eventCount, eventSlots;
-  bool monitored;
-  bool operator==(const Read&) const = default;
-  friend void PrintTo(const Read& r, std::ostream* os) {
-    *os << r.output << ", " << r.displayOption << ", '" << r.label.toStdString() << "', "
-        << r.eventCount << ", " << r.eventSlots << (r.monitored ? ", monitored" : "");
-  }
-};
+// What the file sets of an output, and what follows from it: output, display option, label,
+// event count, events held, monitored.
+using Read = std::tuple<int, int, std::string, int, int, bool>;
 Read Fields(const OutputEntry& e) {
   return {e.Output,
           e.DisplayOption,
-          e.CustomLabel,
+          e.CustomLabel.toStdString(),
           e.EventCount,
           static_cast<int>(e.Events.size()),
           e.MonitoringEnabled};
@@ -134,15 +125,12 @@ TEST_F(ConfigFileTest, WritesTheExactLayoutAndReadsItBack) {
   s.ProgramMode = 1;
   s.OutputCount = 3;
   s.Outputs.assign(3, OutputEntry{});
-  const Read written[] = {{12, 2, QStringLiteral("Caf\u00e9 "), 3, 3, true},
-                          {kNone, 0, "None", 0, 1, false},
-                          {100, 1, QStringLiteral("Z\u00fcrich \u00bd"), 2, 2, true}};
-  for (int i = 0; i < 3; ++i) {
-    s.Outputs[i].Output = static_cast<qint16>(written[i].output);
-    s.Outputs[i].DisplayOption = static_cast<qint16>(written[i].displayOption);
-    s.Outputs[i].CustomLabel = written[i].label;
-    s.Outputs[i].EventCount = static_cast<qint16>(written[i].eventCount);
-  }
+  std::tie(s.Outputs[0].Output, s.Outputs[0].DisplayOption, s.Outputs[0].EventCount) =
+      std::tuple(12, 2, 3);
+  std::tie(s.Outputs[2].Output, s.Outputs[2].DisplayOption, s.Outputs[2].EventCount) =
+      std::tuple(100, 1, 2);
+  s.Outputs[0].CustomLabel = QStringLiteral("Caf\u00e9 ");
+  s.Outputs[2].CustomLabel = QStringLiteral("Z\u00fcrich \u00bd");
   ASSERT_TRUE(WriteConfiguration(s));
   QFile golden(QStringLiteral(ZRN_TEST_DATA_DIR "/zrnconfig-written.ini"));
   ASSERT_TRUE(golden.open(QIODevice::ReadOnly));
@@ -156,6 +144,9 @@ TEST_F(ConfigFileTest, WritesTheExactLayoutAndReadsItBack) {
   };
   EXPECT_EQ(scalars(back), scalars(s));
   ASSERT_EQ(back.Outputs.size(), 3u);
+  const Read written[] = {{12, 2, "Caf\u00e9 ", 3, 3, true},
+                          {kNone, 0, "None", 0, 1, false},
+                          {100, 1, "Z\u00fcrich \u00bd", 2, 2, true}};
   for (int i = 0; i < 3; ++i) {
     EXPECT_EQ(Fields(back.Outputs[i]), written[i]);
   }
