@@ -192,8 +192,11 @@ TEST_F(ByteUtils, CheckSumAndCuttingTheBufferAtItsEdges) {
   EXPECT_EQ(CheckSum(Bytes({0x81, 0x64, 0x21, 0x05, 0xFF}), 2), 5);
   EXPECT_EQ(CheckSum(QByteArray(), 2), 0);
   EXPECT_EQ(FindEOM(s, Bytes({1, 2, 3})), 0);
-  s.ReceiveBuffer = Bytes({1, 2});
-  EXPECT_EQ(TrimBuffer(s, 10), Bytes({1, 2}));
+  EXPECT_EQ(FindEOM(s, Bytes({0xF6, 0x01, 0xFF, 0xCB})), 3);
+  s.ReceiveBuffer = Bytes({1, 2, 3, 4, 5});
+  EXPECT_EQ(TrimBuffer(s, 0), QByteArray());
+  EXPECT_EQ(TrimBuffer(s, 3), Bytes({1, 2, 3}));
+  EXPECT_EQ(TrimBuffer(s, 10), Bytes({4, 5}));
   EXPECT_TRUE(s.ReceiveBuffer.isEmpty());
   QByteArray message = Bytes({9, 8, 7});
   EXPECT_EQ(SplitBytes(message, 1), Bytes({9}));
