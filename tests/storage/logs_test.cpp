@@ -64,9 +64,14 @@ TEST_F(Logs, ActivityLogHeaderColumnsAndMessageList) {
   EXPECT_EQ(lines.last(),
             "Sun, Jan 04, 2026 - 07:05:09" + QString(7, ' ') + "SRC" + QString(17, ' ') + "M");
 
-  // The message list keeps the newest MaxDisplay rows; the log keeps them all.
-  for (int i = 1; i <= 5; ++i) {
-    DisplayMessage(s, QStringLiteral("m%1").arg(i));
+  // The message list keeps the newest MaxDisplay rows; the log keeps them all, in nested batches
+  // too: the inner one ends first and leaves the writing to the outer one.
+  {
+    ActivityBatch outer(s);
+    ActivityBatch inner(s);
+    for (int i = 1; i <= 5; ++i) {
+      DisplayMessage(s, QStringLiteral("m%1").arg(i));
+    }
   }
   ASSERT_EQ(s.MessageRows.size(), 3);
   EXPECT_TRUE(s.MessageRows[0].endsWith(QStringLiteral(" - m3")));
