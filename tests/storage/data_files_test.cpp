@@ -12,6 +12,10 @@ namespace {
 const QString kEventsFile = QStringLiteral("ZRNEvents.dat");
 const QString kShowsFile = QStringLiteral("ZRNShows.dat");
 
+QByteArray Hex(const char* hex) {
+  return QByteArray::fromHex(hex);
+}
+
 ScheduledEvent Event(const QString& time, int days = 31, bool active = true, int display = 0,
                      bool connect = false, int source = kNone, const QString& label = {}) {
   return {time,    active, static_cast<qint16>(display), static_cast<qint16>(days),
@@ -51,18 +55,17 @@ class DataFiles : public test::StorageTest {
 TEST_F(DataFiles, EventsWorkedExampleIsByteExactAndFlagsAreNormalised) {
   SetEvents(0, {Event("06:30:00")});
   ASSERT_TRUE(SaveEvents(s));
-  EXPECT_EQ(ReadAll(kEventsFile), QByteArray::fromHex("01000100") + QByteArray(1, '\0') +
-                                      "06:30:00" + QByteArray::fromHex("1FFF0000FF3F") +
-                                      QByteArray(12, ' '));
+  EXPECT_EQ(ReadAll(kEventsFile), Hex("01000100") + QByteArray(1, '\0') + "06:30:00" +
+                                      Hex("1FFF0000FF3F") + QByteArray(12, ' '));
 
   SetEvents(0, {});
   ASSERT_TRUE(SaveEvents(s));
-  EXPECT_EQ(ReadAll(kEventsFile), QByteArray::fromHex("01000000"));
+  EXPECT_EQ(ReadAll(kEventsFile), Hex("01000000"));
 
   // Any flag not zero reads true and is written back as 255: days 1, active 1, display 2,
   // connect 7, source 5.
-  WriteAll(kEventsFile, QByteArray::fromHex("01000100") + QByteArray(1, '\0') + "07:00:00" +
-                            QByteArray::fromHex("010102070500") + "Breakfast   ");
+  WriteAll(kEventsFile, Hex("01000100") + QByteArray(1, '\0') + "07:00:00" + Hex("010102070500") +
+                            "Breakfast   ");
   ASSERT_TRUE(ReadEvents(s));
   ASSERT_EQ(s.Outputs[0].EventCount, 1);
   const ScheduledEvent& e = s.Outputs[0].Events[0];
@@ -70,7 +73,7 @@ TEST_F(DataFiles, EventsWorkedExampleIsByteExactAndFlagsAreNormalised) {
   EXPECT_EQ(std::tuple(e.Active, e.Connect, e.Days, e.DisplayOption, e.Source, e.Label),
             std::tuple(true, true, 1, 2, 5, QStringLiteral("Breakfast   ")));
   ASSERT_TRUE(SaveEvents(s));
-  EXPECT_EQ(ReadAll(kEventsFile).mid(4 + 9, 6), QByteArray::fromHex("01FF02FF0500"));
+  EXPECT_EQ(ReadAll(kEventsFile).mid(4 + 9, 6), Hex("01FF02FF0500"));
 }
 
 // Each output's events come back sorted by time, equal times in file order, with every field and
@@ -109,7 +112,7 @@ TEST_F(DataFiles, EventsEveryCutOfAGoodFileIsAnErrorAndCountsAreNeverTrusted) {
   SetEvents(1, {Event("12:00:00")});
   ASSERT_TRUE(SaveEvents(s));
   const QByteArray whole = ReadAll(kEventsFile);
-  QList<QByteArray> damaged{QByteArray::fromHex("0100307500000000000000")};  // 30000 records
+  QList<QByteArray> damaged{Hex("0100307500000000000000")};  // 30000 records
   for (int length = 0; length < whole.size(); ++length) {
     damaged << whole.left(length);
   }
@@ -137,7 +140,7 @@ TEST_F(DataFiles, EventsEveryCutOfAGoodFileIsAnErrorAndCountsAreNeverTrusted) {
   EXPECT_EQ(Files().filter(QStringLiteral("ZRNEvents.dat.bad-")).size(), 1);
 
   ForgetErrors(kEventsFile);
-  WriteAll(kEventsFile, QByteArray::fromHex("0100FFFF"));
+  WriteAll(kEventsFile, Hex("0100FFFF"));
   EXPECT_TRUE(ReadEvents(s)) << "a negative count reads no records";
   EXPECT_EQ(s.Outputs[0].EventCount, 0);
 }
@@ -158,9 +161,9 @@ TEST_F(DataFiles, EventsUnstorableEventsAreSkippedAndLogged) {
 
   // The count is what was written.
   const QByteArray saved = ReadAll(kEventsFile);
-  EXPECT_EQ(saved.left(4), QByteArray::fromHex("01000400"));
-  EXPECT_EQ(saved.mid(4 + 27, 27), QByteArray::fromHex("00") + "10:00:00" +
-                                       QByteArray::fromHex("1FFF0000FF3F") + QByteArray(12, ' '));
+  EXPECT_EQ(saved.left(4), Hex("01000400"));
+  EXPECT_EQ(saved.mid(4 + 27, 27),
+            Hex("00") + "10:00:00" + Hex("1FFF0000FF3F") + QByteArray(12, ' '));
 
   for (const char* text :
        {"Event 1 of output 0 not saved: time \"6:30\"", "Event 2 of output 0 not saved: label",
@@ -170,10 +173,6 @@ TEST_F(DataFiles, EventsUnstorableEventsAreSkippedAndLogged) {
     EXPECT_TRUE(HasErrorLine(QStringLiteral("Error Saving Events"), QString::fromUtf8(text)))
         << text;
   }
-}
-
-QByteArray Hex(const char* hex) {
-  return QByteArray::fromHex(hex);
 }
 
 // The file a first start writes: one new show and no silence outputs.
