@@ -11,22 +11,13 @@ namespace {
 
 const QString kIni = QStringLiteral("zrnconfig.ini");
 
-// The fields the file sets, and what follows from them, as one comparable value.
-struct Read {
-  int output, displayOption;
-  QString label;
-  int eventCount, eventSlots;
-  bool monitored;
-  bool operator==(const Read&) const = default;
-  friend void PrintTo(const Read& r, std::ostream* os) {
-    *os << r.output << ", " << r.displayOption << ", '" << r.label.toStdString() << "', "
-        << r.eventCount << ", " << r.eventSlots << (r.monitored ? ", monitored" : "");
-  }
-};
+// What the file sets of an output, and what follows from it: output, display option, label,
+// event count, events held, monitored.
+using Read = std::tuple<int, int, std::string, int, int, bool>;
 Read Fields(const OutputEntry& e) {
   return {e.Output,
           e.DisplayOption,
-          e.CustomLabel,
+          e.CustomLabel.toStdString(),
           e.EventCount,
           static_cast<int>(e.Events.size()),
           e.MonitoringEnabled};
@@ -122,8 +113,9 @@ TEST_F(ConfigFileTest, SectionsFillTheOutputsTable) {
   EXPECT_EQ(Fields(later.Outputs[0]), (Read{kNone, 0, "None", 0, 1, false}));
 }
 
-// The exact layout, characters beyond ASCII as single bytes, and every field read back as written:
-// trailing blanks as events leave them, an unset output and relay.
+// The exact layout (CRLF ends, characters beyond ASCII as single bytes, kept in tests/data), and
+// every field read back as written: trailing blanks as events leave them, an unset output and
+// relay.
 TEST_F(ConfigFileTest, WritesTheExactLayoutAndReadsItBack) {
   s.ServerAddress = "10.1.2.3";
   s.ServerPort = 1251;
@@ -133,45 +125,17 @@ TEST_F(ConfigFileTest, WritesTheExactLayoutAndReadsItBack) {
   s.ProgramMode = 1;
   s.OutputCount = 3;
   s.Outputs.assign(3, OutputEntry{});
-  const Read written[] = {{12, 2, QStringLiteral("Caf\u00e9 "), 3, 3, true},
-                          {kNone, 0, "None", 0, 1, false},
-                          {100, 1, QStringLiteral("Z\u00fcrich \u00bd"), 2, 2, true}};
-  for (int i = 0; i < 3; ++i) {
-    s.Outputs[i].Output = static_cast<qint16>(written[i].output);
-    s.Outputs[i].DisplayOption = static_cast<qint16>(written[i].displayOption);
-    s.Outputs[i].CustomLabel = written[i].label;
-    s.Outputs[i].EventCount = static_cast<qint16>(written[i].eventCount);
-  }
+  std::tie(s.Outputs[0].Output, s.Outputs[0].DisplayOption, s.Outputs[0].EventCount) =
+      std::tuple(12, 2, 3);
+  std::tie(s.Outputs[2].Output, s.Outputs[2].DisplayOption, s.Outputs[2].EventCount) =
+      std::tuple(100, 1, 2);
+  s.Outputs[0].CustomLabel = QStringLiteral("Caf\u00e9 ");
+  s.Outputs[2].CustomLabel = QStringLiteral("Z\u00fcrich \u00bd");
   ASSERT_TRUE(WriteConfiguration(s));
-  EXPECT_EQ(ReadAll(kIni), QByteArray("[CONFIGURATION]\r\n"
-                                      "Server IP Address=10.1.2.3\r\n"
-                                      "Server IP Port=1251\r\n"
-                                      "Maximum Log File Size=0\r\n"
-                                      "Maximum Display=250\r\n"
-                                      "Alarm Relay=16383\r\n"
-                                      "Default View=Large\r\n"
-                                      "Program Mode=Show\r\n"
-                                      "Output Count=3\r\n"
-                                      "[OUTPUT1]\r\n"
-                                      "Output=12\r\n"
-                                      "Display Options=2\r\n"
-                                      "Custom Label=Caf\xe9 \r\n"
-                                      "Event Count=3\r\n"
-                                      "[OUTPUT2]\r\n"
-                                      "Output=16383\r\n"
-                                      "Display Options=0\r\n"
-                                      "Custom Label=None\r\n"
-                                      "Event Count=0\r\n"
-                                      "[OUTPUT3]\r\n"
-                                      "Output=100\r\n"
-                                      "Display Options=1\r\n"
-                                      "Custom Label=Z\xfcrich \xbd\r\n"
-                                      "Event Count=2\r\n"));
+  QFile golden(QStringLiteral(ZRN_TEST_DATA_DIR "/zrnconfig-written.ini"));
+  ASSERT_TRUE(golden.open(QIODevice::ReadOnly));
+  EXPECT_EQ(ReadAll(kIni), golden.readAll());
 
-  s.AlarmRelay = 17;
-  s.DefaultViewLarge = 0;
-  s.ProgramMode = 0;
-  ASSERT_TRUE(WriteConfiguration(s));
   State back = Fresh();
   ASSERT_TRUE(ReadConfiguration(back));
   const auto scalars = [](const State& t) {
@@ -180,6 +144,9 @@ TEST_F(ConfigFileTest, WritesTheExactLayoutAndReadsItBack) {
   };
   EXPECT_EQ(scalars(back), scalars(s));
   ASSERT_EQ(back.Outputs.size(), 3u);
+  const Read written[] = {{12, 2, "Caf\u00e9 ", 3, 3, true},
+                          {kNone, 0, "None", 0, 1, false},
+                          {100, 1, "Z\u00fcrich \u00bd", 2, 2, true}};
   for (int i = 0; i < 3; ++i) {
     EXPECT_EQ(Fields(back.Outputs[i]), written[i]);
   }

@@ -37,12 +37,9 @@ TEST_F(Logs, ActivityLogHeaderColumnsAndMessageList) {
   EXPECT_TRUE(Files().isEmpty() && s.MessageRows.isEmpty()) << "an empty message goes nowhere";
 
   DisplayMessage(s, QStringLiteral("Server Module Connected"));
-  const QByteArray bytes = ReadAll(kActivity);
-  ASSERT_TRUE(bytes.endsWith("\r\n"));
-  ASSERT_FALSE(bytes.contains("\n\n")) << "every line ends with CR LF";
-  QStringList lines = QString::fromUtf8(bytes).split(QStringLiteral("\r\n"));
-  lines.removeLast();
-  ASSERT_EQ(lines.size(), 13);
+  // Every line ends with CR LF, the last one too.
+  QStringList lines = QString::fromUtf8(ReadAll(kActivity)).split(QStringLiteral("\r\n"));
+  ASSERT_EQ(lines.size(), 14);
   // Lines 3 to 5 carry the address block, right of 19 blanks.
   for (int i = 2; i <= 4; ++i) {
     EXPECT_TRUE(lines[i].startsWith(QString(19, ' ')) && lines[i].size() > 25) << i;
@@ -54,7 +51,8 @@ TEST_F(Logs, ActivityLogHeaderColumnsAndMessageList) {
       (QStringList{"             H A L V O R N", "", "", "", "", "", "", "ZRN Pennaro Logfile",
                    "Version: 02.00.0011 - 05/16/2025", "",
                    " DATE              TIME             MESSAGE DESCRIPTION", QString(80, '-'),
-                   "Mon, Nov 16, 2026 - 15:42:52" + QString(27, ' ') + "Server Module Connected"}));
+                   "Mon, Nov 16, 2026 - 15:42:52" + QString(27, ' ') + "Server Module Connected",
+                   ""}));
   EXPECT_EQ(s.MessageRows, QStringList{"Mon, Nov 16, 2026 - 15:42:52 - Server Module Connected"});
 
   // The source column; a deleted log comes back with its header.
@@ -66,9 +64,14 @@ TEST_F(Logs, ActivityLogHeaderColumnsAndMessageList) {
   EXPECT_EQ(lines.last(),
             "Sun, Jan 04, 2026 - 07:05:09" + QString(7, ' ') + "SRC" + QString(17, ' ') + "M");
 
-  // The message list keeps the newest MaxDisplay rows; the log keeps them all.
-  for (int i = 1; i <= 5; ++i) {
-    DisplayMessage(s, QStringLiteral("m%1").arg(i));
+  // The message list keeps the newest MaxDisplay rows; the log keeps them all, in nested batches
+  // too: the inner one ends first and leaves the writing to the outer one.
+  {
+    ActivityBatch outer(s);
+    ActivityBatch inner(s);
+    for (int i = 1; i <= 5; ++i) {
+      DisplayMessage(s, QStringLiteral("m%1").arg(i));
+    }
   }
   ASSERT_EQ(s.MessageRows.size(), 3);
   EXPECT_TRUE(s.MessageRows[0].endsWith(QStringLiteral(" - m3")));

@@ -10,6 +10,7 @@
 #include <atomic>
 #include <cstdio>
 #include <map>
+#include <optional>
 #include <random>
 #include <thread>
 
@@ -47,13 +48,11 @@ const DataFile kFiles[] = {
     {"ZRNEvents.dat",
      [](State& s, int n) {
        Outputs(s, 2);
+       const QString time = QTime(0, 0).addSecs(n * 7).toString(QStringLiteral("hh:mm:ss"));
        for (OutputEntry& output : s.Outputs) {
          output.EventCount = static_cast<qint16>(1 + n % 4);
-         output.Events.assign(static_cast<size_t>(output.EventCount), ScheduledEvent{});
-         for (ScheduledEvent& event : output.Events) {
-           event.Time = QTime(0, 0).addSecs(n * 7).toString(QStringLiteral("hh:mm:ss"));
-           event.Label = QStringLiteral("Run %1").arg(n);
-         }
+         output.Events.assign(1 + n % 4,
+                              {time, false, 0, 0, false, QStringLiteral("Run %1").arg(n)});
        }
      },
      SaveEvents,
@@ -76,9 +75,8 @@ class Saves : public test::StorageTest {
   const QByteArray& Content(const DataFile& file, int n) {
     auto [it, added] = contents_[file.name].try_emplace(n);
     if (added) {
-      State scratch;
+      State scratch = Fresh();
       scratch.AppPath = scratchDir_.path() + QLatin1Char('/');
-      scratch.clock = &clock;
       file.fill(scratch, n);
       file.save(scratch, nullptr);
       QFile saved(scratch.AppPath + QLatin1String(file.name));
@@ -101,14 +99,13 @@ TEST_F(Saves, AFailedSaveLeavesTheFileByteIdentical) {
       ASSERT_TRUE(file.save(s, nullptr));
       file.fill(s, 2);
       QString failure;
-      if (fullDisk) {
-        test::FileSizeLimit limit(16);
-        EXPECT_FALSE(file.save(s, &failure));
-      } else {
-        test::ReadOnlyFolder readOnly(dir.path());
-        if (!readOnly.Active()) {
-          std::printf("no way to make a folder read-only for this user\n");
-          continue;
+      {
+        std::optional<test::FileSizeLimit> limit;
+        std::optional<test::ReadOnlyFolder> readOnly;
+        if (fullDisk) {
+          limit.emplace(16);
+        } else if (!readOnly.emplace(dir.path()).Active()) {
+          continue;  // nothing keeps this user from writing there
         }
         EXPECT_FALSE(file.save(s, &failure));
       }
@@ -126,9 +123,9 @@ TEST_F(Saves, AFailedSaveLeavesTheFileByteIdentical) {
 
 // A child process saves content 1, 2, 3 ... and is killed at a random moment.
 TEST_F(Saves, AKilledSaveLeavesTheWholeOldOrTheWholeNewContent) {
-  bool fixed = false;
-  unsigned seed = qEnvironmentVariable("ZRN_KILLED_SAVE_SEED").toUInt(&fixed);
-  seed = fixed ? seed : std::random_device{}();
+  const unsigned seed = qEnvironmentVariableIsSet("ZRN_KILLED_SAVE_SEED")
+                            ? qEnvironmentVariable("ZRN_KILLED_SAVE_SEED").toUInt()
+                            : std::random_device{}();
   std::printf("killed-save seed %u (ZRN_KILLED_SAVE_SEED repeats it)\n", seed);
   std::mt19937 random(seed);
   // The round the child has begun, shared with it.
@@ -192,9 +189,7 @@ TEST_F(Saves, AKilledSaveLeavesTheWholeOldOrTheWholeNewContent) {
     EXPECT_TRUE(file.read(next) && file.save(next, nullptr)) << file.name;
   }
   EXPECT_TRUE(ErrorLines().isEmpty()) << ErrorLines().join(u'\n').toStdString();
-  expected << "ZRNEvents.dat"
-           << "ZRNShows.dat"
-           << "zrnconfig.ini";
+  expected += QStringList{"ZRNEvents.dat", "ZRNShows.dat", "zrnconfig.ini"};
   expected.sort();
   EXPECT_EQ(Files(), expected) << "nothing else is left";
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QFile>
+#include <algorithm>
 
 #include "support/temp_state.h"
 
@@ -17,12 +18,9 @@ class StorageTest : public TempStateTest {
     return t;
   }
   bool HasErrorLine(const QString& location, const QString& text) const {
-    for (const QString& line : ErrorLines()) {
-      if (line.mid(24).startsWith(location) && line.contains(text)) {
-        return true;
-      }
-    }
-    return false;
+    return std::ranges::any_of(ErrorLines(), [&](const QString& line) {
+      return line.mid(24).startsWith(location) && line.contains(text);
+    });
   }
   // A fresh error log and no set-aside copies, so each damaged file is judged on its own.
   void ForgetErrors(const QString& keep) {

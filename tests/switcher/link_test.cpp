@@ -1,4 +1,9 @@
+#include <algorithm>
+#include <functional>
+#include <numeric>
+
 #include "core/failure.h"
+#include "switcher/byte_utils.h"
 #include "switcher/frame.h"
 #include "switcher_fixture.h"
 
@@ -7,14 +12,17 @@ namespace {
 
 using test::Bytes;
 
-// Known message types are recorded as they are dispatched.
+// Known message types are recorded as they are dispatched; a password message fails its handler.
 class Framing : public test::SwitcherTest {
  protected:
   void SetUp() override {
     SwitcherTest::SetUp();
-    for (int type : {0x80, 0x81, 0xCB, 0xF2, 0xF6, 0xF7, 0xFC}) {
+    for (int type : {0x81, 0xCB, 0xF2, 0xF6, 0xF7, 0xFC}) {
       s.linkState.handlers[type] = [this](State&, const QByteArray& m) { dispatched << m; };
     }
+    s.linkState.handlers[0x80] = [](State&, const QByteArray&) {
+      throw Failure::SubscriptOutOfRange();
+    };
   }
 
   QList<QByteArray> dispatched;
@@ -63,19 +71,11 @@ TEST_F(Framing, EachKindOfInputAndWhatItLeaves) {
   }
 }
 
-TEST_F(Framing, OneMessagePerCallAndEverythingAtOnceOnArrival) {
+TEST_F(Framing, EverythingAtOnceOnArrivalAndProgressWithoutTime) {
   const QByteArray two = Bytes({0xF7, 0x01, 0x01, 0xFF, 0xF6, 0x02, 0x02, 0xFF});
-  s.ReceiveBuffer = two;
-  EXPECT_TRUE(ProcessMessages(s));
-  EXPECT_EQ(dispatched.size(), 1);
-  EXPECT_FALSE(ProcessMessages(s));
-  EXPECT_EQ(dispatched.size(), 2);
-
   // Arriving bytes are decoded at once, not one message per timer tick.
-  dispatched.clear();
   EXPECT_FALSE(OnDataAvailable(s, two + Bytes({0xF5}) + two));
   EXPECT_EQ(dispatched.size(), 4);
-  EXPECT_EQ(link.wire, Bytes({0xF4}));
 
   // With no time to spare each call still makes progress, and says that bytes wait.
   s.ReceiveBuffer = two;
@@ -99,15 +99,9 @@ TEST_F(Framing, ReceiveBufferIsBounded) {
 }
 
 TEST_F(Framing, AFailingHandlerCostsOnlyItsMessage) {
-  s.linkState.handlers[0xF7] = [](State&, const QByteArray&) {
-    throw Failure::SubscriptOutOfRange();
-  };
-  OnDataAvailable(s, Bytes({0xF7, 0x01, 0x01, 0xFF, 0xF6, 0x01, 0x01, 0xFF}));
+  OnDataAvailable(s, Bytes({0x80, 0x01, 0x01, 0xFF, 0xF6, 0x01, 0x01, 0xFF}));
   EXPECT_EQ(dispatched.size(), 1);
-  EXPECT_TRUE(s.ReceiveBuffer.isEmpty());
-  EXPECT_EQ(
-      Errors(),
-      QStringList{QStringLiteral("Error Processing Command Error # 9 - Subscript out of range")});
+  EXPECT_EQ(Errors(), QStringList{"Error Processing Command Error # 9 - Subscript out of range"});
 }
 
 TEST_F(Framing, SendingSplitsLongMessagesAndContinuesPartialWrites) {
@@ -149,6 +143,7 @@ TEST_F(Framing, PortOutsideOneTo65535IsRefusedWithoutDialling) {
   EXPECT_EQ(link.lastPort, 65535);
 }
 
+// Each attempt and each loss is not a change of state: five failed retries add no line.
 TEST_F(Framing, NewConnectionStartsCleanAndChangesAreLoggedOncePerChange) {
   s.ReceiveBuffer = Bytes({0xF6, 0x01});
   s.linkState.NoResponseCount = 201;
@@ -156,25 +151,91 @@ TEST_F(Framing, NewConnectionStartsCleanAndChangesAreLoggedOncePerChange) {
   OnConnected(s);
   EXPECT_EQ(std::tuple(s.ReceiveBuffer, s.linkState.NoResponseCount, s.linkState.ExchangeComplete),
             std::tuple(QByteArray(), 0, false));
-
-  OnClosed(s);
-  EXPECT_EQ(s.StatusBarText,
-            QStringLiteral("Server Module Not Connected - connecting to 127.0.0.1:1250"));
-
   for (int attempt = 0; attempt < 5; ++attempt) {
-    ConnectToSwitcher(s);
     OnClosed(s);
+    ConnectToSwitcher(s);
   }
-  EXPECT_EQ(std::tuple(link.opens, link.lastAddress, link.lastPort),
-            std::tuple(5, QStringLiteral("127.0.0.1"), 1250));
+  EXPECT_EQ(
+      std::tuple(link.opens, link.lastAddress, link.lastPort, s.StatusBarText),
+      std::tuple(5, QStringLiteral("127.0.0.1"), 1250,
+                 QStringLiteral("Server Module Not Connected - connecting to 127.0.0.1:1250")));
   OnConnected(s);
-  EXPECT_EQ(s.StatusBarText, QStringLiteral("Server Module Connected"));
-
-  // The fixture cleared the first connection's line from the list; the log still holds it.
+  // The fixture cleared the first connection's line from the list.
   EXPECT_EQ(Reports(), (QStringList{"Server Module Not Connected", "Server Module Connected"}));
-  EXPECT_EQ(QString::fromUtf8(ReadAll(QStringLiteral("EventLog.txt")))
-                .count(QStringLiteral("Server Module")),
-            3);
+}
+
+class ByteUtils : public test::TempStateTest {};
+
+// Bad input gives the safe value and one error line each.
+TEST_F(ByteUtils, NumbersAndTimesFromTheirWireForms) {
+  const struct { int low, high, value; } integers[] = {{5, 2, 261}, {200, 255, 16383}};
+  for (const auto& c : integers) {
+    EXPECT_EQ(ConvertInteger(s, c.low, c.high), c.value) << c.low << "," << c.high;
+  }
+  const struct {
+    const char* time;
+    int day, minutes;
+  } times[] = {{"13:05:59", 2, 3665},   {"23:59:59", 6, 10079},  {"12:30:00 AM", 0, 30},
+               {"12:30:00 PM", 0, 750}, {"1:05:00 PM", 1, 2225}, {"9:15:00 AM", 0, 555},
+               {"999:00:00", 6, 0},     {"garbage", 1, 0}};
+  for (const auto& c : times) {
+    EXPECT_EQ(ConvertMinutes(s, QString::fromLatin1(c.time), c.day), c.minutes) << c.time;
+  }
+  const QStringList lines = ErrorLines();
+  ASSERT_EQ(lines.size(), 3);
+  EXPECT_TRUE(lines[0].contains(QStringLiteral("Invalid data in Message")));
+  EXPECT_TRUE(lines[0].endsWith(QStringLiteral("Error #  6 - Overflow")));
+  EXPECT_TRUE(lines[1].contains(QStringLiteral("Error Converting Minutes")));
+}
+
+TEST_F(ByteUtils, CheckSumAndCuttingTheBufferAtItsEdges) {
+  EXPECT_EQ(CheckSum(Bytes({0x81, 0x64, 0x21, 0x05, 0xFF}), 2), 5);
+  EXPECT_EQ(CheckSum(QByteArray(), 2), 0);
+  EXPECT_EQ(FindEOM(s, Bytes({1, 2, 3})), 0);
+  EXPECT_EQ(FindEOM(s, Bytes({0xF6, 0x01, 0xFF, 0xCB})), 3);
+  s.ReceiveBuffer = Bytes({1, 2, 3, 4, 5});
+  EXPECT_EQ(TrimBuffer(s, 0), QByteArray());
+  EXPECT_EQ(TrimBuffer(s, 3), Bytes({1, 2, 3}));
+  EXPECT_EQ(TrimBuffer(s, 10), Bytes({4, 5}));
+  EXPECT_TRUE(s.ReceiveBuffer.isEmpty());
+  QByteArray message = Bytes({9, 8, 7});
+  EXPECT_EQ(SplitBytes(message, 1), Bytes({9}));
+  EXPECT_EQ(message, Bytes({8, 7}));
+}
+
+// Names sort by character code and carry their numbers along, whatever the table's shape: sorted,
+// reversed and all equal tables of the largest size must not exhaust the stack.
+TEST_F(ByteUtils, QuickSortOrdersByCodeAndCarriesTheNumbers) {
+  const std::function<QString(int)> shapes[] = {
+      [](int i) { return QStringLiteral("Out %1").arg(i, 5, 10, QLatin1Char('0')); },
+      [](int i) { return QStringLiteral("Out %1").arg(16383 - i, 5, 10, QLatin1Char('0')); },
+      [](int) { return QStringLiteral("same"); },
+  };
+  QList<QStringList> tables{{"b", "B", "a"}, {}, {"Studio 10", "Studio 1", "Studio"}};
+  for (const auto& shape : shapes) {
+    QStringList names;
+    for (int i = 0; i < 16383; ++i) {
+      names << shape(i);
+    }
+    tables << names;
+  }
+  for (QStringList names : tables) {
+    SCOPED_TRACE(names.mid(0, 3).join(u',').toStdString());
+    const QStringList original = names;
+    std::vector<qint16> numbers(names.size());
+    std::iota(numbers.begin(), numbers.end(), 0);
+    QuickSort(s, names, numbers, 0, static_cast<int>(names.size()) - 1);
+    EXPECT_TRUE(std::is_sorted(names.begin(), names.end()));
+    for (int i = 0; i < names.size(); ++i) {
+      ASSERT_EQ(original[numbers[i]], names[i]) << "numbers travel with their names";
+    }
+  }
+  EXPECT_TRUE(ErrorLines().isEmpty());
+
+  QStringList names{QStringLiteral("x")};
+  std::vector<qint16> numbers{0};
+  QuickSort(s, names, numbers, 0, 5);
+  EXPECT_EQ(ErrorLines().filter(QStringLiteral("Quick Sort Error")).size(), 1);
 }
 
 }  // namespace
