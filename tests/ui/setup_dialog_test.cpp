@@ -3,7 +3,6 @@
 #include <filesystem>
 
 #include "monitor/panel_update.h"
-#include "monitor/poll_tick.h"
 #include "monitor/setup_commands.h"
 #include "monitor/startup.h"
 #include "switcher/link.h"
@@ -14,28 +13,22 @@
 namespace zrn {
 namespace {
 
-OutputEntry Watched(int output) {
+OutputEntry Watched(qint16 output) {
   OutputEntry entry;
-  entry.Output = static_cast<qint16>(output);
+  entry.Output = output;
   entry.MonitoringEnabled = true;
   entry.CustomLabel = QStringLiteral("Studio");
   return entry;
 }
 
-ScheduledEvent Event(const QString& time, const QString& label) {
-  ScheduledEvent event;
-  event.Time = time;
-  event.Active = true;
-  event.DisplayOption = 2;
-  event.Days = 0x7F;
-  event.Label = label.leftJustified(12);
-  return event;
+ScheduledEvent Event(const char* time, const char* label) {
+  return {QLatin1String(time), true, 2, 0x7F, false, QString::fromLatin1(label).leftJustified(12)};
 }
 
 // A schedule editor that leaves one event at noon on the entry it was opened for.
 void NoonOnly(State& st, QWidget*) {
   OutputEntry& entry = st.Outputs.at(static_cast<std::size_t>(st.SelectedOutput));
-  entry.Events = {Event(QStringLiteral("12:00:00"), QStringLiteral("Noon"))};
+  entry.Events = {Event("12:00:00", "Noon")};
   entry.EventCount = 1;
   st.DialogAccepted = true;
 }
@@ -48,8 +41,7 @@ class SetupDialogTest : public test::DialogTest {
     s.Connected = false;
     s.AlarmRelay = 3;
     s.Outputs = {Watched(3), Watched(7), Watched(12)};
-    s.Outputs[1].Events = {Event(QStringLiteral("06:30:00"), QStringLiteral("Morning")),
-                           Event(QStringLiteral("22:00:00"), QStringLiteral("Night"))};
+    s.Outputs[1].Events = {Event("06:30:00", "Morning"), Event("22:00:00", "Night")};
     s.Outputs[1].EventCount = 2;
     s.OutputCount = 3;
     RefreshClock(s);
@@ -58,6 +50,16 @@ class SetupDialogTest : public test::DialogTest {
   void Open(SetupEditors editors = {}) { DialogTest::Open<SetupDialog>(std::move(editors)); }
   void TypeChannel(const QString& digits) {
     person.Enter(QStringLiteral("Monitor Destination"), digits);
+  }
+  // Each entry of a list of watched outputs, in one line.
+  static QStringList Entries(const State& st) {
+    QStringList rows;
+    for (const OutputEntry& e : st.Outputs) {
+      rows << QString::asprintf("%d %s events=%d ack=%d option=%d watched=%d", e.Output,
+                                qPrintable(e.CustomLabel), e.EventCount, e.AlarmState,
+                                e.DisplayOption, e.MonitoringEnabled);
+    }
+    return rows;
   }
 };
 
@@ -153,17 +155,14 @@ TEST_F(SetupDialogTest, CancelLeavesTheWatchedOutputsAsSetupFoundThem) {
 
   person.Click(QStringLiteral("Cancel"));
   EXPECT_FALSE(s.DialogAccepted);
-  ASSERT_EQ(s.panels.outputs.size(), 3u);
-  const int channels[] = {3, 7, 12};
-  for (int i = 0; i < 3; ++i) {
-    EXPECT_EQ(s.Outputs[i].Output, channels[i]);
-    EXPECT_EQ(s.Outputs[i].EventCount, i == 1 ? 2 : 0);
-    EXPECT_EQ(s.Outputs[i].CustomLabel, QStringLiteral("Studio"));
-    EXPECT_EQ(s.panels.outputs[i].toolTip,
-              QStringLiteral("TX %1    [%2]").arg(channels[i]).arg(channels[i], 4, 10, QChar(u'0')))
-        << "panel " << i + 1 << " names its own output";
+  EXPECT_EQ(Entries(s), (QStringList{"3 Studio events=0 ack=0 option=0 watched=1",
+                                     "7 Studio events=2 ack=1 option=0 watched=1",
+                                     "12 Studio events=0 ack=0 option=0 watched=1"}));
+  QStringList tips;  // each panel names its own output
+  for (const auto& panel : s.panels.outputs) {
+    tips << panel.toolTip;
   }
-  EXPECT_EQ(s.Outputs[1].AlarmState, 1) << "the live acknowledgement stays";
+  EXPECT_EQ(tips, (QStringList{"TX 3    [0003]", "TX 7    [0007]", "TX 12    [0012]"}));
   EXPECT_TRUE(Files().isEmpty()) << "nothing is saved";
 }
 
@@ -207,16 +206,15 @@ TEST_F(SetupDialogTest, NestedEditorsActOnTheShownEntryAndANewChannelEndsItsAckn
   s.Outputs[0].AlarmState = 1;
   s.Outputs[1].AlarmState = 1;
   s.SelectedOutput = 2;
-  int scheduleIndex = -1;
-  int scheduleOutput = -1;
-  int silenceOutput = -1;
+  QStringList calls;
   SetupEditors editors;
   editors.schedule = [&](State& st, QWidget* parent) {
-    scheduleIndex = st.SelectedOutput;
-    scheduleOutput = st.Outputs.at(static_cast<std::size_t>(st.SelectedOutput)).Output;
+    calls << QStringLiteral("schedule of entry %1").arg(st.SelectedOutput);
     NoonOnly(st, parent);
   };
-  editors.silenceDetect = [&](State&, int output, QWidget*) { silenceOutput = output; };
+  editors.silenceDetect = [&](State&, int output, QWidget*) {
+    calls << QStringLiteral("silence of output %1").arg(output);
+  };
   Open(editors);
 
   person.Click(QStringLiteral("Edit"));
@@ -226,23 +224,18 @@ TEST_F(SetupDialogTest, NestedEditorsActOnTheShownEntryAndANewChannelEndsItsAckn
   EXPECT_FALSE(Enabled(QStringLiteral("Configure Silence Detect"))) << "nothing to configure";
   TypeChannel(QStringLiteral("9"));
   person.Click(QStringLiteral("Configure Silence Detect"));
-  EXPECT_EQ(silenceOutput, 8);
   person.Click(QStringLiteral("Configure Schedule"));
-  EXPECT_EQ(scheduleIndex, 1);
-  EXPECT_EQ(scheduleOutput, 9);
+  EXPECT_EQ(calls, (QStringList{"silence of output 8", "schedule of entry 1"}));
   EXPECT_EQ(s.SelectedOutput, 2) << "the main window's selection is left alone";
   s.Outputs[3].DisplayOption = 1;  // a poll tick runs an event on output 12
   s.Outputs[3].MonitoringEnabled = false;
 
   person.Click(QStringLiteral("OK"));
-  ASSERT_EQ(s.OutputCount, 4);
-  EXPECT_EQ(s.Outputs[0].Output, 5);
-  EXPECT_EQ(s.Outputs[0].AlarmState, 0);
-  EXPECT_EQ(s.Outputs[1].EventCount, 1);
-  EXPECT_EQ(s.Outputs[2].EventCount, 2) << "output 7 keeps its events";
-  EXPECT_EQ(s.Outputs[2].AlarmState, 1) << "an unchanged channel keeps its acknowledgement";
-  EXPECT_EQ(s.Outputs[3].DisplayOption, 1);
-  EXPECT_FALSE(s.Outputs[3].MonitoringEnabled);
+  EXPECT_EQ(s.OutputCount, 4);
+  EXPECT_EQ(Entries(s), (QStringList{"5 Studio events=0 ack=0 option=0 watched=1",
+                                     "9 None events=1 ack=0 option=0 watched=1",
+                                     "7 Studio events=2 ack=1 option=0 watched=1",
+                                     "12 Studio events=0 ack=0 option=1 watched=0"}));
 }
 
 // What the switcher does not report is shown so and kept. A save that fails says which file
@@ -262,14 +255,13 @@ TEST_F(SetupDialogTest, ConfirmedSetupIsSavedOrSaysWhichFileAndWhy) {
   person.Click(QStringLiteral("OK"));
   ASSERT_TRUE(s.DialogAccepted);
   EXPECT_EQ(s.AlarmRelay, 7);
-  EXPECT_EQ(s.Outputs[3].Output, 300);
   EXPECT_EQ(link.closes, 0) << "same address and port keep the link";
   const char* files[] = {"zrnconfig.ini", "ZRNShows.dat", "ZRNEvents.dat"};
   if (test::ReadOnlyFolder readOnly(dir.path()); readOnly.Active()) {
     SetupAccepted(s);
     ASSERT_EQ(prompt.informed.size(), 3);
+    EXPECT_EQ(prompt.titles, QStringList(3, QStringLiteral("File Error")));
     for (int i = 0; i < 3; ++i) {
-      EXPECT_EQ(prompt.titles[i], QStringLiteral("File Error"));
       const QString path = QDir::toNativeSeparators(PathOf(QString::fromLatin1(files[i])));
       EXPECT_TRUE(prompt.informed[i].startsWith(path + QStringLiteral(" could not be saved: ")))
           << prompt.informed[i].toStdString();
@@ -288,10 +280,11 @@ TEST_F(SetupDialogTest, ConfirmedSetupIsSavedOrSaysWhichFileAndWhy) {
   restarted.link = &otherLink;
   restarted.clock = &clock;
   Form_Load(restarted, dir.path());
-  ASSERT_EQ(restarted.OutputCount, 4);
-  EXPECT_EQ(restarted.Outputs[1].EventCount, 0);
-  ASSERT_EQ(restarted.Outputs[2].EventCount, 2) << "output 7 keeps its events";
-  EXPECT_EQ(restarted.Outputs[2].Events[1].Label, QStringLiteral("Night       "));
+  EXPECT_EQ(Entries(restarted), (QStringList{"3 Studio events=0 ack=0 option=0 watched=1",
+                                             "5 None events=0 ack=0 option=0 watched=1",
+                                             "7 Morning      events=2 ack=0 option=2 watched=1",
+                                             "300 Studio events=0 ack=0 option=0 watched=1"}));
+  EXPECT_EQ(restarted.Outputs[2].Events.at(1).Label, QStringLiteral("Night       "));
 }
 
 }  // namespace
