@@ -26,9 +26,10 @@ class ShowsDialogTest : public test::DialogTest {
   }
 };
 
-// Typing itself is tabled with the other time fields; here what Enter keeps and refuses, and
-// that the lists' codes reach the shows file only with OK.
-TEST_F(ShowsDialogTest, EnterKeepsAGoodTimeInTheCopyAndOkSavesTheDetectCodes) {
+// Typing itself is tabled with the other time fields; here what Enter keeps and refuses, that
+// days and dates survive moving away, that an end before the start is refused naming the date,
+// and that the lists' codes reach the shows file only with OK.
+TEST_F(ShowsDialogTest, EditedShowIsCheckedAndSavedOnlyByOk) {
   s.Shows[0].DetectLevel = 824;
   Open();
   EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Show Configuration"));
@@ -44,15 +45,34 @@ TEST_F(ShowsDialogTest, EnterKeepsAGoodTimeInTheCopyAndOkSavesTheDetectCodes) {
   EXPECT_TRUE(dialog->isVisible()) << "Enter never closes the editor";
   person.Pick(QStringLiteral("Silence Threshold"), 1);
   person.Pick(QStringLiteral("Return Time"), 12);
+  person.Click(QStringLiteral("Wednesday"));
+  person.Click(QStringLiteral("Sunday"));
+  TypeEndDate(QStringLiteral("12312024"));
+  person.Click(QStringLiteral("OK"));
+  EXPECT_EQ(prompt.informed, QStringList{QStringLiteral(
+                                 "The End Date is before the Start Date.  Please enter an End "
+                                 "Date on or after the Start Date.")});
+  EXPECT_EQ(QApplication::focusWidget(), person.Find(QStringLiteral("End Date")));
   EXPECT_EQ(s.Shows[0].StartTime, QStringLiteral("24:00:00")) << "the live table waits for OK";
+  EXPECT_FALSE(QFile::exists(PathOf(QStringLiteral("ZRNShows.dat"))));
 
+  TypeEndDate(QStringLiteral("06302026"));
+  EXPECT_EQ(person.Find(QStringLiteral("Wednesday"))->toolTip(),
+            QStringLiteral("Event happens every Wedensday"));
+  person.Click(QStringLiteral(">"));
+  EXPECT_FALSE(Checked(QStringLiteral("Wednesday")));
+  person.Click(QStringLiteral("<"));
+  EXPECT_TRUE(Checked(QStringLiteral("Wednesday")));
+  person.Click(QStringLiteral("Every Day"));
   person.Click(QStringLiteral("OK"));
   State restarted;
   restarted.AppPath = s.AppPath;
   ASSERT_TRUE(ReadShows(restarted));
-  EXPECT_EQ(restarted.Shows[0].StartTime, QStringLiteral("12:30:45"));
-  EXPECT_EQ(restarted.Shows[0].DetectLevel, 1224);
-  EXPECT_EQ(restarted.Shows[0].DetectTime2, 12);
+  const ShowRecord& saved = restarted.Shows.at(0);
+  EXPECT_EQ((QStringList{saved.StartTime, saved.StartDate, saved.EndDate}),
+            (QStringList{"12:30:45", "01/01/2025", "06/30/2026"}));
+  EXPECT_EQ((QList<int>{saved.Days, saved.DetectLevel, saved.DetectTime2}),
+            (QList<int>{127, 1224, 12}));
 }
 
 // Removing the last show leaves nothing to edit until Add; Cancel then drops the new show.
@@ -76,34 +96,6 @@ TEST_F(ShowsDialogTest, RemovingTheOnlyShowLeavesAnEmptyDisabledFormAndCancelUnd
   EXPECT_EQ(s.Shows.size(), 1u);
   EXPECT_EQ(s.Shows[0].Name, QStringLiteral("Solo"));
   EXPECT_FALSE(QFile::exists(PathOf(QStringLiteral("ZRNShows.dat")))) << "Cancel saves nothing";
-}
-
-// A show ending before it starts is refused naming the date; days and dates survive moving away.
-TEST_F(ShowsDialogTest, DaysAndDatesSurviveMovingAwayAndAnEndBeforeTheStartIsRefused) {
-  Open();
-  Edit();
-  person.Click(QStringLiteral("Wednesday"));
-  person.Click(QStringLiteral("Sunday"));
-  TypeEndDate(QStringLiteral("12312024"));
-  person.Click(QStringLiteral("OK"));
-  EXPECT_EQ(prompt.informed, QStringList{QStringLiteral(
-                                 "The End Date is before the Start Date.  Please enter an End "
-                                 "Date on or after the Start Date.")});
-  EXPECT_EQ(QApplication::focusWidget(), person.Find(QStringLiteral("End Date")));
-  EXPECT_EQ(s.Shows[0].EndDate, QStringLiteral("12/31/2025")) << "nothing taken over";
-
-  TypeEndDate(QStringLiteral("06302026"));
-  EXPECT_EQ(person.Find(QStringLiteral("Wednesday"))->toolTip(),
-            QStringLiteral("Event happens every Wedensday"));
-  person.Click(QStringLiteral(">"));
-  EXPECT_FALSE(Checked(QStringLiteral("Wednesday")));
-  person.Click(QStringLiteral("<"));
-  EXPECT_TRUE(Checked(QStringLiteral("Wednesday")));
-  person.Click(QStringLiteral("Every Day"));
-  person.Click(QStringLiteral("OK"));
-  EXPECT_EQ(s.Shows[0].Days, 127);
-  EXPECT_EQ(s.Shows[0].EndDate, QStringLiteral("06/30/2026"));
-  EXPECT_EQ(s.Shows[0].StartDate, QStringLiteral("01/01/2025"));
 }
 
 TEST_F(ShowsDialogTest, SubEditorsWorkOnTheCurrentShow) {
