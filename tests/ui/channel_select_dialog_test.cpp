@@ -44,7 +44,7 @@ TEST_F(ChannelSelectTest, ReplacingTheTableWhileAShowIsOnAirStrandsNoOutput) {
   Select(1, {0});
   person.Click(QStringLiteral("<< Remove"));
   person.Click(QStringLiteral("<< Remove All"));
-  EXPECT_EQ(Words().front(), QStringLiteral("Selected: 0")) << "the count follows at once";
+  EXPECT_TRUE(Seen(QStringLiteral("Selected: 0"))) << "the count follows at once";
   Select(0, {12, 10});
   person.Click(QStringLiteral("Add >>"));
   Select(0, {10});

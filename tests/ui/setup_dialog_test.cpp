@@ -48,9 +48,6 @@ class SetupDialogTest : public test::DialogTest {
     UpdateOutputs(s);
   }
   void Open(SetupEditors editors = {}) { DialogTest::Open<SetupDialog>(std::move(editors)); }
-  void TypeChannel(const QString& digits) {
-    person.Enter(QStringLiteral("Monitor Destination"), digits);
-  }
   // Each entry of a list of watched outputs, in one line.
   static QStringList Entries(const State& st) {
     QStringList rows;
@@ -70,10 +67,8 @@ TEST_F(SetupDialogTest, RefusesAddressPortAndDisplayLengthBeforeApplyingAnything
   const QString badPort =
       QStringLiteral("Invalid IP Port #. Please reenter a number between 1 and 65535");
   const struct {
-    const char* field;
-    const char* typed;
-    const char* title;
-    const char* mend;  // typed to mend it; a refused address is put back by the dialog
+    // What is typed to mend a field; a refused address is put back by the dialog.
+    const char *field, *typed, *title, *mend;
   } refused[] = {
       {"IP Port", "0", "Port Error", "1250"},
       {"IP Port", "70000", "Port Error", "1250"},
@@ -138,7 +133,7 @@ TEST_F(SetupDialogTest, CancelLeavesTheWatchedOutputsAsSetupFoundThem) {
   editors.schedule = NoonOnly;
   Open(editors);
   person.Click(QStringLiteral("Add"));
-  TypeChannel(QStringLiteral("9"));
+  person.Enter(QStringLiteral("Monitor Destination"), QStringLiteral("9"));
   person.Click(QStringLiteral("Custom Label"));
   person.Press(Qt::Key_Tab);
   person.Type(QStringLiteral("Tx,B"));
@@ -148,7 +143,7 @@ TEST_F(SetupDialogTest, CancelLeavesTheWatchedOutputsAsSetupFoundThem) {
   person.Click(QStringLiteral("|<"));
   person.Click(QStringLiteral("Remove"));
   person.Click(QStringLiteral("Insert"));
-  TypeChannel(QStringLiteral("5"));
+  person.Enter(QStringLiteral("Monitor Destination"), QStringLiteral("5"));
   person.Click(QStringLiteral("Configure Schedule"));
   ASSERT_EQ(s.Outputs[0].Output, 5) << "the schedule editor works on the list as shown";
   s.Outputs[1].AlarmState = 1;  // a poll tick meanwhile
@@ -176,7 +171,7 @@ TEST_F(SetupDialogTest, ShowButtonsOpenTheEditorsAndOutputModeRebuildsTheView) {
   s.SelectedShow = 1;
   s.ProgramMode = 1;
   DialogTest::Open<SetupDialog>();
-  EXPECT_FALSE(Frames().contains(QStringLiteral("Monitor Outputs (3)")));
+  EXPECT_FALSE(Seen(QStringLiteral("Monitor Outputs (3)")));
   QString seen;
   test::WhenModal([&](QDialog& editor) {
     test::Person other;
@@ -218,11 +213,11 @@ TEST_F(SetupDialogTest, NestedEditorsActOnTheShownEntryAndANewChannelEndsItsAckn
   Open(editors);
 
   person.Click(QStringLiteral("Edit"));
-  TypeChannel(QStringLiteral("5"));
+  person.Enter(QStringLiteral("Monitor Destination"), QStringLiteral("5"));
   person.Click(QStringLiteral(">"));
   person.Click(QStringLiteral("Insert"));
   EXPECT_FALSE(Enabled(QStringLiteral("Configure Silence Detect"))) << "nothing to configure";
-  TypeChannel(QStringLiteral("9"));
+  person.Enter(QStringLiteral("Monitor Destination"), QStringLiteral("9"));
   person.Click(QStringLiteral("Configure Silence Detect"));
   person.Click(QStringLiteral("Configure Schedule"));
   EXPECT_EQ(calls, (QStringList{"silence of output 8", "schedule of entry 1"}));
@@ -251,7 +246,7 @@ TEST_F(SetupDialogTest, ConfirmedSetupIsSavedOrSaysWhichFileAndWhy) {
   person.Click(QStringLiteral("|<"));
   person.Click(QStringLiteral(">"));
   person.Click(QStringLiteral("Insert"));
-  TypeChannel(QStringLiteral("5"));
+  person.Enter(QStringLiteral("Monitor Destination"), QStringLiteral("5"));
   person.Click(QStringLiteral("OK"));
   ASSERT_TRUE(s.DialogAccepted);
   EXPECT_EQ(s.AlarmRelay, 7);

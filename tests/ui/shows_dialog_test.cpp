@@ -83,7 +83,7 @@ TEST_F(ShowsDialogTest, RemovingTheOnlyShowLeavesAnEmptyDisabledFormAndCancelUnd
   Open();
   Edit();
   person.Click(QStringLiteral("Remove"));
-  EXPECT_TRUE(Frames().contains(QStringLiteral("0 of 0")));
+  EXPECT_TRUE(Seen(QStringLiteral("0 of 0")));
   for (const char* control : {"Show Title", "Start Time", "Edit Show Outputs", "Remove"}) {
     EXPECT_FALSE(Enabled(QLatin1String(control))) << control;
   }

@@ -59,7 +59,7 @@ TEST_F(SilenceDetectDialogTest, ShowsTheReportedConfigurationReadOnlyUntilEdit) 
   auto* shown = static_cast<SilenceDetectDialog*>(dialog.get());
   shown->UpdateSilenceDetectConfig(kNone);
   EXPECT_EQ(shown->Output(), 5);
-  EXPECT_EQ(Words(), QStringList{QStringLiteral("Channel is Silent.  Peak Detected")});
+  EXPECT_TRUE(Seen(QStringLiteral("Channel is Silent.  Peak Detected")));
 }
 
 TEST_F(SilenceDetectDialogTest, SendStoresSendsAndLogsOnlyWhatWentOut) {

@@ -3,7 +3,6 @@
 #include <QComboBox>
 #include <QDialog>
 #include <QGroupBox>
-#include <QLabel>
 #include <QLineEdit>
 #include <algorithm>
 #include <memory>
@@ -86,14 +85,15 @@ class DialogTest : public TempStateTest {
     }
     return control != nullptr ? control->property("text").toString() : QString();
   }
-  // Whether a button or frame of that caption is in sight, without failing when none is.
-  bool Seen(const QString& caption) const {
-    for (const QAbstractButton* button : dialog->findChildren<QAbstractButton*>()) {
-      if (button->isVisible() && Person::Plain(button->text()) == caption) {
+  // Whether a button, frame or label showing that text is in sight, without failing when none is.
+  bool Seen(const QString& text) const {
+    for (const QWidget* w : dialog->findChildren<QWidget*>()) {
+      const char* name = qobject_cast<const QGroupBox*>(w) != nullptr ? "title" : "text";
+      if (w->isVisible() && Person::Plain(w->property(name).toString()) == text) {
         return true;
       }
     }
-    return Frames().contains(caption);
+    return false;
   }
   bool Checked(const QString& caption) const {
     const auto* box = qobject_cast<QAbstractButton*>(person.Find(caption));
@@ -102,26 +102,6 @@ class DialogTest : public TempStateTest {
   bool Enabled(const QString& caption) const {
     const QWidget* control = person.Find(caption);
     return control != nullptr && control->isEnabled();
-  }
-  // The words of every visible label that names no control.
-  QStringList Words() const {
-    QStringList words;
-    for (const QLabel* label : dialog->findChildren<QLabel*>()) {
-      if (label->isVisible() && label->buddy() == nullptr) {
-        words << label->text();
-      }
-    }
-    return words;
-  }
-  // The titles of the visible frames.
-  QStringList Frames() const {
-    QStringList titles;
-    for (const QGroupBox* frame : dialog->findChildren<QGroupBox*>()) {
-      if (frame->isVisible() && !frame->title().isEmpty()) {
-        titles << frame->title();
-      }
-    }
-    return titles;
   }
   QStringList Rows(int list = 0, int column = 0) const {
     return Person::Rows(person.Lists().value(list), column);
