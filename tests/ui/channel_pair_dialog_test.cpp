@@ -71,7 +71,6 @@ TEST_F(ShowSubEditorTest, EditSaveAndOkWriteTheGroupsAndOkWhileEditingAsks) {
   EXPECT_EQ(s.EditShows[1].OutputCount, 0);
 }
 
-// An editor called for something that is not there closes at once and logs why.
 TEST_F(ShowSubEditorTest, EditorsWithNothingToEditCloseAtOnce) {
   const struct {
     int mode, show;

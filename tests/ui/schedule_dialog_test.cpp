@@ -95,7 +95,6 @@ TEST_F(ScheduleDialogTest, SavesAreCheckedFirstAndKeepTimeOrder) {
   EXPECT_EQ(Row(0)[2], QStringLiteral("None"));
 }
 
-// Delete takes the current event, and its run memory follows it.
 TEST_F(ScheduleDialogTest, DeleteTakesTheCurrentEventAndClosingWithAPendingEditAsks) {
   SetEvents({Event("06:00:00", 127), Event("12:00:00", 127), Event("18:00:00", 4, 2)});
   const QDateTime ranAt(QDate(2026, 11, 18), QTime(18, 0, 0), Qt::UTC);

@@ -195,9 +195,13 @@ TEST_F(SetupDialogTest, ShowButtonsOpenTheEditorsAndOutputModeRebuildsTheView) {
   EXPECT_NE(s.Outputs[1].NextEvent, kNone) << "next events recomputed";
 }
 
-// A changed channel ends its acknowledgement; an unchanged one, and what a poll tick changed
-// while the dialog was open, stay. The nested editors act on the entry shown.
-TEST_F(SetupDialogTest, NestedEditorsActOnTheShownEntryAndANewChannelEndsItsAcknowledgement) {
+// What the switcher does not report is shown so and kept. A changed channel ends its
+// acknowledgement; an unchanged one, and what a poll tick changed while the dialog was open,
+// stay. The nested editors act on the entry shown. A save that fails says which file and why;
+// the next one keeps each schedule on its output across a restart.
+TEST_F(SetupDialogTest, ConfirmedSetupKeepsWhatItDidNotChangeAndIsSavedOrSaysWhyNot) {
+  s.AlarmRelay = 7;           // the switcher reports only four relays
+  s.Outputs[2].Output = 300;  // and no output 300
   s.Outputs[0].AlarmState = 1;
   s.Outputs[1].AlarmState = 1;
   s.SelectedOutput = 2;
@@ -211,7 +215,11 @@ TEST_F(SetupDialogTest, NestedEditorsActOnTheShownEntryAndANewChannelEndsItsAckn
     calls << QStringLiteral("silence of output %1").arg(output);
   };
   Open(editors);
-
+  EXPECT_EQ(Shown(QStringLiteral("Alarm Relay")), QStringLiteral("[0007] (not reported)"));
+  EXPECT_FALSE(Enabled(QStringLiteral("Monitor Destination"))) << "locked until Edit";
+  person.Click(QStringLiteral(">|"));
+  EXPECT_EQ(Shown(QStringLiteral("Monitor Destination")), QStringLiteral("Undefined"));
+  person.Click(QStringLiteral("|<"));
   person.Click(QStringLiteral("Edit"));
   person.Enter(QStringLiteral("Monitor Destination"), QStringLiteral("5"));
   person.Click(QStringLiteral(">"));
@@ -222,32 +230,14 @@ TEST_F(SetupDialogTest, NestedEditorsActOnTheShownEntryAndANewChannelEndsItsAckn
   person.Click(QStringLiteral("Configure Schedule"));
   EXPECT_EQ(calls, (QStringList{"silence of output 8", "schedule of entry 1"}));
   EXPECT_EQ(s.SelectedOutput, 2) << "the main window's selection is left alone";
-  s.Outputs[3].DisplayOption = 1;  // a poll tick runs an event on output 12
+  s.Outputs[3].DisplayOption = 1;  // a poll tick runs an event on output 300
   s.Outputs[3].MonitoringEnabled = false;
 
   person.Click(QStringLiteral("OK"));
-  EXPECT_EQ(s.OutputCount, 4);
   EXPECT_EQ(Entries(s), (QStringList{"5 Studio events=0 ack=0 option=0 watched=1",
                                      "9 None events=1 ack=0 option=0 watched=1",
                                      "7 Studio events=2 ack=1 option=0 watched=1",
-                                     "12 Studio events=0 ack=0 option=1 watched=0"}));
-}
-
-// What the switcher does not report is shown so and kept. A save that fails says which file
-// and why; the next one keeps each schedule on its output across a restart.
-TEST_F(SetupDialogTest, ConfirmedSetupIsSavedOrSaysWhichFileAndWhy) {
-  s.AlarmRelay = 7;           // the switcher reports only four relays
-  s.Outputs[2].Output = 300;  // and no output 300
-  Open();
-  EXPECT_EQ(Shown(QStringLiteral("Alarm Relay")), QStringLiteral("[0007] (not reported)"));
-  EXPECT_FALSE(Enabled(QStringLiteral("Monitor Destination"))) << "locked until Edit";
-  person.Click(QStringLiteral(">|"));
-  EXPECT_EQ(Shown(QStringLiteral("Monitor Destination")), QStringLiteral("Undefined"));
-  person.Click(QStringLiteral("|<"));
-  person.Click(QStringLiteral(">"));
-  person.Click(QStringLiteral("Insert"));
-  person.Enter(QStringLiteral("Monitor Destination"), QStringLiteral("5"));
-  person.Click(QStringLiteral("OK"));
+                                     "300 Studio events=0 ack=0 option=1 watched=0"}));
   ASSERT_TRUE(s.DialogAccepted);
   EXPECT_EQ(s.AlarmRelay, 7);
   EXPECT_EQ(link.closes, 0) << "same address and port keep the link";
@@ -275,10 +265,10 @@ TEST_F(SetupDialogTest, ConfirmedSetupIsSavedOrSaysWhichFileAndWhy) {
   restarted.link = &otherLink;
   restarted.clock = &clock;
   Form_Load(restarted, dir.path());
-  EXPECT_EQ(Entries(restarted), (QStringList{"3 Studio events=0 ack=0 option=0 watched=1",
-                                             "5 None events=0 ack=0 option=0 watched=1",
+  EXPECT_EQ(Entries(restarted), (QStringList{"5 Studio events=0 ack=0 option=0 watched=1",
+                                             "9 Noon         events=1 ack=0 option=2 watched=1",
                                              "7 Morning      events=2 ack=0 option=2 watched=1",
-                                             "300 Studio events=0 ack=0 option=0 watched=1"}));
+                                             "300 Studio events=0 ack=0 option=1 watched=1"}));
   EXPECT_EQ(restarted.Outputs[2].Events.at(1).Label, QStringLiteral("Night       "));
 }
 
