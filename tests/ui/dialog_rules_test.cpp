@@ -106,8 +106,7 @@ TEST(ScheduleRules, RowTextsAndFields) {
 
 TEST(SilenceDetectRules, ListPositionsAndDevices) {
   const struct {
-    int code;
-    int position;
+    int code, position;
   } thresholds[] = {{824, 41}, {kNone, 0}, {825, 0}, {1224, 1}, {514, 72}};
   for (const auto& t : thresholds) {
     EXPECT_EQ(ThresholdPosition(t.code), t.position) << t.code;
