@@ -59,7 +59,7 @@ TEST_F(ChannelSelectTest, ReplacingTheTableWhileAShowIsOnAirStrandsNoOutput) {
   EXPECT_EQ(s.SilenceOutIndex[12], 1);
   EXPECT_EQ(s.SilenceOutIndex[9], kNone);
   GetActiveShows(s);
-  ExpectHeldThenFreed({{4, 1}, {6, 1}}, GetActiveShows);
+  ExpectHeldThenFreed({4, 6}, GetActiveShows);
 }
 
 }  // namespace

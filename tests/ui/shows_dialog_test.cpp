@@ -135,7 +135,7 @@ TEST_F(ShowsDialogTest, ReplacingTheTableOfAShowOnAirKeepsOneMonitorPerSource) {
   EXPECT_FALSE(link.wire.contains(QByteArray::fromHex("fe00007f7f090007ff")));
   ASSERT_EQ(s.ActiveShowCount, 1);
   ShowsPass(s);
-  ExpectHeldThenFreed({{5, 1}, {6, 1}, {4, 0}}, ShowsPass);
+  ExpectHeldThenFreed({5, 6, kNone}, ShowsPass);
   EXPECT_EQ(s.ActiveShowCount, 0);
 }
 
