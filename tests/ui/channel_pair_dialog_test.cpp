@@ -32,7 +32,7 @@ class ShowSubEditorTest : public test::DialogTest {
 };
 
 // Edit, Save and OK write the studio groups; OK while editing asks, and No keeps the outputs.
-TEST_F(ShowSubEditorTest, EditSaveAndOkWriteTheGroupsAndOkWhileEditingAsks) {
+TEST_F(ShowSubEditorTest, PairEditorWritesTheGroupsOnOkAndClosesWhenThereIsNothingToEdit) {
   OpenPairs(2);
   EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Configure Show Studio Sources"));
   person.Click(QStringLiteral("Add"));
@@ -69,9 +69,8 @@ TEST_F(ShowSubEditorTest, EditSaveAndOkWriteTheGroupsAndOkWhileEditingAsks) {
   EXPECT_FALSE(Enabled(QStringLiteral("Left Channel"))) << "nothing to edit";
   person.Click(QStringLiteral("OK"));
   EXPECT_EQ(s.EditShows[1].OutputCount, 0);
-}
 
-TEST_F(ShowSubEditorTest, EditorsWithNothingToEditCloseAtOnce) {
+  // Called for something that is not there, an editor closes at once and logs why.
   const struct {
     int mode, show;
     std::unique_ptr<QDialog> (*make)(State&);

@@ -26,7 +26,7 @@ class SilenceDetectDialogTest : public test::DialogTest {
   }
 };
 
-TEST_F(SilenceDetectDialogTest, ShowsTheReportedConfigurationReadOnlyUntilEdit) {
+TEST_F(SilenceDetectDialogTest, ShowsTheReportedConfigurationUntilEditAndSendsOnlyOnALiveLink) {
   Open({0, 265, 824, 8, 5, kNone, kNone, 0});
   EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Configure Silence Detect for TX 6 [0006]"));
   for (const char* option : {"Msg Only", "On", "Silence Detect Enabled", "Follows"}) {
@@ -60,9 +60,8 @@ TEST_F(SilenceDetectDialogTest, ShowsTheReportedConfigurationReadOnlyUntilEdit) 
   shown->UpdateSilenceDetectConfig(kNone);
   EXPECT_EQ(shown->Output(), 5);
   EXPECT_TRUE(Seen(QStringLiteral("Channel is Silent.  Peak Detected")));
-}
 
-TEST_F(SilenceDetectDialogTest, SendStoresSendsAndLogsOnlyWhatWentOut) {
+  // Send stores, sends and logs only what went out.
   Open({1, 0x38A, 700, 10, 3, 1, 1100, 2});
   person.Click(QStringLiteral("Edit"));
   for (const QString& list : kLists) {
