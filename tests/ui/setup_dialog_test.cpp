@@ -3,7 +3,6 @@
 #include <filesystem>
 
 #include "monitor/panel_update.h"
-#include "monitor/poll_tick.h"
 #include "monitor/setup_commands.h"
 #include "monitor/startup.h"
 #include "switcher/link.h"
@@ -14,28 +13,22 @@
 namespace zrn {
 namespace {
 
-OutputEntry Watched(int output) {
+OutputEntry Watched(qint16 output) {
   OutputEntry entry;
-  entry.Output = static_cast<qint16>(output);
+  entry.Output = output;
   entry.MonitoringEnabled = true;
   entry.CustomLabel = QStringLiteral("Studio");
   return entry;
 }
 
-ScheduledEvent Event(const QString& time, const QString& label) {
-  ScheduledEvent event;
-  event.Time = time;
-  event.Active = true;
-  event.DisplayOption = 2;
-  event.Days = 0x7F;
-  event.Label = label.leftJustified(12);
-  return event;
+ScheduledEvent Event(const char* time, const char* label) {
+  return {QLatin1String(time), true, 2, 0x7F, false, QString::fromLatin1(label).leftJustified(12)};
 }
 
 // A schedule editor that leaves one event at noon on the entry it was opened for.
 void NoonOnly(State& st, QWidget*) {
   OutputEntry& entry = st.Outputs.at(static_cast<std::size_t>(st.SelectedOutput));
-  entry.Events = {Event(QStringLiteral("12:00:00"), QStringLiteral("Noon"))};
+  entry.Events = {Event("12:00:00", "Noon")};
   entry.EventCount = 1;
   st.DialogAccepted = true;
 }
@@ -48,16 +41,22 @@ class SetupDialogTest : public test::DialogTest {
     s.Connected = false;
     s.AlarmRelay = 3;
     s.Outputs = {Watched(3), Watched(7), Watched(12)};
-    s.Outputs[1].Events = {Event(QStringLiteral("06:30:00"), QStringLiteral("Morning")),
-                           Event(QStringLiteral("22:00:00"), QStringLiteral("Night"))};
+    s.Outputs[1].Events = {Event("06:30:00", "Morning"), Event("22:00:00", "Night")};
     s.Outputs[1].EventCount = 2;
     s.OutputCount = 3;
     RefreshClock(s);
     UpdateOutputs(s);
   }
   void Open(SetupEditors editors = {}) { DialogTest::Open<SetupDialog>(std::move(editors)); }
-  void TypeChannel(const QString& digits) {
-    person.Enter(QStringLiteral("Monitor Destination"), digits);
+  // Each entry of a list of watched outputs, in one line.
+  static QStringList Entries(const State& st) {
+    QStringList rows;
+    for (const OutputEntry& e : st.Outputs) {
+      rows << QString::asprintf("%d %s events=%d ack=%d option=%d watched=%d", e.Output,
+                                qPrintable(e.CustomLabel), e.EventCount, e.AlarmState,
+                                e.DisplayOption, e.MonitoringEnabled);
+    }
+    return rows;
   }
 };
 
@@ -68,10 +67,8 @@ TEST_F(SetupDialogTest, RefusesAddressPortAndDisplayLengthBeforeApplyingAnything
   const QString badPort =
       QStringLiteral("Invalid IP Port #. Please reenter a number between 1 and 65535");
   const struct {
-    const char* field;
-    const char* typed;
-    const char* title;
-    const char* mend;  // typed to mend it; a refused address is put back by the dialog
+    // What is typed to mend a field; a refused address is put back by the dialog.
+    const char *field, *typed, *title, *mend;
   } refused[] = {
       {"IP Port", "0", "Port Error", "1250"},
       {"IP Port", "70000", "Port Error", "1250"},
@@ -136,7 +133,7 @@ TEST_F(SetupDialogTest, CancelLeavesTheWatchedOutputsAsSetupFoundThem) {
   editors.schedule = NoonOnly;
   Open(editors);
   person.Click(QStringLiteral("Add"));
-  TypeChannel(QStringLiteral("9"));
+  person.Enter(QStringLiteral("Monitor Destination"), QStringLiteral("9"));
   person.Click(QStringLiteral("Custom Label"));
   person.Press(Qt::Key_Tab);
   person.Type(QStringLiteral("Tx,B"));
@@ -146,24 +143,21 @@ TEST_F(SetupDialogTest, CancelLeavesTheWatchedOutputsAsSetupFoundThem) {
   person.Click(QStringLiteral("|<"));
   person.Click(QStringLiteral("Remove"));
   person.Click(QStringLiteral("Insert"));
-  TypeChannel(QStringLiteral("5"));
+  person.Enter(QStringLiteral("Monitor Destination"), QStringLiteral("5"));
   person.Click(QStringLiteral("Configure Schedule"));
   ASSERT_EQ(s.Outputs[0].Output, 5) << "the schedule editor works on the list as shown";
   s.Outputs[1].AlarmState = 1;  // a poll tick meanwhile
 
   person.Click(QStringLiteral("Cancel"));
   EXPECT_FALSE(s.DialogAccepted);
-  ASSERT_EQ(s.panels.outputs.size(), 3u);
-  const int channels[] = {3, 7, 12};
-  for (int i = 0; i < 3; ++i) {
-    EXPECT_EQ(s.Outputs[i].Output, channels[i]);
-    EXPECT_EQ(s.Outputs[i].EventCount, i == 1 ? 2 : 0);
-    EXPECT_EQ(s.Outputs[i].CustomLabel, QStringLiteral("Studio"));
-    EXPECT_EQ(s.panels.outputs[i].toolTip,
-              QStringLiteral("TX %1    [%2]").arg(channels[i]).arg(channels[i], 4, 10, QChar(u'0')))
-        << "panel " << i + 1 << " names its own output";
+  EXPECT_EQ(Entries(s), (QStringList{"3 Studio events=0 ack=0 option=0 watched=1",
+                                     "7 Studio events=2 ack=1 option=0 watched=1",
+                                     "12 Studio events=0 ack=0 option=0 watched=1"}));
+  QStringList tips;  // each panel names its own output
+  for (const auto& panel : s.panels.outputs) {
+    tips << panel.toolTip;
   }
-  EXPECT_EQ(s.Outputs[1].AlarmState, 1) << "the live acknowledgement stays";
+  EXPECT_EQ(tips, (QStringList{"TX 3    [0003]", "TX 7    [0007]", "TX 12    [0012]"}));
   EXPECT_TRUE(Files().isEmpty()) << "nothing is saved";
 }
 
@@ -177,7 +171,7 @@ TEST_F(SetupDialogTest, ShowButtonsOpenTheEditorsAndOutputModeRebuildsTheView) {
   s.SelectedShow = 1;
   s.ProgramMode = 1;
   DialogTest::Open<SetupDialog>();
-  EXPECT_FALSE(Frames().contains(QStringLiteral("Monitor Outputs (3)")));
+  EXPECT_FALSE(Seen(QStringLiteral("Monitor Outputs (3)")));
   QString seen;
   test::WhenModal([&](QDialog& editor) {
     test::Person other;
@@ -201,75 +195,58 @@ TEST_F(SetupDialogTest, ShowButtonsOpenTheEditorsAndOutputModeRebuildsTheView) {
   EXPECT_NE(s.Outputs[1].NextEvent, kNone) << "next events recomputed";
 }
 
-// A changed channel ends its acknowledgement; an unchanged one, and what a poll tick changed
-// while the dialog was open, stay. The nested editors act on the entry shown.
-TEST_F(SetupDialogTest, NestedEditorsActOnTheShownEntryAndANewChannelEndsItsAcknowledgement) {
+// What the switcher does not report is shown so and kept. A changed channel ends its
+// acknowledgement; an unchanged one, and what a poll tick changed while the dialog was open,
+// stay. The nested editors act on the entry shown. A save that fails says which file and why;
+// the next one keeps each schedule on its output across a restart.
+TEST_F(SetupDialogTest, ConfirmedSetupKeepsWhatItDidNotChangeAndIsSavedOrSaysWhyNot) {
+  s.AlarmRelay = 7;           // the switcher reports only four relays
+  s.Outputs[2].Output = 300;  // and no output 300
   s.Outputs[0].AlarmState = 1;
   s.Outputs[1].AlarmState = 1;
   s.SelectedOutput = 2;
-  int scheduleIndex = -1;
-  int scheduleOutput = -1;
-  int silenceOutput = -1;
+  QStringList calls;
   SetupEditors editors;
   editors.schedule = [&](State& st, QWidget* parent) {
-    scheduleIndex = st.SelectedOutput;
-    scheduleOutput = st.Outputs.at(static_cast<std::size_t>(st.SelectedOutput)).Output;
+    calls << QStringLiteral("schedule of entry %1").arg(st.SelectedOutput);
     NoonOnly(st, parent);
   };
-  editors.silenceDetect = [&](State&, int output, QWidget*) { silenceOutput = output; };
+  editors.silenceDetect = [&](State&, int output, QWidget*) {
+    calls << QStringLiteral("silence of output %1").arg(output);
+  };
   Open(editors);
-
-  person.Click(QStringLiteral("Edit"));
-  TypeChannel(QStringLiteral("5"));
-  person.Click(QStringLiteral(">"));
-  person.Click(QStringLiteral("Insert"));
-  EXPECT_FALSE(Enabled(QStringLiteral("Configure Silence Detect"))) << "nothing to configure";
-  TypeChannel(QStringLiteral("9"));
-  person.Click(QStringLiteral("Configure Silence Detect"));
-  EXPECT_EQ(silenceOutput, 8);
-  person.Click(QStringLiteral("Configure Schedule"));
-  EXPECT_EQ(scheduleIndex, 1);
-  EXPECT_EQ(scheduleOutput, 9);
-  EXPECT_EQ(s.SelectedOutput, 2) << "the main window's selection is left alone";
-  s.Outputs[3].DisplayOption = 1;  // a poll tick runs an event on output 12
-  s.Outputs[3].MonitoringEnabled = false;
-
-  person.Click(QStringLiteral("OK"));
-  ASSERT_EQ(s.OutputCount, 4);
-  EXPECT_EQ(s.Outputs[0].Output, 5);
-  EXPECT_EQ(s.Outputs[0].AlarmState, 0);
-  EXPECT_EQ(s.Outputs[1].EventCount, 1);
-  EXPECT_EQ(s.Outputs[2].EventCount, 2) << "output 7 keeps its events";
-  EXPECT_EQ(s.Outputs[2].AlarmState, 1) << "an unchanged channel keeps its acknowledgement";
-  EXPECT_EQ(s.Outputs[3].DisplayOption, 1);
-  EXPECT_FALSE(s.Outputs[3].MonitoringEnabled);
-}
-
-// What the switcher does not report is shown so and kept. A save that fails says which file
-// and why; the next one keeps each schedule on its output across a restart.
-TEST_F(SetupDialogTest, ConfirmedSetupIsSavedOrSaysWhichFileAndWhy) {
-  s.AlarmRelay = 7;           // the switcher reports only four relays
-  s.Outputs[2].Output = 300;  // and no output 300
-  Open();
   EXPECT_EQ(Shown(QStringLiteral("Alarm Relay")), QStringLiteral("[0007] (not reported)"));
   EXPECT_FALSE(Enabled(QStringLiteral("Monitor Destination"))) << "locked until Edit";
   person.Click(QStringLiteral(">|"));
   EXPECT_EQ(Shown(QStringLiteral("Monitor Destination")), QStringLiteral("Undefined"));
   person.Click(QStringLiteral("|<"));
+  person.Click(QStringLiteral("Edit"));
+  person.Enter(QStringLiteral("Monitor Destination"), QStringLiteral("5"));
   person.Click(QStringLiteral(">"));
   person.Click(QStringLiteral("Insert"));
-  TypeChannel(QStringLiteral("5"));
+  EXPECT_FALSE(Enabled(QStringLiteral("Configure Silence Detect"))) << "nothing to configure";
+  person.Enter(QStringLiteral("Monitor Destination"), QStringLiteral("9"));
+  person.Click(QStringLiteral("Configure Silence Detect"));
+  person.Click(QStringLiteral("Configure Schedule"));
+  EXPECT_EQ(calls, (QStringList{"silence of output 8", "schedule of entry 1"}));
+  EXPECT_EQ(s.SelectedOutput, 2) << "the main window's selection is left alone";
+  s.Outputs[3].DisplayOption = 1;  // a poll tick runs an event on output 300
+  s.Outputs[3].MonitoringEnabled = false;
+
   person.Click(QStringLiteral("OK"));
+  EXPECT_EQ(Entries(s), (QStringList{"5 Studio events=0 ack=0 option=0 watched=1",
+                                     "9 None events=1 ack=0 option=0 watched=1",
+                                     "7 Studio events=2 ack=1 option=0 watched=1",
+                                     "300 Studio events=0 ack=0 option=1 watched=0"}));
   ASSERT_TRUE(s.DialogAccepted);
   EXPECT_EQ(s.AlarmRelay, 7);
-  EXPECT_EQ(s.Outputs[3].Output, 300);
   EXPECT_EQ(link.closes, 0) << "same address and port keep the link";
   const char* files[] = {"zrnconfig.ini", "ZRNShows.dat", "ZRNEvents.dat"};
   if (test::ReadOnlyFolder readOnly(dir.path()); readOnly.Active()) {
     SetupAccepted(s);
     ASSERT_EQ(prompt.informed.size(), 3);
+    EXPECT_EQ(prompt.titles, QStringList(3, QStringLiteral("File Error")));
     for (int i = 0; i < 3; ++i) {
-      EXPECT_EQ(prompt.titles[i], QStringLiteral("File Error"));
       const QString path = QDir::toNativeSeparators(PathOf(QString::fromLatin1(files[i])));
       EXPECT_TRUE(prompt.informed[i].startsWith(path + QStringLiteral(" could not be saved: ")))
           << prompt.informed[i].toStdString();
@@ -288,10 +265,11 @@ TEST_F(SetupDialogTest, ConfirmedSetupIsSavedOrSaysWhichFileAndWhy) {
   restarted.link = &otherLink;
   restarted.clock = &clock;
   Form_Load(restarted, dir.path());
-  ASSERT_EQ(restarted.OutputCount, 4);
-  EXPECT_EQ(restarted.Outputs[1].EventCount, 0);
-  ASSERT_EQ(restarted.Outputs[2].EventCount, 2) << "output 7 keeps its events";
-  EXPECT_EQ(restarted.Outputs[2].Events[1].Label, QStringLiteral("Night       "));
+  EXPECT_EQ(Entries(restarted), (QStringList{"5 Studio events=0 ack=0 option=0 watched=1",
+                                             "9 Noon         events=1 ack=0 option=2 watched=1",
+                                             "7 Morning      events=2 ack=0 option=2 watched=1",
+                                             "300 Studio events=0 ack=0 option=1 watched=1"}));
+  EXPECT_EQ(restarted.Outputs[2].Events.at(1).Label, QStringLiteral("Night       "));
 }
 
 }  // namespace
