@@ -44,7 +44,7 @@ const Scenario kScenarios[] = {
     // shared or not, the studio's newly routed one waiting for its detector; none in output mode.
     {"monitors are sent again after each completed exchange",
      "HMorning/5/14:00:00/12:00:00/7 HSharing/5/14:00:00 Q =C10C11 D0 E0 X Q o Q =- e K R =C10C11 "
-     "I11 s10 Q #ir =L M0 R =-",
+     "I11 sa Q #ir =L M0 R =-",
      {kMorningOn, "Sharing Silence Alarm Status ON!", kOn}},
     // The borrowed output was parked, so its detector still reports silence: grey until the
     // silence outlasts the detect and return times, or at once when the detector reports on the
