@@ -3,10 +3,7 @@
 namespace zrn {
 namespace {
 
-using test::kCanceled;
-using test::kOff;
-using test::kOn;
-using test::Scenario;
+using namespace test;
 
 const QString kUserAck = QStringLiteral("Out 0001 [0001] Loss Alarm Canceled - User");
 
@@ -41,7 +38,7 @@ const Scenario kScenarios[] = {
      "s0 r1 _ x o a0 t =- e t =R",
      {kOn, kOff}},
     {"a changed alarm relay leaves nothing latched",
-     "s0 r1 _ A2 t =RL2 v0100 t =- A- t =R2",
+     "s0 r1 _ A2 t =RL2 r0100 t =- A- t =R2",
      {kOn, kOff}},
     {"a dead link defers the command, not the decision", "x s0 t =- o e t =L", {kOn}},
     {"the tick looks again when the grace ends", "g0 s0 #0- t =- +13 t #0r =L", {kOn}},
