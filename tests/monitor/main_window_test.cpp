@@ -318,7 +318,6 @@ TEST_F(MainWindowTest, AnOperatorsSessionFromTheAlertsToAThousandPanelsInBothVie
   RelayStatesReported(s);
   person.Click(QStringLiteral("Cancel"));
   EXPECT_TRUE(ServerReceives(Bytes({0xFE, 0x40, 0x00, 0x00, 0x00, 0x02, 0x00, 0x42, 0xFF})));
-  EXPECT_TRUE(s.MessageRows.last().endsWith(QStringLiteral("Loss Alarm Report Canceled")));
   // A peak on another output afterwards raises nothing: the cancelled alarms stay off the relay.
   peer->write(Bytes({0xCB, 0x0A, 0x01, 0x00, 0x06, 0x00, 0x41, 0x52, 0xFF}));
   ASSERT_TRUE(QTest::qWaitFor([&] { return s.SilenceStatus[6].Status == 2; }, 5000));

@@ -103,11 +103,9 @@ class LinkedStateTest : public ConnectedStateTest {
     UpdateStatus(s);
   }
   Rgb Lamp(QChar which) const {
-    if (which == QLatin1Char('w')) {
-      return s.panels.window.alarmLampColour;
-    }
-    return which == QLatin1Char('i') ? s.panels.shows.at(0).indicatorColour
-                                     : s.panels.outputs[which.digitValue()].lamp;
+    return which == QLatin1Char('w')   ? s.panels.window.alarmLampColour
+           : which == QLatin1Char('i') ? s.panels.shows.at(0).indicatorColour
+                                       : s.panels.outputs[which.digitValue()].lamp;
   }
 
   // A scenario is a line of steps; lower-case steps act, '=', '#' and 'w' look:
