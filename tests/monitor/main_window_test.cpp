@@ -47,7 +47,6 @@ class MainWindowTest : public ::testing::Test {
  protected:
   // The normal view of three studios, their alarm relay as given.
   void StartWith(const QString& alarmRelay = QStringLiteral("3")) {
-    ASSERT_TRUE(dir.isValid());
     ASSERT_TRUE(server.listen(QHostAddress::LocalHost));
     ASSERT_TRUE(test::WriteMonitorConfig(
         dir.path(),
