@@ -3,10 +3,7 @@
 namespace zrn {
 namespace {
 
-using test::kCanceled;
-using test::kOff;
-using test::kOn;
-using test::Scenario;
+using namespace test;
 
 const QString kUserAck = QStringLiteral("Out 0001 [0001] Loss Alarm Canceled - User");
 
@@ -41,7 +38,7 @@ const Scenario kScenarios[] = {
      "s0 r1 _ x o a0 t =- e t =R",
      {kOn, kOff}},
     {"a changed alarm relay leaves nothing latched",
-     "s0 r1 _ A2 t =RL2 v0100 t =- A- t =R2",
+     "s0 r1 _ A2 t =RL2 r0100 t =- A- t =R2",
      {kOn, kOff}},
     {"a dead link defers the command, not the decision", "x s0 t =- o e t =L", {kOn}},
     {"the tick looks again when the grace ends", "g0 s0 #0- t =- +13 t #0r =L", {kOn}},
@@ -63,6 +60,8 @@ const Scenario kScenarios[] = {
     {"a route change holds the lamp grey, then alarms anew",
      "s0 k0 g0 s0 #0- w0 +13 s0 #0r w1",
      {kOn, kUserAck, kOff, kOn}},
+    // Output 1 already carries source 7: routing it there again is no change, the alarm stays.
+    {"a route to the source already there is no change", "s1 g1 s1 #1r w1", {kOn}},
     // A silence counts only when detected, in output mode, with no detector request outstanding.
     {"silence counts while detecting", "f109 s0 #0r w1", {kOn}},
     {"a device configured with detection off raises nothing", "f009 s0 #0- w0", {}},
@@ -78,6 +77,8 @@ class LossAlarm : public test::LinkedStateTest, public testing::WithParamInterfa
     // The outputs are laid out before the exchange completes, as at start-up.
     s.linkState.ExchangeComplete = false;
     Watch(3, 0x100);
+    s.CrosspointMap[1].SourceCount = 1;
+    s.CrosspointMap[1].Sources[0] = 7;
     s.linkState.ExchangeComplete = true;
     Wire();
   }
@@ -97,12 +98,11 @@ using LossAlarmCases = LossAlarm;
 // In show mode only shows alarm; a suppressed show's alarm is off the relay, and a show out of
 // the table is skipped, not read.
 TEST_F(LossAlarmCases, InShowModeOnlyShowsAlarm) {
-  s.ProgramMode = 1;
   s.Shows.assign(2, ShowRecord());
   s.ShowCount = 2;
   s.ActiveShows = {0, 1};
   s.ActiveShowCount = 2;
-  Steps("s0 =- n0");
+  Steps("h1 s0 =- n0");
   s.Shows[1].Alarm = 1;
   s.Shows[1].DownlinkMonitor = 5;
   Steps("t =L r1");
@@ -116,13 +116,6 @@ TEST_F(LossAlarmCases, InShowModeOnlyShowsAlarm) {
   s.ActiveShows = {7};
   s.ActiveShowCount = 3;
   Steps("t =R");
-}
-
-// A route to the source already routed is no change: no grace, the alarm stays.
-TEST_F(LossAlarmCases, ARouteToTheSourceAlreadyThereIsNoChange) {
-  s.CrosspointMap[0].SourceCount = 1;
-  s.CrosspointMap[0].Sources[0] = 7;
-  Steps("s0 g0 s0 #0r w1");
 }
 
 TEST_F(LossAlarmCases, ARelayBeyondTheTableCountsAsNone) {

@@ -103,11 +103,9 @@ class LinkedStateTest : public ConnectedStateTest {
     UpdateStatus(s);
   }
   Rgb Lamp(QChar which) const {
-    if (which == QLatin1Char('w')) {
-      return s.panels.window.alarmLampColour;
-    }
-    return which == QLatin1Char('i') ? s.panels.shows.at(0).indicatorColour
-                                     : s.panels.outputs[which.digitValue()].lamp;
+    return which == QLatin1Char('w')   ? s.panels.window.alarmLampColour
+           : which == QLatin1Char('i') ? s.panels.shows.at(0).indicatorColour
+                                       : s.panels.outputs[which.digitValue()].lamp;
   }
 
   // A scenario is a line of steps; lower-case steps act, '=', '#' and 'w' look:
@@ -115,7 +113,7 @@ class LinkedStateTest : public ConnectedStateTest {
   //   p<o...> P<o...>      silence with a peak / a peak
   //   f<mode> q<req4> h<m> output 0's detector mode, the detector requests outstanding (both in
   //                        hex), the program mode (1: shows)
-  //   r<0|1> v<4 states>   the switcher reports relay 3 / every relay
+  //   r<0|1> r<4 states>   the switcher reports relay 3 / every relay
   //   t[n]                 n poll ticks (one by default); b, u, l: the tick's relay start, a lamp
   //                        pass, the tick's relay decision, each alone
   //   c  k<o>  n<o>        Cancel clicked; output o acknowledged, accepted / refused
@@ -151,13 +149,8 @@ class LinkedStateTest : public ConnectedStateTest {
         {'h', [&] { s.ProgramMode = static_cast<qint16>(n); }},
         {'r',
          [&] {
-           s.RelayStates[2] = static_cast<qint16>(n);
-           RelayStatesReported(s);
-         }},
-        {'v',
-         [&] {
-           for (int i = 0; i < 4; ++i) {
-             s.RelayStates[i] = static_cast<qint16>(rest[i].digitValue());
+           for (int i = 0; i < rest.size(); ++i) {
+             s.RelayStates[rest.size() == 1 ? 2 : i] = static_cast<qint16>(rest[i].digitValue());
            }
            RelayStatesReported(s);
          }},

@@ -18,42 +18,12 @@ class Startup : public test::TempStateTest {
     s.link = &link;
     clock.Set(QDateTime(QDate(2026, 11, 18), QTime(12, 0, 0)));  // a Wednesday
   }
-  // Outputs 5 and 6 watched, in a view and a program mode.
-  void WriteConfig(const char* view, const char* mode) {
-    ASSERT_TRUE(test::WriteMonitorConfig(
-        dir.path(), {.watched = 2, .mode = mode, .first = 5, .defaultView = view}));
-  }
   test::FakeLink link;
 };
 
-// Show mode draws neither view's output panels and leaves the stored view alone.
-TEST_F(Startup, TheViewIsTheOneTheConfigurationNames) {
-  const struct {
-    const char *view, *mode;
-    bool large, normal;
-  } cases[] = {{"Normal", "Output", false, true},
-               {"Large", "Output", true, false},
-               {"Large", "Show", false, false},
-               {"Normal", "Show", false, false}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.view << " " << c.mode);
-    State fresh;
-    fresh.clock = &clock;
-    fresh.link = &link;
-    WriteConfig(c.view, c.mode);
-    Form_Load(fresh, dir.path());
-    const PanelModels& panels = fresh.panels;
-    EXPECT_EQ(std::tuple(fresh.LargeViewActive, panels.window.messageListVisible,
-                         panels.outputs[0].normal.visible, panels.headings[0].visible),
-              std::tuple(c.large, c.normal, c.normal, c.normal));
-    EXPECT_EQ(panels.window.width, c.large ? 21675 : 15525);
-    EXPECT_EQ(fresh.DefaultViewLarge, c.view[0] == 'L');
-  }
-}
-
 // Closed on a live link, the log says the monitor closed, not that the switcher was lost.
 TEST_F(Startup, RestartInsideAnOffPeriodStaysOffAndClosingIsNoOutage) {
-  WriteConfig("Normal", "Output");
+  ASSERT_TRUE(test::WriteMonitorConfig(dir.path(), {.watched = 2, .first = 5}));
   // Monitoring of output 5 is switched off every day at 06:00 and on again at 20:00.
   State writer;
   writer.AppPath = s.AppPath;
