@@ -112,19 +112,17 @@ TEST_F(ShowStatusWindow, ColoursFollowTheMonitorsAndTheWindowClosesWithItsShow) 
   const QLabel* title = dialog->findChild<QLabel*>(QStringLiteral("lblShow"));
   ASSERT_NE(title, nullptr);
   EXPECT_EQ(title->text(), QStringLiteral("Morning"));
-  struct Case {
-    quint8 downlink, studioA;
-    Rgb title, boxA;
-  } cases[] = {{0, 0, kLampGreen, kLampGreen},
-               {1, 0, kLampRed, kLampGreen},
-               {0, 1, kLampGreen, kLampRed},
-               {2, 3, kLampGrey, kLampGrey}};
-  for (const Case& c : cases) {
-    Report(10, c.downlink);
-    Report(11, c.studioA);
+  // What the downlink's and studio A's detectors report; the colours of the title and box A.
+  const std::tuple<quint8, quint8, Rgb, Rgb> cases[] = {{0, 0, kLampGreen, kLampGreen},
+                                                        {1, 0, kLampRed, kLampGreen},
+                                                        {0, 1, kLampGreen, kLampRed},
+                                                        {2, 3, kLampGrey, kLampGrey}};
+  for (const auto& [downlink, studioA, titleColour, boxA] : cases) {
+    Report(10, downlink);
+    Report(11, studioA);
     dialog->Refresh();
-    EXPECT_EQ(TextColour(title), c.title) << int(c.downlink);
-    EXPECT_EQ(TextColour(Box("Studio A")), c.boxA) << int(c.studioA);
+    EXPECT_EQ(TextColour(title), titleColour) << int(downlink);
+    EXPECT_EQ(TextColour(Box("Studio A")), boxA) << int(studioA);
     EXPECT_EQ(TextColour(Box("Studio B")), kLampGrey) << "no monitor";
   }
   EXPECT_EQ(s.Shows[0].StudioLeft[0].Status, 3);
