@@ -40,6 +40,10 @@ const Scenario kScenarios[] = {
     {"shows sharing a downlink keep it watched until the last ends",
      "HShort/5/12:30:00 HLong/5/13:00:00 G =C10 @12:30:01 G =- D1 Q #ir =L @13:00:01 G =P10",
      {"Long Silence Alarm Status ON!", kOn}},
+    // When the show that set the monitor up ends, the one that keeps it sends its own settings.
+    {"a shared monitor takes the settings of the show that keeps it",
+     "HMorning/5/12:30:00 HBrunch/5/14:00:00 L804 t =C10 @12:30:01 t =S10",
+     {}},
     // Nothing while the link is down or its exchange incomplete; then each borrowed output once,
     // shared or not, the studio's newly routed one waiting for its detector; none in output mode.
     {"monitors are sent again after each completed exchange",
@@ -84,23 +88,6 @@ TEST_F(ShowsPassTest, ShowsWaitForALiveCompleteLink) {
   }
   ShowsPass(s);
   EXPECT_EQ(Wire(), kRoute5To10 + kConfig10);
-}
-
-// Two shows share a monitor; when the one that set it up ends, the other's own detector
-// settings are sent to it.
-TEST_F(ShowsPassTest, ASharedMonitorTakesTheSettingsOfTheShowThatKeepsIt) {
-  AddShow(QStringLiteral("Morning"), 5, {}, QStringLiteral("12:00:00"), QStringLiteral("12:30:00"));
-  const int brunch = AddShow(QStringLiteral("Brunch"), 5);
-  s.Shows[brunch].DetectLevel = 804;
-  Tick();
-  EXPECT_EQ(Wire(), kRoute5To10 + kConfig10);
-  At(QTime(12, 30, 1));
-  Tick();
-  const QByteArray sent = Wire();
-  EXPECT_TRUE(sent.startsWith(char(0xCB))) << sent.toHex().toStdString();
-  EXPECT_FALSE(sent.contains(kPark10));
-  EXPECT_EQ(s.SilenceOuts[0].Show, brunch);
-  EXPECT_EQ(s.SilenceOuts[0].DetectLevel, 804);
 }
 
 TEST_F(ShowsPassTest, MissingAndUndefinedMonitorsAreSkipped) {
