@@ -1,4 +1,3 @@
-#include <QCheckBox>
 #include <QLabel>
 
 #include "show_fixture.h"
@@ -59,7 +58,6 @@ TEST_F(ShowStatusWindow, TakeSendsTheChosenSourceInOutputOrder) {
   Open();
   EXPECT_TRUE(s.ShowStatusOpen);
   EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Show Silence Status"));
-  EXPECT_EQ(dialog->findChildren<QCheckBox*>().size(), 3);
   EXPECT_EQ(Box("Studio B")->y() - Box("Studio A")->y(), 21);
   EXPECT_EQ(Box("Not specified")->y() - Box("Studio A")->y(), 43);
   QAbstractButton* unspecified = Box("Not specified");  // the row without a left channel
@@ -125,7 +123,6 @@ TEST_F(ShowStatusWindow, ColoursFollowTheMonitorsAndTheWindowClosesWithItsShow) 
     EXPECT_EQ(TextColour(Box("Studio A")), boxA) << int(studioA);
     EXPECT_EQ(TextColour(Box("Studio B")), kLampGrey) << "no monitor";
   }
-  EXPECT_EQ(s.Shows[0].StudioLeft[0].Status, 3);
 
   // Re-routed monitors are grey until their detectors report again.
   ResendShowMonitors(s);
