@@ -225,7 +225,6 @@ class AlertTrackerTest : public test::TempStateTest {
  protected:
   void SetUp() override {
     TempStateTest::SetUp();
-    s.Connected = false;
     s.Outputs.resize(3);
     s.panels.outputs.resize(3);
     for (int i = 0; i < 3; ++i) {
