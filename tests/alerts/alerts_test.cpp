@@ -202,12 +202,7 @@ TEST_F(AlertSettingsAndEndpoint, SettingsRoundTripAndTheTokenGuardsEveryRequest)
   EXPECT_EQ(ReadAlertSettings(s), settings);
   StatusServer server([] { return StatusSnapshot{}; }, settings.httpToken);
   ASSERT_TRUE(server.Start(s, settings));
-  const struct {
-    const char* path;
-    QByteArray authorization;
-    QByteArray verb;
-    int status;
-  } cases[] = {
+  const std::tuple<const char*, QByteArray, QByteArray, int> cases[] = {
       {"/metrics", {}, "GET", 401},
       {"/api/status", "Bearer wrong", "GET", 401},
       {"/", "Basic dDBrZW4=", "GET", 401},
@@ -218,9 +213,9 @@ TEST_F(AlertSettingsAndEndpoint, SettingsRoundTripAndTheTokenGuardsEveryRequest)
       {"/metrics", "Bearer t0ken", "DELETE", 405},
       {"/nothing", "Bearer t0ken", "GET", 404},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(Fetch(server.Port(), c.path, c.authorization, c.verb).status, c.status)
-        << c.verb.constData() << ' ' << c.path << " with \"" << c.authorization.constData() << '"';
+  for (const auto& [path, authorization, verb, status] : cases) {
+    EXPECT_EQ(Fetch(server.Port(), path, authorization, verb).status, status)
+        << verb.constData() << ' ' << path << " with \"" << authorization.constData() << '"';
   }
 }
 
@@ -230,7 +225,6 @@ class AlertTrackerTest : public test::TempStateTest {
  protected:
   void SetUp() override {
     TempStateTest::SetUp();
-    s.Connected = false;
     s.Outputs.resize(3);
     s.panels.outputs.resize(3);
     for (int i = 0; i < 3; ++i) {
@@ -272,12 +266,8 @@ class AlertTrackerTest : public test::TempStateTest {
 };
 
 TEST_F(AlertTrackerTest, EachChangeGivesItsEventsOnce) {
-  const struct {
-    const char* what;
-    std::function<void()> change;
-    const char* events;  // in order, "; " between them
-    const char* lamp;
-  } steps[] = {
+  // What changes, the events it gives in order, the tray lamp after it.
+  const std::tuple<const char*, std::function<void()>, const char*, const char*> steps[] = {
       {"not yet connected", [] {}, "", "grey"},
       {"connected, exchange complete", [&] { Link(true); }, "link_returned 127.0.0.1:1250",
        "green"},
@@ -320,10 +310,10 @@ TEST_F(AlertTrackerTest, EachChangeGivesItsEventsOnce) {
       {"link back: the released relay is told", [&] { Link(true); },
        "link_returned 127.0.0.1:1250; relay_changed ALARM off", "green"},
   };
-  for (const auto& step : steps) {
-    step.change();
-    EXPECT_EQ(Step().toStdString(), step.events) << step.what;
-    EXPECT_EQ(tracker.Summary().lamp.toStdString(), step.lamp) << step.what;
+  for (const auto& [what, change, events, lamp] : steps) {
+    change();
+    EXPECT_EQ(Step().toStdString(), events) << what;
+    EXPECT_EQ(tracker.Summary().lamp.toStdString(), lamp) << what;
   }
   EXPECT_EQ(tracker.AlarmsRaised(), 4u);
 }

@@ -98,7 +98,7 @@ class LinkedStateTest : public ConnectedStateTest {
   // The outputs named by their digits report a status, in one pass.
   void Silence(const QString& outputs, quint8 status) {
     for (QChar o : outputs) {
-      s.SilenceStatus[QString(o).toInt(nullptr, 36)].Status = status;
+      s.SilenceStatus[o.digitValue()].Status = status;
     }
     UpdateStatus(s);
   }
@@ -109,7 +109,7 @@ class LinkedStateTest : public ConnectedStateTest {
   }
 
   // A scenario is a line of steps; lower-case steps act, '=', '#' and 'w' look:
-  //   s<o...> a<o...>      outputs o (a = 10) report silence / audio in one pass
+  //   s<o...> a<o...>      outputs o report silence / audio in one pass
   //   p<o...> P<o...>      silence with a peak / a peak
   //   f<mode> q<req4> h<m> output 0's detector mode, the detector requests outstanding (both in
   //                        hex), the program mode (1: shows)

@@ -27,6 +27,10 @@ inline const QByteArray kConfig10 =
 inline const QByteArray kConfig11 =
     Bytes({0xCB, 0x00, 0x01, 0x00, 0x0B, 0x00, 0x09, 0x02, 0x7F, 0x7F, 0x38,
            0x06, 0x08, 0x00, 0x05, 0x00, 0x00, 0x08, 0x00, 0x00, 0x68, 0xFF});
+// The same on output 10 with level 804.
+inline const QByteArray kConfig10Level804 =
+    Bytes({0xCB, 0x00, 0x01, 0x00, 0x0A, 0x00, 0x09, 0x02, 0x7F, 0x7F, 0x24,
+           0x06, 0x08, 0x00, 0x05, 0x00, 0x00, 0x08, 0x00, 0x00, 0x53, 0xFF});
 
 // Show mode on a live link whose exchange is complete: silence-detect outputs 10, 11 and 12
 // free to borrow, relay 3 of four as the alarm relay, every detector reporting audio, Monday
@@ -43,6 +47,7 @@ class ShowsTest : public LinkedStateTest {
     frames[QStringLiteral("P10")] = kPark10;
     frames[QStringLiteral("C10C11")] = kRoute5To10 + kConfig10 + kRoute7To11 + kConfig11;
     frames[QStringLiteral("P10P11")] = kPark10 + kPark11;
+    frames[QStringLiteral("S10")] = kConfig10Level804;
   }
 
   void SetSilenceOuts(std::initializer_list<int> outputs) {
@@ -102,11 +107,11 @@ class ShowsTest : public LinkedStateTest {
   //   D<status> E<status>  output 10 / 11 reports       @<time>  the clock is set and read
   //   ><n>                 n times a second passes and a tick runs
   //   G  Q                 the shows looked up / the shows pass
-  //   W  M<mode>           switcher output 1 watched / the program mode
+  //   W  M<mode>  V<n>     switcher output 1 watched / the program mode / requests outstanding
   //   K                    the new exchange finds input 5 on output 10
   //   X  Y                 the link drops / is back, exchange complete, the monitors sent again
   //   R  I<o>              the monitors sent again / output o waits for its detector's report
-  //   J                    the second show's indicator is green
+  //   J  L<level>          the second show's indicator is green / the last show's detect level
   //   U  Z                 Show Setup confirmed unchanged / with no shows
   //   =C10 =C10L =P10      output 10 routed and set (and relay 3 latched) / parked
   bool MoreSteps(char step, const QString& rest) override {
@@ -135,6 +140,7 @@ class ShowsTest : public LinkedStateTest {
         {'Q', [&] { ShowsPass(s); }},
         {'W', [&] { Watch(1, 0x109); }},
         {'M', [&] { s.ProgramMode = static_cast<qint16>(rest.toInt()); }},
+        {'V', [&] { s.requests.Req3 = static_cast<quint8>(rest.toInt()); }},
         {'K',
          [&] {
            s.CrosspointMap[10].SourceCount = 1;
@@ -150,6 +156,7 @@ class ShowsTest : public LinkedStateTest {
         {'R', [&] { ResendShowMonitors(s); }},
         {'I', [&] { EXPECT_TRUE(InSilenceGrace(s, rest.toInt())); }},
         {'J', [&] { EXPECT_EQ(Indicator(1), kLampGreen); }},
+        {'L', [&] { s.Shows.back().DetectLevel = static_cast<qint16>(rest.toInt()); }},
         {'U', [&] { ReplaceShows(s, s.Shows); }},
         {'Z', [&] { ReplaceShows(s, {}); }},
     };

@@ -1,4 +1,3 @@
-#include <QCheckBox>
 #include <QLabel>
 
 #include "show_fixture.h"
@@ -59,7 +58,6 @@ TEST_F(ShowStatusWindow, TakeSendsTheChosenSourceInOutputOrder) {
   Open();
   EXPECT_TRUE(s.ShowStatusOpen);
   EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Show Silence Status"));
-  EXPECT_EQ(dialog->findChildren<QCheckBox*>().size(), 3);
   EXPECT_EQ(Box("Studio B")->y() - Box("Studio A")->y(), 21);
   EXPECT_EQ(Box("Not specified")->y() - Box("Studio A")->y(), 43);
   QAbstractButton* unspecified = Box("Not specified");  // the row without a left channel
@@ -103,8 +101,7 @@ TEST_F(ShowStatusWindow, TakeSendsTheChosenSourceInOutputOrder) {
   CloseSwitcherLink(s);
   EXPECT_EQ(TakeStudioSource(s, 0, 0), 0);
   EXPECT_EQ(TakeLines().size(), 6);
-  ASSERT_FALSE(ErrorLines().isEmpty());
-  EXPECT_TRUE(ErrorLines().last().contains(QStringLiteral("Error sending show source change")));
+  EXPECT_EQ(ErrorLines().filter("Error sending show source change").size(), 1);
 }
 
 TEST_F(ShowStatusWindow, ColoursFollowTheMonitorsAndTheWindowClosesWithItsShow) {
@@ -112,22 +109,19 @@ TEST_F(ShowStatusWindow, ColoursFollowTheMonitorsAndTheWindowClosesWithItsShow) 
   const QLabel* title = dialog->findChild<QLabel*>(QStringLiteral("lblShow"));
   ASSERT_NE(title, nullptr);
   EXPECT_EQ(title->text(), QStringLiteral("Morning"));
-  struct Case {
-    quint8 downlink, studioA;
-    Rgb title, boxA;
-  } cases[] = {{0, 0, kLampGreen, kLampGreen},
-               {1, 0, kLampRed, kLampGreen},
-               {0, 1, kLampGreen, kLampRed},
-               {2, 3, kLampGrey, kLampGrey}};
-  for (const Case& c : cases) {
-    Report(10, c.downlink);
-    Report(11, c.studioA);
+  // What the downlink's and studio A's detectors report; the colours of the title and box A.
+  const std::tuple<quint8, quint8, Rgb, Rgb> cases[] = {{0, 0, kLampGreen, kLampGreen},
+                                                        {1, 0, kLampRed, kLampGreen},
+                                                        {0, 1, kLampGreen, kLampRed},
+                                                        {2, 3, kLampGrey, kLampGrey}};
+  for (const auto& [downlink, studioA, titleColour, boxA] : cases) {
+    Report(10, downlink);
+    Report(11, studioA);
     dialog->Refresh();
-    EXPECT_EQ(TextColour(title), c.title) << int(c.downlink);
-    EXPECT_EQ(TextColour(Box("Studio A")), c.boxA) << int(c.studioA);
+    EXPECT_EQ(TextColour(title), titleColour) << int(downlink);
+    EXPECT_EQ(TextColour(Box("Studio A")), boxA) << int(studioA);
     EXPECT_EQ(TextColour(Box("Studio B")), kLampGrey) << "no monitor";
   }
-  EXPECT_EQ(s.Shows[0].StudioLeft[0].Status, 3);
 
   // Re-routed monitors are grey until their detectors report again.
   ResendShowMonitors(s);
@@ -152,17 +146,13 @@ TEST_F(ShowStatusWindow, ColoursFollowTheMonitorsAndTheWindowClosesWithItsShow) 
   EXPECT_FALSE(s.ShowStatusOpen);
 
   ShowSilenceStatusDialog modal(s, 0);
-  bool openDuring = false;
   QTimer::singleShot(0, &modal, [&] {
-    openDuring = s.ShowStatusOpen;
     At(QTime(14, 0, 1));
     ShowsPass(s);
     modal.Refresh();
   });
   EXPECT_EQ(modal.exec(), QDialog::Rejected);
-  EXPECT_TRUE(openDuring);
   EXPECT_FALSE(s.ShowStatusOpen);
-  EXPECT_EQ(s.ActiveShowCount, 0);
 
   // Opened for a show that is no longer on air, it closes at once.
   ShowSilenceStatusDialog late(s, 0);
