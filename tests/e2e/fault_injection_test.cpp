@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <random>
@@ -8,7 +9,6 @@
 namespace zrn {
 namespace {
 
-// Outputs 1..4 are watched.
 constexpr int kWatched = 4;
 
 // What can happen to the switcher, picked at random. Control lines: relay 1 is the alarm relay,
@@ -94,12 +94,10 @@ class FaultInjection : public test::SimFixture {
     const bool same = QTest::qWaitFor(
         [&] {
           status = sim->Command(QStringLiteral("status")) + QLatin1Char(' ');
-          for (const QString& field : MonitorView()) {
-            if (!status.contains(QLatin1Char(' ') + field + QLatin1Char(' '))) {
-              return false;
-            }
-          }
-          return monitor->state().linkState.ExchangeComplete;
+          return monitor->state().linkState.ExchangeComplete &&
+                 std::ranges::all_of(MonitorView(), [&](const QString& field) {
+                   return status.contains(QLatin1Char(' ') + field + QLatin1Char(' '));
+                 });
         },
         10000);
     ASSERT_TRUE(same) << "simulator: " << status.toStdString()
