@@ -117,48 +117,6 @@ TEST_F(SimProtocol, AnswersTheMonitorsStartUpInFullWithLargeTablesSplit) {
   EXPECT_EQ(a.Next(200), QByteArray());
 }
 
-TEST_F(SimProtocol, CommandsChangeTheSwitcherAndEveryMonitorHearsIt) {
-  MonitorClient b;
-  ASSERT_TRUE(b.Connect(sim.Port()));
-  ASSERT_EQ(b.Next(), kTypeRequest);
-  const struct {
-    MonitorClient* from;
-    const char* sends;
-    const char* bothHear;
-  } steps[] = {
-      // Input 12 to output 7, latch relay 3, release relay 1.
-      {&a, "FE 04 00 0B 00 06 00 15 FF", "F6 01 01 00 06 00 01 00 00 0B 00 00 00 14 FF"},
-      {&b, "FE 44 00 00 00 02 00 46 FF", "F7 28 01 00 02 00 01 2C FF"},
-      {&a, "FE 40 00 00 00 00 00 40 FF", "F7 28 01 00 00 00 00 29 FF"},
-      // A detector configuration is stored and reported back as sent.
-      {&a, "CB 00 01 00 14 00 09 02 7F 7F 38 06 08 00 05 00 00 08 00 00 71 FF",
-       "CB 00 01 00 14 00 09 02 7F 7F 38 06 08 00 05 00 00 08 00 00 71 FF"},
-      // Output 7 cleared: nothing routed.
-      {&a, "FE 00 00 7F 7F 06 00 04 FF", "F6 01 01 00 06 00 00 00 00 08 FF"},
-      // Stray bytes, a map cut short by a command, a command with a wrong checksum are skipped.
-      {&b, "12 34 F6 01 FE 04 00 0B 00 06 00 16 FF 99 FF FF FE 04 00 0B 00 06 00 15 FF",
-       "F6 01 01 00 06 00 01 00 00 0B 00 00 00 14 FF"},
-  };
-  for (const auto& step : steps) {
-    step.from->socket.write(Hex(step.sends));
-    EXPECT_EQ(a.Next().toHex(' ').toUpper().toStdString(), step.bothHear) << step.sends;
-    EXPECT_EQ(b.Next().toHex(' ').toUpper().toStdString(), step.bothHear) << step.sends;
-  }
-  // Relay 5 does not exist: no report, the keep-alive answer comes next.
-  a.socket.write(Hex("FE 44 00 00 00 04 00 48 FF F5"));
-  EXPECT_EQ(a.Next(), Hex("F4"));
-  EXPECT_EQ(b.Next(100), QByteArray());
-  const QString status = StatusLine(sim);
-  EXPECT_TRUE(status.contains(QLatin1String(" relays_on=3 "))) << status.toStdString();
-  EXPECT_TRUE(status.contains(QLatin1String(",7:12,"))) << status.toStdString();
-
-  // Over a mebibyte without an end byte cuts the connection.
-  a.socket.write(Hex("F6") + QByteArray(1024 * 1024 + 16, '\x01'));
-  EXPECT_TRUE(
-      QTest::qWaitFor([&] { return a.socket.state() == QAbstractSocket::UnconnectedState; }, 5000));
-  EXPECT_EQ(sim.ConnectionCount(), 1);
-}
-
 TEST_F(SimProtocol, SilenceIsReportedAfterTheDetectTimeAndAudioAfterTheReturnTime) {
   QElapsedTimer clock;
   clock.start();
@@ -184,45 +142,76 @@ TEST_F(SimProtocol, SilenceIsReportedAfterTheDetectTimeAndAudioAfterTheReturnTim
   EXPECT_EQ(a.Next(1300), QByteArray());
 }
 
-TEST_F(SimProtocol, ControlPortAnswersEveryLineAndStatusIsKeyValuePairs) {
+TEST_F(SimProtocol, CommandsFromTheWireOrTheControlPortReachEveryMonitor) {
+  MonitorClient b;
+  ASSERT_TRUE(b.Connect(sim.Port()));
+  ASSERT_EQ(b.Next(), kTypeRequest);
   ControlServer control(sim);
   ASSERT_TRUE(control.Listen(0));
   QTcpSocket operatorLine;
   operatorLine.connectToHost(QHostAddress::LocalHost, control.Port());
   ASSERT_TRUE(operatorLine.waitForConnected(5000));
-  // Each line (or lines: blank and comment lines get no reply) with its reply and what the
-  // monitor hears of it.
+  // What a monitor sends, or the operator (blank and comment lines get no reply), the reply to
+  // the operator, and what both monitors hear of it.
   const struct {
-    const char* lines;
+    MonitorClient* from;
+    const char* sends;
     const char* reply;
-    const char* heard;
+    const char* bothHear;
   } steps[] = {
-      {"route 12 7", "ok route 12 7", "F6 01 01 00 06 00 01 00 00 0B 00 00 00 14 FF"},
-      {"RELAY 2 on", "ok relay 2 on", "F7 28 01 00 01 00 01 2B FF"},
-      {"\n# a comment\nbogus 1", "error unknown command 'bogus'", ""},
-      {"input 101 silent", "error input must be 1..100", ""},
-      {"send F6 01 02 FF", "ok sent 4 bytes to 1 connections", "F6 01 02 FF"},
+      // Input 12 to output 7, latch relay 3, release relay 1.
+      {&a, "FE 04 00 0B 00 06 00 15 FF", "", "F6 01 01 00 06 00 01 00 00 0B 00 00 00 14 FF"},
+      {&b, "FE 44 00 00 00 02 00 46 FF", "", "F7 28 01 00 02 00 01 2C FF"},
+      {&a, "FE 40 00 00 00 00 00 40 FF", "", "F7 28 01 00 00 00 00 29 FF"},
+      // A detector configuration is stored and reported back as sent.
+      {&a, "CB 00 01 00 14 00 09 02 7F 7F 38 06 08 00 05 00 00 08 00 00 71 FF", "",
+       "CB 00 01 00 14 00 09 02 7F 7F 38 06 08 00 05 00 00 08 00 00 71 FF"},
+      // Output 7 cleared: nothing routed.
+      {&a, "FE 00 00 7F 7F 06 00 04 FF", "", "F6 01 01 00 06 00 00 00 00 08 FF"},
+      // Stray bytes, a map cut short by a command, a command with a wrong checksum are skipped.
+      {&b, "12 34 F6 01 FE 04 00 0B 00 06 00 16 FF 99 FF FF FE 04 00 0B 00 06 00 15 FF", "",
+       "F6 01 01 00 06 00 01 00 00 0B 00 00 00 14 FF"},
+      {nullptr, "route 12 7", "ok route 12 7", "F6 01 01 00 06 00 01 00 00 0B 00 00 00 14 FF"},
+      {nullptr, "RELAY 2 on", "ok relay 2 on", "F7 28 01 00 01 00 01 2B FF"},
+      {nullptr, "\n# a comment\nbogus 1", "error unknown command 'bogus'", ""},
+      {nullptr, "input 101 silent", "error input must be 1..100", ""},
+      {nullptr, "send F6 01 02 FF", "ok sent 4 bytes to 2 connections", "F6 01 02 FF"},
       // Peak on for outputs 1 to 3, one report each, in one write.
-      {"burst 3", "ok burst 3 reports, 27 bytes",
+      {nullptr, "burst 3", "ok burst 3 reports, 27 bytes",
        "CB 0A 01 00 00 00 41 4C FF CB 0A 01 00 01 00 41 4D FF CB 0A 01 00 02 00 41 4E FF"},
-      {"route none 3", "ok route none 3", "F6 01 01 00 02 00 00 00 00 04 FF"},
-      {"burst 0", "error usage: burst N (1 to 1000000 peak changes in one write)", ""},
+      {nullptr, "route none 3", "ok route none 3", "F6 01 01 00 02 00 00 00 00 04 FF"},
+      {nullptr, "burst 0", "error usage: burst N (1 to 1000000 peak changes in one write)", ""},
   };
   for (const auto& step : steps) {
-    operatorLine.write(QByteArray(step.lines) + '\n');
-    EXPECT_EQ(ReadLine(operatorLine).toStdString(), step.reply) << step.lines;
-    QByteArray heard;
-    for (QByteArray m = a.Next(200); !m.isEmpty(); m = a.Next(200)) {
-      heard += m;
+    if (step.from != nullptr) {
+      step.from->socket.write(Hex(step.sends));
+    } else {
+      operatorLine.write(QByteArray(step.sends) + '\n');
+      EXPECT_EQ(ReadLine(operatorLine).toStdString(), step.reply) << step.sends;
     }
-    EXPECT_EQ(heard.toHex(' ').toUpper().toStdString(), step.heard) << step.lines;
+    for (MonitorClient* monitor : {&a, &b}) {
+      QByteArray heard;
+      for (QByteArray m = monitor->Next(200); !m.isEmpty(); m = monitor->Next(200)) {
+        heard += m;
+      }
+      EXPECT_EQ(heard.toHex(' ').toUpper().toStdString(), step.bothHear) << step.sends;
+    }
   }
+  // Relay 5 does not exist: no report, the keep-alive answer comes next.
+  a.socket.write(Hex("FE 44 00 00 00 04 00 48 FF F5"));
+  EXPECT_EQ(a.Next(), Hex("F4"));
   operatorLine.write("status\n");
   const QString status = ReadLine(operatorLine);
-  for (const char* field : {" connections=1 ", " inputs=100 ", " relays_on=2 ",
+  for (const char* field : {" connections=2 ", " inputs=100 ", " relays_on=2,3 ",
                             " pending_outputs=3 ", " routes=1:1,2:2,3:-,4:4,5:5,6:6,7:12,"}) {
     EXPECT_TRUE(status.contains(QLatin1String(field))) << field << " in " << status.toStdString();
   }
+
+  // Over a mebibyte without an end byte cuts the connection.
+  a.socket.write(Hex("F6") + QByteArray(1024 * 1024 + 16, '\x01'));
+  EXPECT_TRUE(
+      QTest::qWaitFor([&] { return a.socket.state() == QAbstractSocket::UnconnectedState; }, 5000));
+  EXPECT_EQ(sim.ConnectionCount(), 1);
 }
 
 TEST(SimScenario, ParsesStrictlyAndNamesTheBadLine) {
