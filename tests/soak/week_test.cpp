@@ -100,8 +100,6 @@ Footprint Measure(const State& s) {
 
 class Soak : public ::testing::Test {
  protected:
-  // Writes the configuration and events files, then starts the monitor from them on the fake
-  // link, served by the scripted switcher.
   void SetUp() override {
     ASSERT_TRUE(dir_.isValid());
     State setup;
