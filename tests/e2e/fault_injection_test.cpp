@@ -34,8 +34,7 @@ unsigned Setting(const char* name, unsigned fallback) {
   return ok && value > 0 ? value : fallback;
 }
 
-// "1,5" of the 1-based numbers of the entries for which on() is true, "-" for none, as the
-// simulator's status line has it.
+// The 1-based numbers of the entries on() holds for, as "1,5", or "-" for none.
 template <class Table, class On>
 QString List(const Table& table, On on) {
   QStringList out;
@@ -72,8 +71,7 @@ class FaultInjection : public test::SimFixture {
     return static_cast<int>(Log("Errorlog.txt").count(text));
   }
 
-  // Relays on, silent outputs and the routes of outputs 1..16, as the simulator's status line
-  // has them.
+  // Relays on, silent outputs and routes of outputs 1..16 in the simulator's status form.
   QStringList MonitorView() const {
     const State& s = monitor->state();
     QStringList routes;
@@ -111,7 +109,6 @@ class FaultInjection : public test::SimFixture {
   }
 
   void Apply(const QString& event) {
-    State& s = monitor->state();
     std::array<int, kWatched> alarms = AlarmLines();
     if (event == QLatin1String("kill")) {
       if (random() % 2 == 0) {
@@ -120,7 +117,7 @@ class FaultInjection : public test::SimFixture {
       }
       QTest::qWait(static_cast<int>(random() % 60));
       sim->Kill();
-      ASSERT_TRUE(QTest::qWaitFor([&] { return !s.Connected; }, 5000));
+      ASSERT_TRUE(QTest::qWaitFor([&] { return !monitor->state().Connected; }, 5000));
       ASSERT_NO_FATAL_FAILURE(StartSim(kSimOptions));
       monitor->Poll();
     } else if (event == QLatin1String("drop")) {

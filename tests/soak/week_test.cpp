@@ -233,8 +233,7 @@ TEST_F(Soak, OutputModeWeek) {
   // Each alarm episode latched and released the relay once, and the monitor shows it released
   // at the end. No error was trapped, and the switcher kept the first connection all week.
   const State& s = monitor_.state();
-  EXPECT_EQ(switcher_.latches, 2 * kDays);
-  EXPECT_EQ(switcher_.releases, 2 * kDays);
+  EXPECT_EQ(std::pair(switcher_.latches, switcher_.releases), std::pair(2 * kDays, 2 * kDays));
   EXPECT_EQ(s.RelayStates.at(0), 0);
   EXPECT_EQ(s.panels.window.alarmLampColour, kLampGrey);
   EXPECT_FALSE(QFile::exists(dir_.filePath(QStringLiteral("Errorlog.txt"))));
