@@ -42,7 +42,6 @@ TEST_F(MonitorWithSim, AShowOnAirWatchesItsDownlinkThroughALostLinkAndTakesAStud
   MainWindow window(*monitor);
   window.show();
   State& s = monitor->state();
-  ASSERT_TRUE(QTest::qWaitFor([&] { return s.ActiveShowCount == 1; }, 5000));
   ASSERT_TRUE(
       QTest::qWaitFor([&] { return s.panels.shows[0].indicatorColour == kLampGreen; }, 15000))
       << "the downlink monitor reports audio once its grace is over";
@@ -108,7 +107,6 @@ TEST_F(MonitorWithSim, AShowOnAirWatchesItsDownlinkThroughALostLinkAndTakesAStud
   sim->Kill();
   ASSERT_TRUE(QTest::qWaitFor([&] { return !s.Connected; }, 5000));
   ASSERT_NO_FATAL_FAILURE(StartSim());
-  EXPECT_TRUE(routes().endsWith(QStringLiteral("14:14,15:15,16:16")));
   ASSERT_TRUE(WaitForExchange());
   EXPECT_TRUE(
       QTest::qWaitFor([&] { return routes().endsWith(QStringLiteral("14:1,15:2,16:5")); }, 5000))

@@ -86,7 +86,6 @@ class SimFixture : public ::testing::Test {
  protected:
   // On the port of the last one, if any.
   void StartSim(const QStringList& options = {}) {
-    ASSERT_TRUE(dir.isValid());
     port = port != 0 ? port : FreePort();
     sim = std::make_unique<SimProcess>(port, options);
     ASSERT_TRUE(sim->Start()) << "zrn-switcher-sim did not start";

@@ -75,9 +75,7 @@ QTime ReportTime(QTime at) {
 
 // What the monitor's tables hold, the resident size and the open file descriptors.
 struct Footprint {
-  qint64 entries = 0;
-  qint64 residentBytes = 0;
-  qint64 descriptors = 0;
+  qint64 entries = 0, residentBytes = 0, descriptors = 0;
 };
 
 Footprint Measure(const State& s) {
@@ -102,8 +100,6 @@ Footprint Measure(const State& s) {
 
 class Soak : public ::testing::Test {
  protected:
-  // Writes the configuration and events files, then starts the monitor from them on the fake
-  // link, served by the scripted switcher.
   void SetUp() override {
     ASSERT_TRUE(dir_.isValid());
     State setup;
@@ -235,15 +231,12 @@ TEST_F(Soak, OutputModeWeek) {
   EXPECT_EQ(count["Loss Alarm Report Off"], 2 * kDays);
 
   // Each alarm episode latched and released the relay once, and the monitor shows it released
-  // at the end. No error was trapped, and the switcher kept the first
-  // connection all week.
+  // at the end. No error was trapped, and the switcher kept the first connection all week.
   const State& s = monitor_.state();
-  EXPECT_EQ(switcher_.latches, 2 * kDays);
-  EXPECT_EQ(switcher_.releases, 2 * kDays);
+  EXPECT_EQ(std::pair(switcher_.latches, switcher_.releases), std::pair(2 * kDays, 2 * kDays));
   EXPECT_EQ(s.RelayStates.at(0), 0);
   EXPECT_EQ(s.panels.window.alarmLampColour, kLampGrey);
-  QFile errors(dir_.filePath(QStringLiteral("Errorlog.txt")));
-  EXPECT_FALSE(errors.open(QIODevice::ReadOnly)) << errors.readAll().toStdString();
+  EXPECT_FALSE(QFile::exists(dir_.filePath(QStringLiteral("Errorlog.txt"))));
   EXPECT_EQ(link_.opens, 1);
 
   // No growth: from the first half day's end to the last one's the tables hold as many
