@@ -14,13 +14,13 @@ const QString kIni = QStringLiteral("zrnconfig.ini");
 // What the file sets of an output, and what follows from it: output, display option, label,
 // event count, events held, monitored.
 using Read = std::tuple<int, int, std::string, int, int, bool>;
-Read Fields(const OutputEntry& e) {
-  return {e.Output,
-          e.DisplayOption,
-          e.CustomLabel.toStdString(),
-          e.EventCount,
-          static_cast<int>(e.Events.size()),
-          e.MonitoringEnabled};
+std::vector<Read> Fields(const State& t) {
+  std::vector<Read> out;
+  for (const OutputEntry& e : t.Outputs) {
+    out.emplace_back(e.Output, e.DisplayOption, e.CustomLabel.toStdString(), e.EventCount,
+                     static_cast<int>(e.Events.size()), e.MonitoringEnabled);
+  }
+  return out;
 }
 
 class ConfigFileTest : public test::StorageTest {
@@ -67,9 +67,9 @@ TEST_F(ConfigFileTest, ScalarValuesFollowTheirRules) {
                       t.AlarmRelay, t.DefaultViewLarge, t.ProgramMode),
               c.read);
     if (c.lines == nullptr) {
-      ASSERT_EQ(std::tuple(t.Outputs.size(), t.OutputCount), std::tuple(1u, 1));
-      EXPECT_EQ(Fields(t.Outputs[0]), (Read{1, 0, "None", 0, 1, true}));
-      EXPECT_TRUE(Files().isEmpty());  // nothing created, nothing logged
+      EXPECT_EQ(std::tuple(Fields(t), t.OutputCount, Files()),
+                std::tuple(std::vector<Read>{{1, 0, "None", 0, 1, true}}, 1, QStringList()))
+          << "nothing created, nothing logged";
     }
   }
 }
@@ -78,11 +78,10 @@ TEST_F(ConfigFileTest, SectionsFillTheOutputsTable) {
   // No count gives the full table of unwatched outputs.
   State zero = Fresh();
   ASSERT_TRUE(Load(zero, "Output Count=0"));
-  ASSERT_EQ(std::tuple(zero.OutputCount, zero.Outputs.size()), std::tuple(64, 64u));
-  for (const OutputEntry& entry : zero.Outputs) {
-    EXPECT_EQ(Fields(entry), (Read{kNone, 0, "None", 0, 1, false}));
-    EXPECT_EQ(std::tuple(entry.NextEvent, entry.HoldOffTicks), std::tuple(kNone, 0));
-  }
+  EXPECT_EQ(std::tuple(zero.OutputCount, Fields(zero)),
+            std::tuple(64, std::vector<Read>(64, {kNone, 0, "None", 0, 1, false})));
+  EXPECT_EQ(std::tuple(zero.Outputs[63].NextEvent, zero.Outputs[63].HoldOffTicks),
+            std::tuple(kNone, 0));
 
   // Output 1 complete; 2 in another order, so only the first and last slots match; in 3 a
   // comma cuts the label and the rest takes the Event Count slot; 4 lacks Display Options, so
@@ -95,22 +94,17 @@ TEST_F(ConfigFileTest, SectionsFillTheOutputsTable) {
                    "[OUTPUT3]|Output=0|Display Options=1|Custom Label=A,B|Event Count=3|"
                    "[OUTPUT4]|Output=7|Custom Label=Lost|Event Count=2|"
                    "[OUTPUT5]|Output=9|Display Options=1|Custom Label=Z|Event Count=1"));
-  ASSERT_EQ(t.Outputs.size(), 5u);
-  const Read read[] = {{12, 2, "  Studio", 4, 4, true},
-                       {5, 0, "None", 1, 1, true},
-                       {kNone, 1, "A", 0, 1, false},
-                       {7, 0, "None", 0, 1, true},
-                       {kNone, 0, "None", 0, 1, false}};
-  for (int i = 0; i < 5; ++i) {
-    EXPECT_EQ(Fields(t.Outputs[i]), read[i]) << i;
-  }
+  EXPECT_EQ(Fields(t), (std::vector<Read>{{12, 2, "  Studio", 4, 4, true},
+                                          {5, 0, "None", 1, 1, true},
+                                          {kNone, 1, "A", 0, 1, false},
+                                          {7, 0, "None", 0, 1, true},
+                                          {kNone, 0, "None", 0, 1, false}}));
 
   State later = Fresh();
   ASSERT_TRUE(Load(later,
                    "Output Count=1|[OUTPUT1]|Output=3|Display Options=1|"
                    "Custom Label=Gone|Event Count=2|Output Count=2"));
-  ASSERT_EQ(later.Outputs.size(), 2u);
-  EXPECT_EQ(Fields(later.Outputs[0]), (Read{kNone, 0, "None", 0, 1, false}));
+  EXPECT_EQ(Fields(later), std::vector<Read>(2, {kNone, 0, "None", 0, 1, false}));
 }
 
 // The exact layout (CRLF ends, characters beyond ASCII as single bytes, kept in tests/data), and
@@ -143,13 +137,9 @@ TEST_F(ConfigFileTest, WritesTheExactLayoutAndReadsItBack) {
                       t.DefaultViewLarge, t.ProgramMode, t.OutputCount);
   };
   EXPECT_EQ(scalars(back), scalars(s));
-  ASSERT_EQ(back.Outputs.size(), 3u);
-  const Read written[] = {{12, 2, "Caf\u00e9 ", 3, 3, true},
-                          {kNone, 0, "None", 0, 1, false},
-                          {100, 1, "Z\u00fcrich \u00bd", 2, 2, true}};
-  for (int i = 0; i < 3; ++i) {
-    EXPECT_EQ(Fields(back.Outputs[i]), written[i]);
-  }
+  EXPECT_EQ(Fields(back), (std::vector<Read>{{12, 2, "Caf\u00e9 ", 3, 3, true},
+                                             {kNone, 0, "None", 0, 1, false},
+                                             {100, 1, "Z\u00fcrich \u00bd", 2, 2, true}}));
 }
 
 TEST_F(ConfigFileTest, ReadErrorsAreLoggedAndTheFileSetAside) {

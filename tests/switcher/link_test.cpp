@@ -49,6 +49,9 @@ TEST_F(Framing, EachKindOfInputAndWhatItLeaves) {
       // Unknown types leave without a word.
       {Bytes({0x90, 0x01, 0x01, 0xFF, 0xFE, 0x00, 0x00, 0xFF}), 0, "", false},
       {Bytes({0xFF, 0xFF}), 0, "", false},
+      // A failing handler costs only its message.
+      {Bytes({0x80, 0x01, 0x01, 0xFF}), 0,
+       "Error Processing Command Error # 9 - Subscript out of range", false},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.buffer.toHex().constData());
@@ -96,12 +99,6 @@ TEST_F(Framing, ReceiveBufferIsBounded) {
   // The link goes on working.
   OnDataAvailable(s, Bytes({0xF7, 0x05, 0x05, 0xFF}));
   EXPECT_EQ(dispatched.size(), 1);
-}
-
-TEST_F(Framing, AFailingHandlerCostsOnlyItsMessage) {
-  OnDataAvailable(s, Bytes({0x80, 0x01, 0x01, 0xFF, 0xF6, 0x01, 0x01, 0xFF}));
-  EXPECT_EQ(dispatched.size(), 1);
-  EXPECT_EQ(Errors(), QStringList{"Error Processing Command Error # 9 - Subscript out of range"});
 }
 
 TEST_F(Framing, SendingSplitsLongMessagesAndContinuesPartialWrites) {
@@ -167,7 +164,7 @@ TEST_F(Framing, NewConnectionStartsCleanAndChangesAreLoggedOncePerChange) {
 class ByteUtils : public test::TempStateTest {};
 
 // Bad input gives the safe value and one error line each.
-TEST_F(ByteUtils, NumbersAndTimesFromTheirWireForms) {
+TEST_F(ByteUtils, NumbersTimesCheckSumsAndCuttingTheBuffer) {
   const struct { int low, high, value; } integers[] = {{5, 2, 261}, {200, 255, 16383}};
   for (const auto& c : integers) {
     EXPECT_EQ(ConvertInteger(s, c.low, c.high), c.value) << c.low << "," << c.high;
@@ -186,9 +183,7 @@ TEST_F(ByteUtils, NumbersAndTimesFromTheirWireForms) {
   EXPECT_TRUE(lines[0].contains(QStringLiteral("Invalid data in Message")));
   EXPECT_TRUE(lines[0].endsWith(QStringLiteral("Error #  6 - Overflow")));
   EXPECT_TRUE(lines[1].contains(QStringLiteral("Error Converting Minutes")));
-}
 
-TEST_F(ByteUtils, CheckSumAndCuttingTheBufferAtItsEdges) {
   EXPECT_EQ(CheckSum(Bytes({0x81, 0x64, 0x21, 0x05, 0xFF}), 2), 5);
   EXPECT_EQ(CheckSum(QByteArray(), 2), 0);
   EXPECT_EQ(FindEOM(s, Bytes({1, 2, 3})), 0);

@@ -157,7 +157,7 @@ TEST_F(StatusReports, CrosspointMapsWithMarkersAndLimits) {
   EXPECT_TRUE(RequestOutstanding(s, kRequestCrosspointMap));
 }
 
-TEST_F(StatusReports, RelayStatesAreStoredWithinTheRelayTable) {
+TEST_F(StatusReports, RelayStatesAreStoredWithinTheRelayTableAndNamesAskForThemAgain) {
   s.SwitcherRelayCount = 4;
   s.RelayStates = {1, 0, 0, 0};
   s.AlarmRelay = 2;
@@ -174,6 +174,17 @@ TEST_F(StatusReports, RelayStatesAreStoredWithinTheRelayTable) {
   Receive(Bytes({0xF7, 0x28, 0x02, 0x00, 0x01, 0x00, 0x00, 0x2B, 0xFF}));  // one item of two
   EXPECT_EQ(Errors(), QStringList{"Error Receiving Relay/Opto State Relay States Length Error"});
   EXPECT_EQ(std::tuple(s.RelayStates[1], s.requests.Req1), std::tuple(1, 1 << kRequestRelayStates));
+
+  // Relay names ask for the states again (the request itself is the start-up exchange test's).
+  s.AlarmRelay = 3;
+  s.requests.Req1 = (1 << kRequestRelayNames) | (1 << kRequestInputNames);
+  Receive(Bytes(
+      {0xFC, 0x28, 0x01, 0x02, 0x00, 0x00, 0x00, 'K', 0x00, 0x00, 'L', 0x01, 0x00, 0x43, 0xFF}));
+  EXPECT_EQ(std::tuple(s.RelayNames, s.RelayStates.size()), std::tuple(QStringList{"K", "L"}, 2u));
+  EXPECT_EQ(s.requests.Req1, (1 << kRequestRelayStates) | (1 << kRequestInputNames));
+  EXPECT_EQ(Errors().last(),
+            "Error Checking Alarm Relay Alarm Relay 0003 beyond the switcher's 2 "
+            "relays");
 }
 
 // Two outputs, w = 8: entry 0 "OUT 2", entry 1 "OUT 1", numbered 0 and 1.
@@ -261,18 +272,6 @@ TEST_F(StatusReports, NameTablesStartingFurtherOnUpdateTheirEntriesInPlace) {
   EXPECT_EQ(s.SortedOptoNames, (QStringList{"A", "B"}));
   EXPECT_EQ(s.SortedOptoIndex, (std::vector<qint16>{1, 0}));
   EXPECT_FALSE(RequestOutstanding(s, kRequestOptoNames));
-}
-
-// The request for the states that follows is the start-up exchange test's.
-TEST_F(StatusReports, RelayNamesAskForTheRelayStatesAgain) {
-  s.AlarmRelay = 3;
-  s.requests.Req1 = (1 << kRequestRelayNames) | (1 << kRequestInputNames);
-  Receive(Bytes(
-      {0xFC, 0x28, 0x01, 0x02, 0x00, 0x00, 0x00, 'K', 0x00, 0x00, 'L', 0x01, 0x00, 0x43, 0xFF}));
-  EXPECT_EQ(std::tuple(s.RelayNames, s.RelayStates.size()), std::tuple(QStringList{"K", "L"}, 2u));
-  EXPECT_EQ(s.requests.Req1, (1 << kRequestRelayStates) | (1 << kRequestInputNames));
-  EXPECT_EQ(Errors(), QStringList{"Error Checking Alarm Relay Alarm Relay 0003 beyond the "
-                                  "switcher's 2 relays"});
 }
 
 }  // namespace
