@@ -22,19 +22,13 @@ ScheduledEvent Event(const QString& time, int days = 31, bool active = true, int
           connect, label,  static_cast<qint16>(source)};
 }
 
-// An output's events, every field of each as one string, so a whole schedule compares at once.
-QStringList Schedule(const OutputEntry& output) {
-  QStringList out;
+// An output's events, every field of each, so a whole schedule compares at once.
+using Stored = std::tuple<QString, int, bool, int, bool, int, QString>;
+std::vector<Stored> Schedule(const OutputEntry& output) {
+  std::vector<Stored> out;
   for (int i = 0; i < output.EventCount; ++i) {
     const ScheduledEvent& e = output.Events[i];
-    out << QStringLiteral("%1 %2 %3 %4 %5 %6 '%7'")
-               .arg(e.Time)
-               .arg(e.Days)
-               .arg(int{e.Active})
-               .arg(e.DisplayOption)
-               .arg(int{e.Connect})
-               .arg(e.Source)
-               .arg(e.Label);
+    out.emplace_back(e.Time, e.Days, e.Active, e.DisplayOption, e.Connect, e.Source, e.Label);
   }
   return out;
 }
@@ -67,11 +61,9 @@ TEST_F(DataFiles, EventsWorkedExampleIsByteExactAndFlagsAreNormalised) {
   WriteAll(kEventsFile, Hex("01000100") + QByteArray(1, '\0') + "07:00:00" + Hex("010102070500") +
                             "Breakfast   ");
   ASSERT_TRUE(ReadEvents(s));
-  ASSERT_EQ(s.Outputs[0].EventCount, 1);
-  const ScheduledEvent& e = s.Outputs[0].Events[0];
   // Trailing blanks of the label are kept.
-  EXPECT_EQ(std::tuple(e.Active, e.Connect, e.Days, e.DisplayOption, e.Source, e.Label),
-            std::tuple(true, true, 1, 2, 5, QStringLiteral("Breakfast   ")));
+  EXPECT_EQ(Schedule(s.Outputs[0]),
+            (std::vector<Stored>{{"07:00:00", 1, true, 2, true, 5, "Breakfast   "}}));
   ASSERT_TRUE(SaveEvents(s));
   EXPECT_EQ(ReadAll(kEventsFile).mid(4 + 9, 6), Hex("01FF02FF0500"));
 }
@@ -89,10 +81,11 @@ TEST_F(DataFiles, EventsReadingSortsByTimeAndLetsTheFileDecideTheCounts) {
   s.Outputs[1].EventCount = 3;
   SetEvents(2, {Event("01:00:00", 1, true, 0, true, 44)});
   ASSERT_TRUE(ReadEvents(s));
-  EXPECT_EQ(Schedule(s.Outputs[0]), (QStringList{"00:00:00 31 1 0 0 16383 '            '",
-                                                 "08:00:00 2 1 0 0 16383 'A           '",
-                                                 "08:00:00 2 1 0 0 16383 'B           '",
-                                                 "12:00:00 127 0 1 1 256 'Caf\u00e9 Matin  '"}));
+  EXPECT_EQ(Schedule(s.Outputs[0]),
+            (std::vector<Stored>{{"00:00:00", 31, true, 0, false, kNone, QString(12, ' ')},
+                                 {"08:00:00", 2, true, 0, false, kNone, "A           "},
+                                 {"08:00:00", 2, true, 0, false, kNone, "B           "},
+                                 {"12:00:00", 127, false, 1, true, 256, "Caf\u00e9 Matin  "}}));
   EXPECT_EQ(s.Outputs[1].EventCount, 1);
   EXPECT_EQ(std::tuple(s.Outputs[2].EventCount, s.Outputs[2].Events[0].Source),
             std::tuple(0, kNone))

@@ -84,9 +84,6 @@ TEST_F(Logs, RotationAtTheLimitKeepsEveryRotatedFile) {
   s.MaxLogFileSize = 1;
   const QByteArray full = Fill(kActivity);
   WriteActivityLog(s, QStringLiteral("after rotation"), QString());
-  QStringList fresh = LinesOf(ReadAll(kActivity));
-  EXPECT_EQ(fresh[4], QStringLiteral("ZRN Pennaro Logfile")) << "a fresh log gets its header";
-  EXPECT_TRUE(fresh.last().endsWith(QStringLiteral("after rotation")));
   const QByteArray second = Fill(kActivity);
   WriteActivityLog(s, QStringLiteral("again"), QString());
   EXPECT_EQ(ReadAll(QStringLiteral("EventLog 111626 1542.txt")), full);

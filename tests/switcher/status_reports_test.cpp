@@ -201,11 +201,9 @@ TEST_F(StatusReports, OutputTableReplacesTheNamesAndResizesTheSwitcherTables) {
 
   // One byte off, a wrong checksum, or 16383 names of 127 characters announced in nine bytes:
   // nothing changes, nothing is allocated, and the names stay outstanding.
-  QByteArray longer = kTwoOutputs;
-  longer.insert(27, '\0');
-  QByteArray badSum = kTwoOutputs;
-  badSum[27] = 0x71;
-  for (const QByteArray& bad : {longer, badSum, kTwoOutputs.left(26) + Bytes({0x72, 0xFF}),
+  for (const QByteArray& bad : {QByteArray(kTwoOutputs).insert(27, '\0'),
+                                QByteArray(kTwoOutputs).replace(27, 1, Bytes({0x71})),
+                                kTwoOutputs.left(26) + Bytes({0x72, 0xFF}),
                                 Bytes({0xFC, 0x14, 0x7F, 0x7F, 0x7F, 0x00, 0x00, 0x11, 0xFF}),
                                 Bytes({0xFC, 0x14, 0x14, 0xFF})}) {
     Receive(bad);
@@ -214,10 +212,9 @@ TEST_F(StatusReports, OutputTableReplacesTheNamesAndResizesTheSwitcherTables) {
   EXPECT_TRUE(RequestOutstanding(s, kRequestOutputNames));
 
   Receive(kTwoOutputs);
-  EXPECT_EQ(s.OutputNames, (QStringList{"OUT 2   ", "OUT 1   "}));
-  EXPECT_EQ(s.SortedOutputNames, (QStringList{"OUT 1   ", "OUT 2   "}));
-  EXPECT_EQ(s.SortedOutputIndex, (std::vector<qint16>{1, 0}));
-  EXPECT_EQ(s.OutputSortRank, (std::vector<qint16>{1, 0}));
+  EXPECT_EQ(std::tuple(s.OutputNames, s.SortedOutputNames, s.SortedOutputIndex, s.OutputSortRank),
+            std::tuple(QStringList{"OUT 2   ", "OUT 1   "}, QStringList{"OUT 1   ", "OUT 2   "},
+                       std::vector<qint16>{1, 0}, std::vector<qint16>{1, 0}));
   EXPECT_FALSE(RequestOutstanding(s, kRequestOutputNames));
   // The switcher's tables take the new size and keep their first entries.
   EXPECT_EQ(std::tuple(s.SwitcherOutputCount, s.SilenceStatus.size(), s.CrosspointMap.size(),
@@ -268,9 +265,8 @@ TEST_F(StatusReports, NameTablesStartingFurtherOnUpdateTheirEntriesInPlace) {
   // Opto names stay in the switcher's order, each with its own number; the sorted copy is apart.
   Receive(Bytes(
       {0xFC, 0x1E, 0x01, 0x02, 0x00, 0x00, 0x00, 'B', 0x00, 0x00, 'A', 0x01, 0x00, 0x25, 0xFF}));
-  EXPECT_EQ(s.OptoNames, (QStringList{"B", "A"}));
-  EXPECT_EQ(s.SortedOptoNames, (QStringList{"A", "B"}));
-  EXPECT_EQ(s.SortedOptoIndex, (std::vector<qint16>{1, 0}));
+  EXPECT_EQ(std::tuple(s.OptoNames, s.SortedOptoNames, s.SortedOptoIndex),
+            std::tuple(QStringList{"B", "A"}, QStringList{"A", "B"}, std::vector<qint16>{1, 0}));
   EXPECT_FALSE(RequestOutstanding(s, kRequestOptoNames));
 }
 
