@@ -64,8 +64,7 @@ TEST_F(Logs, ActivityLogHeaderColumnsAndMessageList) {
   EXPECT_EQ(lines.last(),
             "Sun, Jan 04, 2026 - 07:05:09" + QString(7, ' ') + "SRC" + QString(17, ' ') + "M");
 
-  // The message list keeps the newest MaxDisplay rows; the log keeps them all, in nested batches
-  // too: the inner one ends first and leaves the writing to the outer one.
+  // The message list keeps the newest MaxDisplay rows, the log all; an inner batch ends first.
   {
     ActivityBatch outer(s);
     ActivityBatch inner(s);
@@ -150,8 +149,8 @@ TEST_F(Logs, RepeatedErrorsAreHeldBackAndCounted) {
                 "Error A" + io + " (repeated 49 times)", "Error B" + io + " (repeated 49 times)"}));
 }
 
-// A folder in which the logs cannot be written even by root: the log names are folders. A
-// missing folder costs nothing but the lines either.
+// Logs that not even root can write (their names are folders), or a missing folder, cost only
+// lines.
 TEST_F(Logs, PersistentWriteFailureNeitherLoopsNorThrows) {
   ASSERT_TRUE(QDir(dir.path()).mkdir(kErrors));
   for (int i = 0; i < 500; ++i) {

@@ -33,9 +33,8 @@ TEST_F(StatusReports, ChangesOfSilenceStateAreReportedAndResetTheAcknowledgement
   EXPECT_EQ(std::tuple(s.SilenceStatus[5].Status, s.panels.outputs[0].lamp),
             std::tuple(3, kLampCyan));
 
-  // With the detector not configured the lamp pass leaves the entry alone, so what changes is
-  // the report's own doing: a peak coming or going keeps the acknowledgement, silence ending
-  // clears it.
+  // With the detector not configured the lamp pass leaves the entry alone, so this is the report's
+  // doing: a peak coming or going keeps the acknowledgement, silence ending clears it.
   s.SilenceStatus[5].Mode = 0;
   s.Outputs[0].AlarmState = 1;
   s.Outputs[0].AlarmCanceled = true;
@@ -134,8 +133,8 @@ TEST_F(StatusReports, CrosspointMapsWithMarkersAndLimits) {
   EXPECT_FALSE(RequestOutstanding(s, kRequestCrosspointMap));
   EXPECT_EQ(s.panels.outputs[0].nameLine, QStringLiteral("Line 12"));
 
-  // 65 entries stop the report at that output; the one before it is stored. A report longer
-  // than its blocks keeps what it stored too. Neither is the answer.
+  // 65 entries stop the report at that output, after storing the one before; so does a report
+  // longer than its blocks. Neither is the answer.
   s.requests.Req1 = 1 << kRequestCrosspointMap;
   s.CrosspointMap[1].SourceCount = 3;
   Receive(Bytes({0xF6, 0x01, 0x02, 0x00, 0x00, 0x00, 0x01, 0x00, 0x00, 0x04, 0x00, 0x00, 0x00, 0x41,

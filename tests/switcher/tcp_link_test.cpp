@@ -54,16 +54,14 @@ class Loopback : public test::TempStateTest {
   QList<QByteArray> dispatched;
 };
 
-// Keep-alives, split reports and commands over a real socket, a close and a reset; the
-// decode timer runs only while bytes wait.
+// Keep-alives, split reports and commands over a real socket, a close and a reset.
 TEST_F(Loopback, ConnectsTalksBothWaysAndNoticesTheCloseAndTheReset) {
   QTcpSocket* peer = Connect();
   ASSERT_NE(peer, nullptr);
   peer->write(Bytes({0xF5}));
   EXPECT_EQ(ServerReads(peer, 1), Bytes({0xF4})) << "a keep-alive is answered with one byte";
 
-  // A report split across two writes waits for its end, without the decode timer, and arrives
-  // whole.
+  // A report split across two writes waits for its end, without the decode timer.
   peer->write(Bytes({0xF7, 0x01}));
   QTest::qWait(50);
   EXPECT_FALSE(connection.DecodeTimerActive());
