@@ -140,7 +140,7 @@ TEST_F(ConfigFileTest, WritesTheExactLayoutAndReadsItBack) {
                                              {100, 1, "Z\u00fcrich \u00bd", 2, 2, true}}));
 }
 
-TEST_F(ConfigFileTest, ReadErrorsAreLoggedAndTheFileSetAside) {
+TEST_F(ConfigFileTest, DamagedAndUnreadableFilesAreLoggedAndSetAside) {
   const QByteArray overflow =
       "[CONFIGURATION]\r\nServer IP Port=2001\r\nAlarm Relay=99999\r\nMaximum Display=7\r\n";
   WriteAll(kIni, overflow);
@@ -181,10 +181,9 @@ TEST_F(ConfigFileTest, ReadErrorsAreLoggedAndTheFileSetAside) {
     EXPECT_FALSE(QFileInfo::exists(PathOf(kIni)));
   }
   EXPECT_EQ(Files().filter(".bad-").size(), 5);
-}
 
-// A file the program may not open is unreadable, not damaged, and is set aside all the same.
-TEST_F(ConfigFileTest, UnopenableFileIsReportedAsUnreadable) {
+  // A file the program may not open is unreadable, not damaged, and is set aside all the same.
+  clock.AdvanceSeconds(61);
   WriteAll(kIni, "[CONFIGURATION]\r\nServer IP Port=2001\r\n");
   QFile::setPermissions(PathOf(kIni), QFileDevice::WriteOwner);
   if (QFile file(PathOf(kIni)); file.open(QIODevice::ReadOnly)) {
@@ -193,13 +192,13 @@ TEST_F(ConfigFileTest, UnopenableFileIsReportedAsUnreadable) {
     ASSERT_TRUE(QFile::remove(PathOf(kIni)));
     ASSERT_TRUE(QDir().mkdir(PathOf(kIni)));
   }
-  QString problem;
-  EXPECT_FALSE(ReadConfiguration(s, &problem));
+  State t = Fresh();
+  EXPECT_FALSE(ReadConfiguration(t, &problem));
   EXPECT_TRUE(problem.startsWith("Configuration not read: zrnconfig.ini is unreadable (") &&
-              problem.endsWith("); set aside as zrnconfig.ini.bad-20261116-154252"))
+              problem.endsWith("); set aside as zrnconfig.ini.bad-20261116-154757"))
       << problem.toStdString();
   EXPECT_TRUE(ErrorLines().join('\n').contains("Unreadable file kept as zrnconfig.ini.bad-"));
-  EXPECT_EQ(s.ServerPort, 1250) << "nothing of it was read";
+  EXPECT_EQ(t.ServerPort, 1250) << "nothing of it was read";
 }
 
 TEST(NormalizeServerAddress, ClampsAndDropsLeadingZeros) {

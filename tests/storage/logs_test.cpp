@@ -1,6 +1,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 
 #include "storage/logs.h"
 #include "support/temp_state.h"
@@ -39,16 +40,13 @@ TEST_F(Logs, ActivityLogHeaderColumnsAndMessageList) {
   DisplayMessage(s, QStringLiteral("Server Module Connected"));
   // Every line ends with CR LF, the last one too.
   QStringList lines = QString::fromUtf8(ReadAll(kActivity)).split(QStringLiteral("\r\n"));
-  ASSERT_EQ(lines.size(), 14);
   // Lines 3 to 5 carry the address block, right of 19 blanks.
-  for (int i = 2; i <= 4; ++i) {
-    EXPECT_TRUE(lines[i].startsWith(QString(19, ' ')) && lines[i].size() > 25) << i;
-    EXPECT_NE(lines[i][19], QLatin1Char(' '));
-    lines[i].clear();
+  for (int i = 2; i <= 4 && i < lines.size(); ++i) {
+    lines[i].replace(QRegularExpression(QStringLiteral("^ {19}\\S.{6,}$")), QStringLiteral("@"));
   }
   EXPECT_EQ(
       lines,
-      (QStringList{"             H A L V O R N", "", "", "", "", "", "", "ZRN Pennaro Logfile",
+      (QStringList{"             H A L V O R N", "", "@", "@", "@", "", "", "ZRN Pennaro Logfile",
                    "Version: 02.00.0011 - 05/16/2025", "",
                    " DATE              TIME             MESSAGE DESCRIPTION", QString(80, '-'),
                    "Mon, Nov 16, 2026 - 15:42:52" + QString(27, ' ') + "Server Module Connected",

@@ -17,7 +17,7 @@ class Exchange : public test::SwitcherTest {
   }
 };
 
-TEST_F(Exchange, TypeRequestIsAnsweredWithTheThreeStartUpMessagesInOrder) {
+TEST_F(Exchange, TypeRequestIsAnsweredAndPasswordsClearTheirBitOrAreAskedAgain) {
   const struct {
     QByteArray message;
     bool accepted;
@@ -36,6 +36,23 @@ TEST_F(Exchange, TypeRequestIsAnsweredWithTheThreeStartUpMessagesInOrder) {
               c.accepted ? test::kStartupMessages : QByteArray());
     EXPECT_EQ(Masks()[3], c.accepted ? kStartupMask4 : 0);
   }
+
+  // A password clears its bit, or is asked for alongside what is outstanding.
+  Receive(test::kTypeRequest);
+  s.requests.Req1 |= 2;
+  EXPECT_TRUE(Sent([&] {
+                Receive(Bytes({0x80, 0x00, 0x03, 'a', 'b', 'c', 0x29, 0xFF}));
+              }).isEmpty());
+  EXPECT_EQ(Masks(), (std::array<qint32, 4>{kStartupMask1, 0, 0, kStartupMask4}));
+
+  // Announces five characters and carries two: asked again, and nothing else is forgotten.
+  EXPECT_EQ(Sent([&] {
+              Receive(Bytes({0x80, 0x00, 0x05, 'a', 'b', 0x48, 0xFF}));
+            }),
+            Bytes({0xF2, 0x02, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,
+                   0x00, 0x00, 0x02, 0xFF}));
+  EXPECT_EQ(Masks(), (std::array<qint32, 4>{kStartupMask1 | 2, 0, 0, kStartupMask4}));
+  EXPECT_TRUE(ErrorLines().isEmpty());
 }
 
 TEST_F(Exchange, RequestMessagesAndTheirMasks) {
@@ -59,24 +76,6 @@ TEST_F(Exchange, RequestMessagesAndTheirMasks) {
             Bytes({0xF2, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x40, 0x05, 0x00, 0x00, 0x00,
                    0x00, 0x00, 0x45, 0xFF}));
   EXPECT_EQ(Masks(), (std::array<qint32, 4>{0, 1 << 27, (1 << 14) | 5, 0x40}));
-}
-
-TEST_F(Exchange, PasswordClearsItsBitOrIsAskedForAlongsideWhatIsOutstanding) {
-  Receive(test::kTypeRequest);
-  s.requests.Req1 |= 2;
-  EXPECT_TRUE(Sent([&] {
-                Receive(Bytes({0x80, 0x00, 0x03, 'a', 'b', 'c', 0x29, 0xFF}));
-              }).isEmpty());
-  EXPECT_EQ(Masks(), (std::array<qint32, 4>{kStartupMask1, 0, 0, kStartupMask4}));
-
-  // Announces five characters and carries two: asked again, and nothing else is forgotten.
-  EXPECT_EQ(Sent([&] {
-              Receive(Bytes({0x80, 0x00, 0x05, 'a', 'b', 0x48, 0xFF}));
-            }),
-            Bytes({0xF2, 0x02, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,
-                   0x00, 0x00, 0x02, 0xFF}));
-  EXPECT_EQ(Masks(), (std::array<qint32, 4>{kStartupMask1 | 2, 0, 0, kStartupMask4}));
-  EXPECT_TRUE(ErrorLines().isEmpty());
 }
 
 TEST_F(Exchange, CompletesWhenThisConnectionsTypeRequestHasAllItsAnswers) {
