@@ -275,9 +275,8 @@ TEST_F(DataFiles, ShowsUnreadableShowsAreNotSaved) {
 
 TEST_F(DataFiles, ShowsExportListsNamesAndTimes) {
   s.Shows.assign(3, MakeNewShow());
-  s.Shows[0].Name = QStringLiteral("Caf\u00e9");
-  s.Shows[0].StartTime = QStringLiteral("06:00:00");
-  s.Shows[0].EndTime = QStringLiteral("09:00:00");
+  std::tie(s.Shows[0].Name, s.Shows[0].StartTime, s.Shows[0].EndTime) =
+      std::tuple(QStringLiteral("Caf\u00e9"), "06:00:00", "09:00:00");
   s.Shows[1].Name = QStringLiteral("Exactly twenty-five chars");
   s.Shows[2].Name = QStringLiteral("A show name of thirty letters!");
   s.ShowCount = 3;

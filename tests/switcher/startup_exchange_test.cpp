@@ -56,14 +56,6 @@ TEST_F(Exchange, TypeRequestIsAnsweredAndPasswordsClearTheirBitOrAreAskedAgain) 
 }
 
 TEST_F(Exchange, RequestMessagesAndTheirMasks) {
-  ASSERT_EQ(BuildRequestList(s, 0, 0, 0, 192), 2);
-  const InfoRequest& second = s.requests.RequestList[1];
-  EXPECT_EQ(std::tuple(second.Code, second.Param1, second.Param2), std::tuple(91, kNone, kNone));
-  // Bit 0 of a mask never becomes a request; bit 1 of the third mask is code 57.
-  ASSERT_EQ(BuildRequestList(s, 3, 0, 2, 0), 2);
-  EXPECT_EQ(std::tuple(s.requests.RequestList[0].Code, s.requests.RequestList[1].Code),
-            std::tuple(1, 57));
-
   // An entry with parameters carries the flag 8192 and both parameters; its bit is added.
   s.requests.Req1 = 0x200;
   SendAdvancedInfoRequest(s, {InfoRequest{90, 5, 7}}, 1);
