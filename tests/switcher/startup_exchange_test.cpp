@@ -80,17 +80,15 @@ TEST_F(Exchange, CompletesWhenThisConnectionsTypeRequestHasAllItsAnswers) {
   };
   Receive(test::kTypeRequest);
   EXPECT_EQ(Sent(answerAll), test::kRelayStatesRequest) << "the relay names ask for the states";
-  EXPECT_TRUE(s.linkState.ExchangeComplete);
-  EXPECT_EQ(Masks(), (std::array<qint32, 4>{0, 0, 0, 0}));
-  EXPECT_TRUE(ErrorLines().isEmpty());
+  EXPECT_EQ(std::tuple(s.linkState.ExchangeComplete, Masks(), ErrorLines()),
+            std::tuple(true, std::array<qint32, 4>{}, QStringList()));
 
   // A new connection completes only after its own type request, whatever arrives before.
   OnClosed(s);
   OnConnected(s);
   s.requests.Req1 = 1 << kRequestCrosspointMap;
   Receive(answers[0]);
-  EXPECT_EQ(s.requests.Req1, 0);
-  EXPECT_FALSE(s.linkState.ExchangeComplete);
+  EXPECT_EQ(std::tuple(s.requests.Req1, s.linkState.ExchangeComplete), std::tuple(0, false));
 
   Receive(test::kTypeRequest);
   answerAll();

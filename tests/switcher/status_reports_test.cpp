@@ -39,13 +39,13 @@ TEST_F(StatusReports, ChangesOfSilenceStateAreReportedAndResetTheAcknowledgement
   s.Outputs[0].AlarmState = 1;
   s.Outputs[0].AlarmCanceled = true;
   Receive(Bytes({0xCB, 0x0A, 0x01, 0x00, 0x05, 0x00, 0x40, 0x50, 0xFF}));
-  EXPECT_EQ(
-      std::tuple(s.SilenceStatus[5].Status, s.Outputs[0].AlarmState, s.Outputs[0].AlarmCanceled),
-      std::tuple(1, 1, true));
+  const auto alarm = [&] {
+    return std::tuple(s.SilenceStatus[5].Status, s.Outputs[0].AlarmState,
+                      s.Outputs[0].AlarmCanceled);
+  };
+  EXPECT_EQ(alarm(), std::tuple(1, 1, true));
   Receive(audio);
-  EXPECT_EQ(
-      std::tuple(s.SilenceStatus[5].Status, s.Outputs[0].AlarmState, s.Outputs[0].AlarmCanceled),
-      std::tuple(0, 0, false));
+  EXPECT_EQ(alarm(), std::tuple(0, 0, false));
   EXPECT_EQ(Reports(), (QStringList{"Studio [0006] Silence Alarm Status ON!",
                                     "Studio [0006] Silence Alarm Status ON!",
                                     "Studio [0006] Silence Alarm Status OFF!"}));
