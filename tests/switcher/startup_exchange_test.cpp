@@ -55,21 +55,6 @@ TEST_F(Exchange, TypeRequestIsAnsweredAndPasswordsClearTheirBitOrAreAskedAgain) 
   EXPECT_TRUE(ErrorLines().isEmpty());
 }
 
-TEST_F(Exchange, RequestMessagesAndTheirMasks) {
-  // An entry with parameters carries the flag 8192 and both parameters; its bit is added.
-  s.requests.Req1 = 0x200;
-  SendAdvancedInfoRequest(s, {InfoRequest{90, 5, 7}}, 1);
-  EXPECT_EQ(link.wire,
-            Bytes({0xCD, 0x7F, 0x00, 0x01, 0x00, 0x5A, 0x40, 0x05, 0x00, 0x07, 0x00, 0x26, 0xFF}));
-  EXPECT_EQ(Masks(), (std::array<qint32, 4>{0x200, 0, 0, 0x40}));
-
-  // An info request replaces the first three masks; only 14 bits of the third travel.
-  EXPECT_EQ(Sent([&] { SendInfoRequest(s, 0, 1 << 27, (1 << 14) | 5); }),
-            Bytes({0xF2, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x40, 0x05, 0x00, 0x00, 0x00,
-                   0x00, 0x00, 0x45, 0xFF}));
-  EXPECT_EQ(Masks(), (std::array<qint32, 4>{0, 1 << 27, (1 << 14) | 5, 0x40}));
-}
-
 TEST_F(Exchange, CompletesWhenThisConnectionsTypeRequestHasAllItsAnswers) {
   const QList<QByteArray> answers = test::StartupAnswers();
   auto answerAll = [&] {
@@ -100,7 +85,8 @@ TEST_F(Exchange, CompletesWhenThisConnectionsTypeRequestHasAllItsAnswers) {
 }
 
 // Connecting a source is the loopback test's.
-TEST_F(Exchange, CommandFramesMatchTheWorkedExamples) {
+TEST_F(Exchange, CommandAndRequestFramesMatchTheWorkedExamples) {
+  s.requests.Req1 = 0x200;
   s.SilenceOuts = {SilenceOut{},
                    {.Output = 20, .DetectTime1 = 8, .DetectTime2 = 5, .DetectLevel = 824}};
   s.SilenceOutCount = 2;
@@ -128,10 +114,21 @@ TEST_F(Exchange, CommandFramesMatchTheWorkedExamples) {
               0x0A, 0x02, 0x7F, 0x7F, 0x7F, 0x7F, 0x74, 0x03, 0x00, 0x00,  // output 6
               0x00, 0x08, 0x00, 0x00,                                      // output 6
               0x3E, 0xFF})},
+      // Parameters follow the flag 8192; the request's bit is added to the masks.
+      {"advanced info request",
+       [&] {
+         SendAdvancedInfoRequest(s, {InfoRequest{90, 5, 7}}, 1);
+       },
+       Bytes({0xCD, 0x7F, 0x00, 0x01, 0x00, 0x5A, 0x40, 0x05, 0x00, 0x07, 0x00, 0x26, 0xFF})},
+      // It replaces the first three masks; only 14 bits of the third travel.
+      {"info request", [&] { SendInfoRequest(s, 0, 1 << 27, (1 << 14) | 5); },
+       Bytes({0xF2, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x40, 0x05, 0x00, 0x00, 0x00, 0x00,
+              0x00, 0x45, 0xFF})},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(Sent(c.send), c.wire) << c.call;
   }
+  EXPECT_EQ(Masks(), (std::array<qint32, 4>{0, 1 << 27, (1 << 14) | 5, 0x40}));
   EXPECT_TRUE(ErrorLines().isEmpty());
 }
 
