@@ -32,7 +32,7 @@ class Logs : public test::TempStateTest {
   }
 };
 
-TEST_F(Logs, ActivityLogHeaderColumnsAndMessageList) {
+TEST_F(Logs, HeadersColumnsAndMessageList) {
   s.MaxDisplay = 3;
   DisplayMessage(s, QString());
   EXPECT_TRUE(Files().isEmpty() && s.MessageRows.isEmpty()) << "an empty message goes nowhere";
@@ -52,6 +52,24 @@ TEST_F(Logs, ActivityLogHeaderColumnsAndMessageList) {
                    "Mon, Nov 16, 2026 - 15:42:52" + QString(27, ' ') + "Server Module Connected",
                    ""}));
   EXPECT_EQ(s.MessageRows, QStringList{"Mon, Nov 16, 2026 - 15:42:52 - Server Module Connected"});
+
+  LogError(s, QStringLiteral("Error Saving Events"), QStringLiteral("File Error"),
+           Failure::FileNotFound());
+  EXPECT_EQ(LinesOf(ReadAll(kErrors)).mid(4),
+            (QStringList{"ZRN Pennaro Error Logfile",
+                         " DATE     TIME           LOCATION                      MESSAGE "
+                         "DESCRIPTION",
+                         QString(80, '-'),
+                         "11/16/2026 3:42:52 PM   Error Saving Events" + QString(17, ' ') +
+                             "Error #  53 - File not found"}));
+
+  // A long location is written whole and pushes the message right.
+  const QString longLocation = QStringLiteral("Error Updating The Show Silence Display Now");
+  clock.AdvanceSeconds(1);
+  LogError(s, longLocation, QStringLiteral("Display Error"), Failure::SubscriptOutOfRange());
+  EXPECT_EQ(ErrorLines().last(), QStringLiteral("11/16/2026 3:42:53 PM   ") + longLocation +
+                                     QStringLiteral("Error #  9 - Subscript out of range"));
+  EXPECT_EQ(ErrorText(Failure{-5, QStringLiteral("x")}), QStringLiteral("Error # -5 - x"));
 
   // The source column; a deleted log comes back with its header.
   ASSERT_TRUE(QFile::remove(PathOf(kActivity)));
@@ -93,26 +111,6 @@ TEST_F(Logs, RotationAtTheLimitKeepsEveryRotatedFile) {
   Fill(kActivity);
   WriteActivityLog(s, QStringLiteral("past the size"), QString());
   EXPECT_EQ(Files().size(), 5);
-}
-
-TEST_F(Logs, ErrorLineColumnsAndHeader) {
-  LogError(s, QStringLiteral("Error Saving Events"), QStringLiteral("File Error"),
-           Failure::FileNotFound());
-  EXPECT_EQ(LinesOf(ReadAll(kErrors)).mid(4),
-            (QStringList{"ZRN Pennaro Error Logfile",
-                         " DATE     TIME           LOCATION                      MESSAGE "
-                         "DESCRIPTION",
-                         QString(80, '-'),
-                         "11/16/2026 3:42:52 PM   Error Saving Events" + QString(17, ' ') +
-                             "Error #  53 - File not found"}));
-
-  // A long location is written whole and pushes the message right.
-  const QString longLocation = QStringLiteral("Error Updating The Show Silence Display Now");
-  clock.AdvanceSeconds(1);
-  LogError(s, longLocation, QStringLiteral("Display Error"), Failure::SubscriptOutOfRange());
-  EXPECT_EQ(ErrorLines().last(), QStringLiteral("11/16/2026 3:42:53 PM   ") + longLocation +
-                                     QStringLiteral("Error #  9 - Subscript out of range"));
-  EXPECT_EQ(ErrorText(Failure{-5, QStringLiteral("x")}), QStringLiteral("Error # -5 - x"));
 }
 
 // A line repeated within a minute is held back and counted when another comes, when the minute
