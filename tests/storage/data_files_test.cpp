@@ -1,4 +1,4 @@
-#include <functional>
+#include <ranges>
 #include <tuple>
 
 #include "storage/events_file.h"
@@ -22,12 +22,12 @@ ScheduledEvent Event(const QString& time, int days = 31, bool active = true, int
 }
 
 // An output's events, every field of each, so a whole schedule compares at once.
-using Stored = std::tuple<QString, int, bool, int, bool, int, QString>;
+using Stored = std::tuple<std::string, int, bool, int, bool, int, std::string>;
 std::vector<Stored> Schedule(const OutputEntry& output) {
   std::vector<Stored> out;
-  for (int i = 0; i < output.EventCount; ++i) {
-    const ScheduledEvent& e = output.Events[i];
-    out.emplace_back(e.Time, e.Days, e.Active, e.DisplayOption, e.Connect, e.Source, e.Label);
+  for (const ScheduledEvent& e : output.Events | std::views::take(output.EventCount)) {
+    out.emplace_back(e.Time.toStdString(), e.Days, e.Active, e.DisplayOption, e.Connect, e.Source,
+                     e.Label.toStdString());
   }
   return out;
 }
@@ -78,7 +78,7 @@ TEST_F(DataFiles, EventsWorkedExampleFlagsSortingAndCountsFromTheFile) {
   SetEvents(2, {Event("01:00:00", 1, true, 0, true, 44)});
   ASSERT_TRUE(ReadEvents(s));
   EXPECT_EQ(Schedule(s.Outputs[0]),
-            (std::vector<Stored>{{"00:00:00", 31, true, 0, false, kNone, QString(12, ' ')},
+            (std::vector<Stored>{{"00:00:00", 31, true, 0, false, kNone, std::string(12, ' ')},
                                  {"08:00:00", 2, true, 0, false, kNone, "A           "},
                                  {"08:00:00", 2, true, 0, false, kNone, "B           "},
                                  {"12:00:00", 127, false, 1, true, 256, "Caf\u00e9 Matin  "}}));
@@ -247,7 +247,7 @@ TEST_F(DataFiles, ShowsFirstStartUnreadableShowsAndTheTextExport) {
   ASSERT_EQ(std::tuple(s.ShowCount, ReadAll(kShowsFile)), std::tuple(1, NewShowFile()))
       << "a first start writes one new show";
   const struct {
-    std::function<void(ShowRecord&)> edit;
+    void (*edit)(ShowRecord&);
     const char* error;
   } cases[] = {
       {[](ShowRecord& r) { r.StartTime = "6:00"; },
