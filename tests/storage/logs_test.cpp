@@ -1,6 +1,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 
 #include "storage/logs.h"
 #include "support/temp_state.h"
@@ -31,7 +32,7 @@ class Logs : public test::TempStateTest {
   }
 };
 
-TEST_F(Logs, ActivityLogHeaderColumnsAndMessageList) {
+TEST_F(Logs, HeadersColumnsAndMessageList) {
   s.MaxDisplay = 3;
   DisplayMessage(s, QString());
   EXPECT_TRUE(Files().isEmpty() && s.MessageRows.isEmpty()) << "an empty message goes nowhere";
@@ -39,33 +40,45 @@ TEST_F(Logs, ActivityLogHeaderColumnsAndMessageList) {
   DisplayMessage(s, QStringLiteral("Server Module Connected"));
   // Every line ends with CR LF, the last one too.
   QStringList lines = QString::fromUtf8(ReadAll(kActivity)).split(QStringLiteral("\r\n"));
-  ASSERT_EQ(lines.size(), 14);
   // Lines 3 to 5 carry the address block, right of 19 blanks.
-  for (int i = 2; i <= 4; ++i) {
-    EXPECT_TRUE(lines[i].startsWith(QString(19, ' ')) && lines[i].size() > 25) << i;
-    EXPECT_NE(lines[i][19], QLatin1Char(' '));
-    lines[i].clear();
+  for (int i = 2; i <= 4 && i < lines.size(); ++i) {
+    lines[i].replace(QRegularExpression(QStringLiteral("^ {19}\\S.{6,}$")), QStringLiteral("@"));
   }
   EXPECT_EQ(
       lines,
-      (QStringList{"             H A L V O R N", "", "", "", "", "", "", "ZRN Pennaro Logfile",
+      (QStringList{"             H A L V O R N", "", "@", "@", "@", "", "", "ZRN Pennaro Logfile",
                    "Version: 02.00.0011 - 05/16/2025", "",
                    " DATE              TIME             MESSAGE DESCRIPTION", QString(80, '-'),
                    "Mon, Nov 16, 2026 - 15:42:52" + QString(27, ' ') + "Server Module Connected",
                    ""}));
   EXPECT_EQ(s.MessageRows, QStringList{"Mon, Nov 16, 2026 - 15:42:52 - Server Module Connected"});
 
+  LogError(s, QStringLiteral("Error Saving Events"), QStringLiteral("File Error"),
+           Failure::FileNotFound());
+  EXPECT_EQ(LinesOf(ReadAll(kErrors)).mid(4),
+            (QStringList{"ZRN Pennaro Error Logfile",
+                         " DATE     TIME           LOCATION                      MESSAGE "
+                         "DESCRIPTION",
+                         QString(80, '-'),
+                         "11/16/2026 3:42:52 PM   Error Saving Events" + QString(17, ' ') +
+                             "Error #  53 - File not found"}));
+
+  // A long location is written whole and pushes the message right.
+  const QString longLocation = QStringLiteral("Error Updating The Show Silence Display Now");
+  clock.AdvanceSeconds(1);
+  LogError(s, longLocation, QStringLiteral("Display Error"), Failure::SubscriptOutOfRange());
+  EXPECT_EQ(ErrorLines().last(), QStringLiteral("11/16/2026 3:42:53 PM   ") + longLocation +
+                                     QStringLiteral("Error #  9 - Subscript out of range"));
+  EXPECT_EQ(ErrorText(Failure{-5, QStringLiteral("x")}), QStringLiteral("Error # -5 - x"));
+
   // The source column; a deleted log comes back with its header.
   ASSERT_TRUE(QFile::remove(PathOf(kActivity)));
   clock.Set(QDateTime(QDate(2026, 1, 4), QTime(7, 5, 9)));
   WriteActivityLog(s, QStringLiteral("M"), QStringLiteral("SRC"));
-  lines = LinesOf(ReadAll(kActivity));
-  EXPECT_EQ(lines.size(), 9) << "the header's blank lines are not counted here";
-  EXPECT_EQ(lines.last(),
-            "Sun, Jan 04, 2026 - 07:05:09" + QString(7, ' ') + "SRC" + QString(17, ' ') + "M");
+  EXPECT_EQ(LinesOf(ReadAll(kActivity)).mid(8),  // the header without its blank lines
+            QStringList{"Sun, Jan 04, 2026 - 07:05:09       SRC                 M"});
 
-  // The message list keeps the newest MaxDisplay rows; the log keeps them all, in nested batches
-  // too: the inner one ends first and leaves the writing to the outer one.
+  // The message list keeps the newest MaxDisplay rows, the log all; an inner batch ends first.
   {
     ActivityBatch outer(s);
     ActivityBatch inner(s);
@@ -84,9 +97,6 @@ TEST_F(Logs, RotationAtTheLimitKeepsEveryRotatedFile) {
   s.MaxLogFileSize = 1;
   const QByteArray full = Fill(kActivity);
   WriteActivityLog(s, QStringLiteral("after rotation"), QString());
-  QStringList fresh = LinesOf(ReadAll(kActivity));
-  EXPECT_EQ(fresh[4], QStringLiteral("ZRN Pennaro Logfile")) << "a fresh log gets its header";
-  EXPECT_TRUE(fresh.last().endsWith(QStringLiteral("after rotation")));
   const QByteArray second = Fill(kActivity);
   WriteActivityLog(s, QStringLiteral("again"), QString());
   EXPECT_EQ(ReadAll(QStringLiteral("EventLog 111626 1542.txt")), full);
@@ -101,26 +111,6 @@ TEST_F(Logs, RotationAtTheLimitKeepsEveryRotatedFile) {
   Fill(kActivity);
   WriteActivityLog(s, QStringLiteral("past the size"), QString());
   EXPECT_EQ(Files().size(), 5);
-}
-
-TEST_F(Logs, ErrorLineColumnsAndHeader) {
-  LogError(s, QStringLiteral("Error Saving Events"), QStringLiteral("File Error"),
-           Failure::FileNotFound());
-  EXPECT_EQ(LinesOf(ReadAll(kErrors)).mid(4),
-            (QStringList{"ZRN Pennaro Error Logfile",
-                         " DATE     TIME           LOCATION                      MESSAGE "
-                         "DESCRIPTION",
-                         QString(80, '-'),
-                         "11/16/2026 3:42:52 PM   Error Saving Events" + QString(17, ' ') +
-                             "Error #  53 - File not found"}));
-
-  // A long location is written whole and pushes the message right.
-  const QString longLocation = QStringLiteral("Error Updating The Show Silence Display Now");
-  clock.AdvanceSeconds(1);
-  LogError(s, longLocation, QStringLiteral("Display Error"), Failure::SubscriptOutOfRange());
-  EXPECT_EQ(ErrorLines().last(), QStringLiteral("11/16/2026 3:42:53 PM   ") + longLocation +
-                                     QStringLiteral("Error #  9 - Subscript out of range"));
-  EXPECT_EQ(ErrorText(Failure{-5, QStringLiteral("x")}), QStringLiteral("Error # -5 - x"));
 }
 
 // A line repeated within a minute is held back and counted when another comes, when the minute
@@ -153,8 +143,8 @@ TEST_F(Logs, RepeatedErrorsAreHeldBackAndCounted) {
                 "Error A" + io + " (repeated 49 times)", "Error B" + io + " (repeated 49 times)"}));
 }
 
-// A folder in which the logs cannot be written even by root: the log names are folders. A
-// missing folder costs nothing but the lines either.
+// Logs that not even root can write (their names are folders), or a missing folder, cost only
+// lines.
 TEST_F(Logs, PersistentWriteFailureNeitherLoopsNorThrows) {
   ASSERT_TRUE(QDir(dir.path()).mkdir(kErrors));
   for (int i = 0; i < 500; ++i) {

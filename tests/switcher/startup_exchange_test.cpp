@@ -17,7 +17,7 @@ class Exchange : public test::SwitcherTest {
   }
 };
 
-TEST_F(Exchange, TypeRequestIsAnsweredWithTheThreeStartUpMessagesInOrder) {
+TEST_F(Exchange, TypeRequestIsAnsweredAndPasswordsClearTheirBitOrAreAskedAgain) {
   const struct {
     QByteArray message;
     bool accepted;
@@ -36,32 +36,8 @@ TEST_F(Exchange, TypeRequestIsAnsweredWithTheThreeStartUpMessagesInOrder) {
               c.accepted ? test::kStartupMessages : QByteArray());
     EXPECT_EQ(Masks()[3], c.accepted ? kStartupMask4 : 0);
   }
-}
 
-TEST_F(Exchange, RequestMessagesAndTheirMasks) {
-  ASSERT_EQ(BuildRequestList(s, 0, 0, 0, 192), 2);
-  const InfoRequest& second = s.requests.RequestList[1];
-  EXPECT_EQ(std::tuple(second.Code, second.Param1, second.Param2), std::tuple(91, kNone, kNone));
-  // Bit 0 of a mask never becomes a request; bit 1 of the third mask is code 57.
-  ASSERT_EQ(BuildRequestList(s, 3, 0, 2, 0), 2);
-  EXPECT_EQ(std::tuple(s.requests.RequestList[0].Code, s.requests.RequestList[1].Code),
-            std::tuple(1, 57));
-
-  // An entry with parameters carries the flag 8192 and both parameters; its bit is added.
-  s.requests.Req1 = 0x200;
-  SendAdvancedInfoRequest(s, {InfoRequest{90, 5, 7}}, 1);
-  EXPECT_EQ(link.wire,
-            Bytes({0xCD, 0x7F, 0x00, 0x01, 0x00, 0x5A, 0x40, 0x05, 0x00, 0x07, 0x00, 0x26, 0xFF}));
-  EXPECT_EQ(Masks(), (std::array<qint32, 4>{0x200, 0, 0, 0x40}));
-
-  // An info request replaces the first three masks; only 14 bits of the third travel.
-  EXPECT_EQ(Sent([&] { SendInfoRequest(s, 0, 1 << 27, (1 << 14) | 5); }),
-            Bytes({0xF2, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x40, 0x05, 0x00, 0x00, 0x00,
-                   0x00, 0x00, 0x45, 0xFF}));
-  EXPECT_EQ(Masks(), (std::array<qint32, 4>{0, 1 << 27, (1 << 14) | 5, 0x40}));
-}
-
-TEST_F(Exchange, PasswordClearsItsBitOrIsAskedForAlongsideWhatIsOutstanding) {
+  // A password clears its bit, or is asked for alongside what is outstanding.
   Receive(test::kTypeRequest);
   s.requests.Req1 |= 2;
   EXPECT_TRUE(Sent([&] {
@@ -89,17 +65,15 @@ TEST_F(Exchange, CompletesWhenThisConnectionsTypeRequestHasAllItsAnswers) {
   };
   Receive(test::kTypeRequest);
   EXPECT_EQ(Sent(answerAll), test::kRelayStatesRequest) << "the relay names ask for the states";
-  EXPECT_TRUE(s.linkState.ExchangeComplete);
-  EXPECT_EQ(Masks(), (std::array<qint32, 4>{0, 0, 0, 0}));
-  EXPECT_TRUE(ErrorLines().isEmpty());
+  EXPECT_EQ(std::tuple(s.linkState.ExchangeComplete, Masks(), ErrorLines()),
+            std::tuple(true, std::array<qint32, 4>{}, QStringList()));
 
   // A new connection completes only after its own type request, whatever arrives before.
   OnClosed(s);
   OnConnected(s);
   s.requests.Req1 = 1 << kRequestCrosspointMap;
   Receive(answers[0]);
-  EXPECT_EQ(s.requests.Req1, 0);
-  EXPECT_FALSE(s.linkState.ExchangeComplete);
+  EXPECT_EQ(std::tuple(s.requests.Req1, s.linkState.ExchangeComplete), std::tuple(0, false));
 
   Receive(test::kTypeRequest);
   answerAll();
@@ -111,7 +85,8 @@ TEST_F(Exchange, CompletesWhenThisConnectionsTypeRequestHasAllItsAnswers) {
 }
 
 // Connecting a source is the loopback test's.
-TEST_F(Exchange, CommandFramesMatchTheWorkedExamples) {
+TEST_F(Exchange, CommandAndRequestFramesMatchTheWorkedExamples) {
+  s.requests.Req1 = 0x200;
   s.SilenceOuts = {SilenceOut{},
                    {.Output = 20, .DetectTime1 = 8, .DetectTime2 = 5, .DetectLevel = 824}};
   s.SilenceOutCount = 2;
@@ -139,10 +114,21 @@ TEST_F(Exchange, CommandFramesMatchTheWorkedExamples) {
               0x0A, 0x02, 0x7F, 0x7F, 0x7F, 0x7F, 0x74, 0x03, 0x00, 0x00,  // output 6
               0x00, 0x08, 0x00, 0x00,                                      // output 6
               0x3E, 0xFF})},
+      // Parameters follow the flag 8192; the request's bit is added to the masks.
+      {"advanced info request",
+       [&] {
+         SendAdvancedInfoRequest(s, {InfoRequest{90, 5, 7}}, 1);
+       },
+       Bytes({0xCD, 0x7F, 0x00, 0x01, 0x00, 0x5A, 0x40, 0x05, 0x00, 0x07, 0x00, 0x26, 0xFF})},
+      // It replaces the first three masks; only 14 bits of the third travel.
+      {"info request", [&] { SendInfoRequest(s, 0, 1 << 27, (1 << 14) | 5); },
+       Bytes({0xF2, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x40, 0x05, 0x00, 0x00, 0x00, 0x00,
+              0x00, 0x45, 0xFF})},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(Sent(c.send), c.wire) << c.call;
   }
+  EXPECT_EQ(Masks(), (std::array<qint32, 4>{0, 1 << 27, (1 << 14) | 5, 0x40}));
   EXPECT_TRUE(ErrorLines().isEmpty());
 }
 

@@ -33,20 +33,19 @@ TEST_F(StatusReports, ChangesOfSilenceStateAreReportedAndResetTheAcknowledgement
   EXPECT_EQ(std::tuple(s.SilenceStatus[5].Status, s.panels.outputs[0].lamp),
             std::tuple(3, kLampCyan));
 
-  // With the detector not configured the lamp pass leaves the entry alone, so what changes is
-  // the report's own doing: a peak coming or going keeps the acknowledgement, silence ending
-  // clears it.
+  // With the detector not configured the lamp pass leaves the entry alone, so this is the report's
+  // doing: a peak coming or going keeps the acknowledgement, silence ending clears it.
   s.SilenceStatus[5].Mode = 0;
   s.Outputs[0].AlarmState = 1;
   s.Outputs[0].AlarmCanceled = true;
   Receive(Bytes({0xCB, 0x0A, 0x01, 0x00, 0x05, 0x00, 0x40, 0x50, 0xFF}));
-  EXPECT_EQ(
-      std::tuple(s.SilenceStatus[5].Status, s.Outputs[0].AlarmState, s.Outputs[0].AlarmCanceled),
-      std::tuple(1, 1, true));
+  const auto alarm = [&] {
+    return std::tuple(s.SilenceStatus[5].Status, s.Outputs[0].AlarmState,
+                      s.Outputs[0].AlarmCanceled);
+  };
+  EXPECT_EQ(alarm(), std::tuple(1, 1, true));
   Receive(audio);
-  EXPECT_EQ(
-      std::tuple(s.SilenceStatus[5].Status, s.Outputs[0].AlarmState, s.Outputs[0].AlarmCanceled),
-      std::tuple(0, 0, false));
+  EXPECT_EQ(alarm(), std::tuple(0, 0, false));
   EXPECT_EQ(Reports(), (QStringList{"Studio [0006] Silence Alarm Status ON!",
                                     "Studio [0006] Silence Alarm Status ON!",
                                     "Studio [0006] Silence Alarm Status OFF!"}));
@@ -134,8 +133,8 @@ TEST_F(StatusReports, CrosspointMapsWithMarkersAndLimits) {
   EXPECT_FALSE(RequestOutstanding(s, kRequestCrosspointMap));
   EXPECT_EQ(s.panels.outputs[0].nameLine, QStringLiteral("Line 12"));
 
-  // 65 entries stop the report at that output; the one before it is stored. A report longer
-  // than its blocks keeps what it stored too. Neither is the answer.
+  // 65 entries stop the report at that output, after storing the one before; so does a report
+  // longer than its blocks. Neither is the answer.
   s.requests.Req1 = 1 << kRequestCrosspointMap;
   s.CrosspointMap[1].SourceCount = 3;
   Receive(Bytes({0xF6, 0x01, 0x02, 0x00, 0x00, 0x00, 0x01, 0x00, 0x00, 0x04, 0x00, 0x00, 0x00, 0x41,
@@ -157,7 +156,7 @@ TEST_F(StatusReports, CrosspointMapsWithMarkersAndLimits) {
   EXPECT_TRUE(RequestOutstanding(s, kRequestCrosspointMap));
 }
 
-TEST_F(StatusReports, RelayStatesAreStoredWithinTheRelayTable) {
+TEST_F(StatusReports, RelayStatesAreStoredWithinTheRelayTableAndNamesAskForThemAgain) {
   s.SwitcherRelayCount = 4;
   s.RelayStates = {1, 0, 0, 0};
   s.AlarmRelay = 2;
@@ -174,6 +173,17 @@ TEST_F(StatusReports, RelayStatesAreStoredWithinTheRelayTable) {
   Receive(Bytes({0xF7, 0x28, 0x02, 0x00, 0x01, 0x00, 0x00, 0x2B, 0xFF}));  // one item of two
   EXPECT_EQ(Errors(), QStringList{"Error Receiving Relay/Opto State Relay States Length Error"});
   EXPECT_EQ(std::tuple(s.RelayStates[1], s.requests.Req1), std::tuple(1, 1 << kRequestRelayStates));
+
+  // Relay names ask for the states again (the request itself is the start-up exchange test's).
+  s.AlarmRelay = 3;
+  s.requests.Req1 = (1 << kRequestRelayNames) | (1 << kRequestInputNames);
+  Receive(Bytes(
+      {0xFC, 0x28, 0x01, 0x02, 0x00, 0x00, 0x00, 'K', 0x00, 0x00, 'L', 0x01, 0x00, 0x43, 0xFF}));
+  EXPECT_EQ(std::tuple(s.RelayNames, s.RelayStates.size()), std::tuple(QStringList{"K", "L"}, 2u));
+  EXPECT_EQ(s.requests.Req1, (1 << kRequestRelayStates) | (1 << kRequestInputNames));
+  EXPECT_EQ(Errors().last(),
+            "Error Checking Alarm Relay Alarm Relay 0003 beyond the switcher's 2 "
+            "relays");
 }
 
 // Two outputs, w = 8: entry 0 "OUT 2", entry 1 "OUT 1", numbered 0 and 1.
@@ -190,11 +200,9 @@ TEST_F(StatusReports, OutputTableReplacesTheNamesAndResizesTheSwitcherTables) {
 
   // One byte off, a wrong checksum, or 16383 names of 127 characters announced in nine bytes:
   // nothing changes, nothing is allocated, and the names stay outstanding.
-  QByteArray longer = kTwoOutputs;
-  longer.insert(27, '\0');
-  QByteArray badSum = kTwoOutputs;
-  badSum[27] = 0x71;
-  for (const QByteArray& bad : {longer, badSum, kTwoOutputs.left(26) + Bytes({0x72, 0xFF}),
+  for (const QByteArray& bad : {QByteArray(kTwoOutputs).insert(27, '\0'),
+                                QByteArray(kTwoOutputs).replace(27, 1, Bytes({0x71})),
+                                kTwoOutputs.left(26) + Bytes({0x72, 0xFF}),
                                 Bytes({0xFC, 0x14, 0x7F, 0x7F, 0x7F, 0x00, 0x00, 0x11, 0xFF}),
                                 Bytes({0xFC, 0x14, 0x14, 0xFF})}) {
     Receive(bad);
@@ -203,10 +211,9 @@ TEST_F(StatusReports, OutputTableReplacesTheNamesAndResizesTheSwitcherTables) {
   EXPECT_TRUE(RequestOutstanding(s, kRequestOutputNames));
 
   Receive(kTwoOutputs);
-  EXPECT_EQ(s.OutputNames, (QStringList{"OUT 2   ", "OUT 1   "}));
-  EXPECT_EQ(s.SortedOutputNames, (QStringList{"OUT 1   ", "OUT 2   "}));
-  EXPECT_EQ(s.SortedOutputIndex, (std::vector<qint16>{1, 0}));
-  EXPECT_EQ(s.OutputSortRank, (std::vector<qint16>{1, 0}));
+  EXPECT_EQ(std::tuple(s.OutputNames, s.SortedOutputNames, s.SortedOutputIndex, s.OutputSortRank),
+            std::tuple(QStringList{"OUT 2   ", "OUT 1   "}, QStringList{"OUT 1   ", "OUT 2   "},
+                       std::vector<qint16>{1, 0}, std::vector<qint16>{1, 0}));
   EXPECT_FALSE(RequestOutstanding(s, kRequestOutputNames));
   // The switcher's tables take the new size and keep their first entries.
   EXPECT_EQ(std::tuple(s.SwitcherOutputCount, s.SilenceStatus.size(), s.CrosspointMap.size(),
@@ -257,22 +264,9 @@ TEST_F(StatusReports, NameTablesStartingFurtherOnUpdateTheirEntriesInPlace) {
   // Opto names stay in the switcher's order, each with its own number; the sorted copy is apart.
   Receive(Bytes(
       {0xFC, 0x1E, 0x01, 0x02, 0x00, 0x00, 0x00, 'B', 0x00, 0x00, 'A', 0x01, 0x00, 0x25, 0xFF}));
-  EXPECT_EQ(s.OptoNames, (QStringList{"B", "A"}));
-  EXPECT_EQ(s.SortedOptoNames, (QStringList{"A", "B"}));
-  EXPECT_EQ(s.SortedOptoIndex, (std::vector<qint16>{1, 0}));
+  EXPECT_EQ(std::tuple(s.OptoNames, s.SortedOptoNames, s.SortedOptoIndex),
+            std::tuple(QStringList{"B", "A"}, QStringList{"A", "B"}, std::vector<qint16>{1, 0}));
   EXPECT_FALSE(RequestOutstanding(s, kRequestOptoNames));
-}
-
-// The request for the states that follows is the start-up exchange test's.
-TEST_F(StatusReports, RelayNamesAskForTheRelayStatesAgain) {
-  s.AlarmRelay = 3;
-  s.requests.Req1 = (1 << kRequestRelayNames) | (1 << kRequestInputNames);
-  Receive(Bytes(
-      {0xFC, 0x28, 0x01, 0x02, 0x00, 0x00, 0x00, 'K', 0x00, 0x00, 'L', 0x01, 0x00, 0x43, 0xFF}));
-  EXPECT_EQ(std::tuple(s.RelayNames, s.RelayStates.size()), std::tuple(QStringList{"K", "L"}, 2u));
-  EXPECT_EQ(s.requests.Req1, (1 << kRequestRelayStates) | (1 << kRequestInputNames));
-  EXPECT_EQ(Errors(), QStringList{"Error Checking Alarm Relay Alarm Relay 0003 beyond the "
-                                  "switcher's 2 relays"});
 }
 
 }  // namespace

