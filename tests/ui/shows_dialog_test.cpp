@@ -20,10 +20,6 @@ class ShowsDialogTest : public test::DialogTest {
     DialogTest::Open<ShowsDialog>();
   }
   void Edit() { person.Click(QStringLiteral("Edit the current show")); }
-  void TypeEndDate(const QString& digits) {
-    person.Click(QStringLiteral("End Date"));
-    person.Type(digits);
-  }
 };
 
 // Typing itself is tabled with the other time fields; an end before the start names the date.
@@ -45,7 +41,8 @@ TEST_F(ShowsDialogTest, EditedShowIsCheckedAndSavedOnlyByOkAndRemovalsUndoneByCa
   person.Pick(QStringLiteral("Return Time"), 12);
   person.Click(QStringLiteral("Wednesday"));
   person.Click(QStringLiteral("Sunday"));
-  TypeEndDate(QStringLiteral("12312024"));
+  person.Click(QStringLiteral("End Date"));
+  person.Type(QStringLiteral("12312024"));
   person.Click(QStringLiteral("OK"));
   EXPECT_EQ(prompt.informed, QStringList{QStringLiteral(
                                  "The End Date is before the Start Date.  Please enter an End "
@@ -54,7 +51,7 @@ TEST_F(ShowsDialogTest, EditedShowIsCheckedAndSavedOnlyByOkAndRemovalsUndoneByCa
   EXPECT_EQ(s.Shows[0].StartTime, QStringLiteral("24:00:00")) << "the live table waits for OK";
   EXPECT_FALSE(QFile::exists(PathOf(QStringLiteral("ZRNShows.dat"))));
 
-  TypeEndDate(QStringLiteral("06302026"));
+  person.Type(QStringLiteral("06302026"));
   EXPECT_EQ(person.Find(QStringLiteral("Wednesday"))->toolTip(),
             QStringLiteral("Event happens every Wedensday"));
   person.Click(QStringLiteral(">"));
