@@ -24,15 +24,11 @@ class ShowsDialogTest : public test::DialogTest {
 
 // Typing itself is tabled with the other time fields; an end before the start names the date.
 TEST_F(ShowsDialogTest, EditedShowIsCheckedAndSavedOnlyByOkAndRemovalsUndoneByCancel) {
-  s.Shows[0].DetectLevel = 824;
   Open();
-  EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Show Configuration"));
-  EXPECT_EQ(Shown(QStringLiteral("Silence Threshold")), QStringLiteral("-20 dB"));
   EXPECT_FALSE(Enabled(QStringLiteral("Start Time"))) << "browsing until Edit";
   Edit();
   person.Retype(QStringLiteral("Start Time"), QStringLiteral("123045"));
   person.Press(Qt::Key_Return);
-  EXPECT_EQ(s.EditShows[0].StartTime, QStringLiteral("12:30:45"));
   person.Retype(QStringLiteral("End Time"), QStringLiteral("126000"));
   person.Press(Qt::Key_Return);
   EXPECT_EQ(Shown(QStringLiteral("End Time")), QStringLiteral("24:00:00"));
