@@ -25,14 +25,6 @@ ScheduledEvent Event(const char* time, const char* label) {
   return {QLatin1String(time), true, 2, 0x7F, false, QString::fromLatin1(label).leftJustified(12)};
 }
 
-// A schedule editor that leaves one event at noon on the entry it was opened for.
-void NoonOnly(State& st, QWidget*) {
-  OutputEntry& entry = st.Outputs.at(static_cast<std::size_t>(st.SelectedOutput));
-  entry.Events = {Event("12:00:00", "Noon")};
-  entry.EventCount = 1;
-  st.DialogAccepted = true;
-}
-
 // Setup over 16 outputs and 4 relays, watching outputs 3, 7 and 12; output 7 has two events.
 class SetupDialogTest : public test::DialogTest {
  protected:
@@ -122,35 +114,6 @@ TEST_F(SetupDialogTest, NewPortDropsTheLinkAndTheNextPollTickConnectsThere) {
   EXPECT_TRUE(QTest::qWaitFor([&] { return s.Connected; }, 5000));
 }
 
-// Cancel also undoes what the schedule editor put into the live table; poll tick changes stay.
-TEST_F(SetupDialogTest, CancelLeavesTheWatchedOutputsAsSetupFoundThem) {
-  SetupEditors editors;
-  editors.schedule = NoonOnly;
-  Open(editors);
-  person.Click(QStringLiteral("Add"));
-  person.Enter(QStringLiteral("Monitor Destination"), QStringLiteral("9"));
-  person.Click(QStringLiteral("Custom Label"));
-  person.Press(Qt::Key_Tab);
-  person.Type(QStringLiteral("Tx,B"));
-  person.Press(Qt::Key_Return);
-  EXPECT_TRUE(dialog->isVisible()) << "Enter in the label stores it, it does not confirm";
-  EXPECT_EQ(Shown(QStringLiteral("TxB")), QStringLiteral("TxB")) << "labels refuse commas";
-  person.Click(QStringLiteral("|<"));
-  person.Click(QStringLiteral("Remove"));
-  person.Click(QStringLiteral("Insert"));
-  person.Enter(QStringLiteral("Monitor Destination"), QStringLiteral("5"));
-  person.Click(QStringLiteral("Configure Schedule"));
-  s.Outputs[1].AlarmState = 1;  // a poll tick meanwhile
-
-  person.Click(QStringLiteral("Cancel"));
-  EXPECT_FALSE(s.DialogAccepted);
-  EXPECT_EQ(Entries(s), (QStringList{"3 Studio events=0 ack=0 option=0 watched=1",
-                                     "7 Studio events=2 ack=1 option=0 watched=1",
-                                     "12 Studio events=0 ack=0 option=0 watched=1"}));
-  EXPECT_EQ(s.panels.outputs.at(0).toolTip, QStringLiteral("TX 3    [0003]")) << "panels follow";
-  EXPECT_TRUE(Files().isEmpty()) << "nothing is saved";
-}
-
 // The show buttons open the program's own editors, the show editor at the first show.
 TEST_F(SetupDialogTest, ShowButtonsOpenTheEditorsAndOutputModeRebuildsTheView) {
   s.DefaultViewLarge = 1;
@@ -190,13 +153,40 @@ TEST_F(SetupDialogTest, ConfirmedSetupKeepsWhatItDidNotChangeAndIsSavedOrSaysWhy
   s.SelectedOutput = 2;
   QStringList calls;
   SetupEditors editors;
-  editors.schedule = [&](State& st, QWidget* parent) {
+  editors.schedule = [&](State& st, QWidget*) {  // leaves one event at noon
     calls << QStringLiteral("schedule of entry %1").arg(st.SelectedOutput);
-    NoonOnly(st, parent);
+    OutputEntry& entry = st.Outputs.at(static_cast<std::size_t>(st.SelectedOutput));
+    entry.Events = {Event("12:00:00", "Noon")};
+    entry.EventCount = 1;
+    st.DialogAccepted = true;
   };
   editors.silenceDetect = [&](State&, int output, QWidget*) {
     calls << QStringLiteral("silence of output %1").arg(output);
   };
+  // Cancel also undoes what the schedule editor put into the live table; poll tick changes stay.
+  Open(editors);
+  person.Click(QStringLiteral("Add"));
+  person.Enter(QStringLiteral("Monitor Destination"), QStringLiteral("9"));
+  person.Click(QStringLiteral("Custom Label"));
+  person.Press(Qt::Key_Tab);
+  person.Type(QStringLiteral("Tx,B"));
+  person.Press(Qt::Key_Return);
+  EXPECT_TRUE(dialog->isVisible()) << "Enter in the label stores it, it does not confirm";
+  EXPECT_EQ(Shown(QStringLiteral("TxB")), QStringLiteral("TxB")) << "labels refuse commas";
+  person.Click(QStringLiteral("|<"));
+  person.Click(QStringLiteral("Remove"));
+  person.Click(QStringLiteral("Insert"));
+  person.Enter(QStringLiteral("Monitor Destination"), QStringLiteral("5"));
+  person.Click(QStringLiteral("Configure Schedule"));
+  s.Outputs[2].AlarmState = 1;  // a poll tick meanwhile
+  person.Click(QStringLiteral("Cancel"));
+  EXPECT_FALSE(s.DialogAccepted);
+  EXPECT_EQ(Entries(s), (QStringList{"3 Studio events=0 ack=1 option=0 watched=1",
+                                     "7 Studio events=2 ack=1 option=0 watched=1",
+                                     "300 Studio events=0 ack=1 option=0 watched=1"}));
+  EXPECT_EQ(s.panels.outputs.at(0).toolTip, QStringLiteral("TX 3    [0003]")) << "panels follow";
+  EXPECT_TRUE(Files().isEmpty()) << "nothing is saved";
+
   Open(editors);
   EXPECT_EQ(Shown(QStringLiteral("Alarm Relay")), QStringLiteral("[0007] (not reported)"));
   EXPECT_FALSE(Enabled(QStringLiteral("Monitor Destination"))) << "locked until Edit";
@@ -211,7 +201,8 @@ TEST_F(SetupDialogTest, ConfirmedSetupKeepsWhatItDidNotChangeAndIsSavedOrSaysWhy
   person.Enter(QStringLiteral("Monitor Destination"), QStringLiteral("9"));
   person.Click(QStringLiteral("Configure Silence Detect"));
   person.Click(QStringLiteral("Configure Schedule"));
-  EXPECT_EQ(calls, (QStringList{"silence of output 8", "schedule of entry 1"}));
+  EXPECT_EQ(calls,
+            (QStringList{"schedule of entry 0", "silence of output 8", "schedule of entry 1"}));
   EXPECT_EQ(s.SelectedOutput, 2) << "the main window's selection is left alone";
   s.Outputs[3].DisplayOption = 1;  // a poll tick runs an event on output 300
   s.Outputs[3].MonitoringEnabled = false;
@@ -220,7 +211,7 @@ TEST_F(SetupDialogTest, ConfirmedSetupKeepsWhatItDidNotChangeAndIsSavedOrSaysWhy
   EXPECT_EQ(Entries(s), (QStringList{"5 Studio events=0 ack=0 option=0 watched=1",
                                      "9 None events=1 ack=0 option=0 watched=1",
                                      "7 Studio events=2 ack=1 option=0 watched=1",
-                                     "300 Studio events=0 ack=0 option=1 watched=0"}));
+                                     "300 Studio events=0 ack=1 option=1 watched=0"}));
   ASSERT_TRUE(s.DialogAccepted);
   EXPECT_EQ(s.AlarmRelay, 7);
   EXPECT_EQ(link.closes, 0) << "same address and port keep the link";
