@@ -84,11 +84,9 @@ ScheduledEvent Event(qint16 source) {
 }
 
 TEST(ScheduleRules, RowTextsAndFields) {
-  EXPECT_EQ(DaysText(0x41), QStringLiteral("MoSu"));
   State s;
   s.InputNames = {QStringLiteral("Sat 1")};
   EXPECT_EQ(EventRowTexts(s, Event(1)), (QStringList{"01:00:00", "Inactive", "[0001] Sat 1", ""}));
-  EXPECT_EQ(EventRowTexts(s, Event(0))[2], QStringLiteral("None"));
   EXPECT_EQ(EventRowTexts(s, Event(2))[2], QStringLiteral("[0002] Uknown"));
 
   // The events file pads labels to 12 characters; the editor shows them without the blanks
