@@ -119,7 +119,6 @@ TEST_F(SetupDialogTest, ShowButtonsOpenTheEditorsAndOutputModeRebuildsTheView) {
   s.DefaultViewLarge = 1;
   s.Outputs[1].NextEvent = kNone;
   s.Shows = {MakeNewShow(), MakeNewShow()};
-  s.Shows[0].Name = QStringLiteral("One");
   s.ShowCount = 2;
   s.SelectedShow = 1;
   s.ProgramMode = 1;
