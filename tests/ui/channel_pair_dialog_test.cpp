@@ -37,7 +37,6 @@ TEST_F(ShowSubEditorTest, PairEditorWritesTheGroupsOnOkAndClosesWhenThereIsNothi
   EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Configure Show Studio Sources"));
   person.Click(QStringLiteral("Add"));
   person.Click(QStringLiteral("Edit"));
-  EXPECT_FALSE(Enabled(QStringLiteral("Add"))) << "Edit turned into Save";
   person.Enter(QStringLiteral("Left Channel"), QStringLiteral("3"));
   person.Enter(QStringLiteral("Right Channel"), QStringLiteral("17"));  // beyond the inputs
   person.Enter(QStringLiteral("Cue Channel"), QStringLiteral("16"));
@@ -121,13 +120,6 @@ TEST_F(ShowSubEditorTest, IgnoreWindowsAreAddedAndDeletedAndOnlyOkStoresThem) {
   ASSERT_EQ(s.EditShows[1].IgnoreCount, 1);
   EXPECT_EQ(s.EditShows[1].IgnoreWindows[0].StartTime, QStringLiteral("08:00:00"));
   EXPECT_EQ(s.EditShows[0].IgnoreCount, 0) << "only the selected show";
-
-  Open<IgnoreWindowDialog>();
-  person.ClickRow(person.Lists().value(0), 0);
-  person.Click(QStringLiteral("Delete"));
-  EXPECT_TRUE(Rows().isEmpty());
-  person.Click(QStringLiteral("Cancel"));
-  EXPECT_EQ(s.EditShows[1].IgnoreCount, 1) << "Cancel keeps them";
 }
 
 }  // namespace

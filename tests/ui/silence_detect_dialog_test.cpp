@@ -1,5 +1,4 @@
 #include "ui/silence_detect_dialog.h"
-#include "support/bytes.h"
 #include "switcher/link.h"
 #include "ui/broadcast_style.h"
 #include "ui/ui_fixture.h"
@@ -75,9 +74,7 @@ TEST_F(SilenceDetectDialogTest, ShowsTheReportedConfigurationUntilEditAndSendsOn
   const QString sent = QStringLiteral(" - TX 6 [0006] Silence Detect Configuration Sent - User");
   person.Click(QStringLiteral("Send"));
 
-  EXPECT_EQ(link.wire,
-            test::Bytes({0xCB, 0x00, 0x01, 0x00, 0x05, 0x00, 0x00, 0x00, 0x7F, 0x7F, 0x7F,
-                         0x7F, 0x00, 0x00, 0x00, 0x00, 0x7F, 0x7F, 0x00, 0x00, 0x00, 0xFF}));
+  EXPECT_EQ(link.wire, QByteArray::fromHex("cb000100050000007f7f7f7f000000007f7f000000ff"));
   // Only the switcher changes the status (1).
   const SilenceStatusEntry& e = s.SilenceStatus[5];
   EXPECT_EQ((QList<int>{e.Status, e.Mode, e.DetectTime, e.ReturnTime, e.Device, e.PeakThreshold,
