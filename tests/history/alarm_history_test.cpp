@@ -146,7 +146,11 @@ TEST_F(AlarmHistoryTest, ReadBackAcrossRotationsEqualsWhatWasRecordedLive) {
   EXPECT_EQ(next.Table()->item(1, 0)->text(), QStringLiteral("Wed 08:30:00"));
   EXPECT_EQ(next.Table()->item(1, 2)->text(), QStringLiteral("off"));
 
-  // What is a day old is forgotten.
+  // Bounded, and what is a day old is forgotten.
+  for (std::size_t i = 0; i < AlarmHistory::kMaxEvents + 10; ++i) {
+    live.Record(At("12:00:00"), QStringLiteral("Loss Alarm Report Canceled"));
+  }
+  EXPECT_EQ(live.Events().size(), AlarmHistory::kMaxEvents);
   live.Record(At("12:00:00").addSecs(AlarmHistory::kKeptSeconds + 1), "Server Module Connected");
   EXPECT_EQ(live.Events().size(), 1u);
 }

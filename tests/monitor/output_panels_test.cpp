@@ -96,6 +96,13 @@ TEST_F(OutputPanels, WindowHeadingsAndPanelsFollowTheCount) {
   EXPECT_TRUE(w.messageListVisible);
   EXPECT_FALSE(Panel(9).large.visible);
 
+  // In show mode the toggle leaves the output panels and their headings hidden.
+  s.ProgramMode = 1;
+  mnuToggle_Click(s);
+  EXPECT_EQ(HeadingsShown(), std::vector<bool>(4, false));
+  EXPECT_FALSE(Panel(0).large.visible || Panel(0).normal.visible);
+  s.ProgramMode = 0;
+
   // With no output left, panel 0 stays, hidden and without its old lamp.
   Watch(2);
   s.SilenceStatus[0] = {1, 0x100, 0, 0, 0, 0, 0, 0};
