@@ -107,7 +107,8 @@ class ShowsTest : public LinkedStateTest {
   //   D<status> E<status>  output 10 / 11 reports       @<time>  the clock is set and read
   //   ><n>                 n times a second passes and a tick runs
   //   G  Q                 the shows looked up / the shows pass
-  //   W  M<mode>  V<n>     switcher output 1 watched / the program mode / requests outstanding
+  //   W  V<n>              switcher output 1 watched / detector requests outstanding (h<mode>:
+  //                        the loss alarm's step sets the program mode)
   //   K                    the new exchange finds input 5 on output 10
   //   X  Y                 the link drops / is back, exchange complete, the monitors sent again
   //   R  I<o>              the monitors sent again / output o waits for its detector's report
@@ -139,7 +140,6 @@ class ShowsTest : public LinkedStateTest {
         {'G', [&] { GetActiveShows(s); }},
         {'Q', [&] { ShowsPass(s); }},
         {'W', [&] { Watch(1, 0x109); }},
-        {'M', [&] { s.ProgramMode = static_cast<qint16>(rest.toInt()); }},
         {'V', [&] { s.requests.Req3 = static_cast<quint8>(rest.toInt()); }},
         {'K',
          [&] {

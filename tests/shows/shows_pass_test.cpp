@@ -13,7 +13,7 @@ const QString kMorningOff = QStringLiteral("Morning Silence Alarm Status OFF!");
 const Scenario kScenarios[] = {
     // Not connected, the exchange incomplete, a request of either kind unanswered, output mode.
     {"shows wait for a live complete link",
-     "HMorning/5/14:00:00 X Q =- o Q =- e V4 Q =- V0 q1 Q =- q0 M0 Q =- M1 Q =C10",
+     "HMorning/5/14:00:00 X Q =- o Q =- e V4 Q =- V0 q1 Q =- q0 h0 Q =- h1 Q =C10",
      {}},
     {"the latch is repeated until reported and a cancel lasts until the next change",
      "N D1 t =L t =L t =L #ir r1 t t =- c =R r0 t t =- #ir D0 t D1 t =L r1 D0 t =R",
@@ -26,7 +26,7 @@ const Scenario kScenarios[] = {
     // the shows give back their outputs, none starts, and the show pass leaves the output
     // alarm's relay alone.
     {"each mode keeps its own alarm on the relay",
-     "W N D1 t =L r1 s0 t a0 t s0 t =- D0 t =R r0 a0 M0 u t =P10 s0 =L r1 D1 t t t =- a0 =R",
+     "W N D1 t =L r1 s0 t a0 t s0 t =- D0 t =R r0 a0 h0 u t =P10 s0 =L r1 D1 t t t =- a0 =R",
      {kMorningOn, kOn, kMorningOff, kOff, kOn, kOff}},
     // Re-sent after a drop, Show Setup OK, the next show on the same downlink: no grace, no
     // park, and the live alarm holds the relay throughout.
@@ -52,7 +52,7 @@ const Scenario kScenarios[] = {
     // shared or not, the studio's newly routed one waiting for its detector; none in output mode.
     {"monitors are sent again after each completed exchange",
      "HMorning/5/14:00:00/12:00:00/7 HSharing/5/14:00:00 Q =C10C11 D0 E0 X Q o Q =- e K R =C10C11 "
-     "I11 D1 Q #ir =L M0 R =-",
+     "I11 D1 Q #ir =L h0 R =-",
      {kMorningOn, "Sharing Silence Alarm Status ON!", kOn}},
     {"a show borrows the first free outputs and gives them back",
      "HMorning/5/14:00:00/12:00:00/7 G =C10C11 @14:00:01 G =P10P11 G =-",
